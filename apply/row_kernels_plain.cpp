@@ -1,0 +1,25 @@
+// The row kernels in their plain form, which defines what they give.
+
+#include "apply/byte_conversions.h"
+#include "apply/row_kernels.h"
+#include "apply/tetrahedral_lookup.h"
+
+namespace Lumvane::plain {
+
+void gradeRow(const LatticeView& lattice, const uint8_t (*multiply)[256], const uint8_t* src, uint8_t* dst,
+              size_t pixels) {
+  for (size_t i = 0; i < pixels; ++i, src += 4, dst += 4) {
+    const uint8_t alpha = src[3];
+    const auto out = tetrahedralLookup(lattice, src[2], src[1], src[0]);
+    dst[0] = multiply[alpha][roundToByte(out[2])];
+    dst[1] = multiply[alpha][roundToByte(out[1])];
+    dst[2] = multiply[alpha][roundToByte(out[0])];
+    dst[3] = alpha;
+  }
+}
+
+void fadeRow(const uint8_t (*mix)[256][265], int32_t t, const uint8_t* src, uint8_t* dst, size_t pixels) {
+  for (size_t i = 0; i < pixels * 4; ++i) dst[i] = mix[src[i]][dst[i]][t];
+}
+
+}  // namespace Lumvane::plain

@@ -1,0 +1,64 @@
+// Tetrahedral interpolation between the points of one lattice cell.
+//
+// The diagonal from the cell's lower corner 000 to its upper corner 111 splits the cell into six tetrahedra. The order of
+// the three fractions tells in which one a colour lies: it walks from 000 along the axis of the largest fraction to a, on
+// along the middle one to b, and along the smallest one to 111. The weights are the differences of neighbouring fractions,
+//   1 - max, max - mid, mid - min, min,
+// and are never negative. Ties fail the strict comparisons below; the point whose choice they decide then has weight 0.
+//
+// Kasson, Plouffe, Nin: "A Tetrahedral Interpolation Technique for Color Space Conversion", Proc. SPIE 1909, 1993.
+#pragma once
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+
+namespace Lumvane {
+
+/// The colour of the table at the bytes r, g, b: components red, green, blue, on the scale of the lattice. `Lattice` has
+/// the members of LatticeView.
+///
+/// Single precision throughout, each weight, product and sum rounded at once, the sums from left to right: the bits of
+/// the result are part of the library's contract. The upper neighbour of the last point is that point itself.
+template <class Lattice>
+std::array<float, 3> tetrahedralLookup(const Lattice& lattice, uint8_t r, uint8_t g, uint8_t b) {
+  const float fr = lattice.fraction[r], fg = lattice.fraction[g], fb = lattice.fraction[b];
+  const int32_t top = lattice.latticeSize - 1;
+  const int32_t x = lattice.cell[r], x1 = std::min(x + 1, top);
+  const int32_t y = lattice.cell[g], y1 = std::min(y + 1, top);
+  const int32_t z = lattice.cell[b], z1 = std::min(z + 1, top);
+
+  const float* const p000 = lattice.point(x, y, z);
+  const float* const p111 = lattice.point(x1, y1, z1);
+  const float *pa, *pb;
+  float w0, wa, wb, w1;
+  if (fr > fg) {
+    if (fg > fb) {  // r > g > b
+      pa = lattice.point(x1, y, z), pb = lattice.point(x1, y1, z);
+      w0 = 1.0f - fr, wa = fr - fg, wb = fg - fb, w1 = fb;
+    } else if (fr > fb) {  // r > b >= g
+      pa = lattice.point(x1, y, z), pb = lattice.point(x1, y, z1);
+      w0 = 1.0f - fr, wa = fr - fb, wb = fb - fg, w1 = fg;
+    } else {  // b >= r > g
+      pa = lattice.point(x, y, z1), pb = lattice.point(x1, y, z1);
+      w0 = 1.0f - fb, wa = fb - fr, wb = fr - fg, w1 = fg;
+    }
+  } else {
+    if (fb > fg) {  // b > g >= r
+      pa = lattice.point(x, y, z1), pb = lattice.point(x, y1, z1);
+      w0 = 1.0f - fb, wa = fb - fg, wb = fg - fr, w1 = fr;
+    } else if (fb > fr) {  // g >= b > r
+      pa = lattice.point(x, y1, z), pb = lattice.point(x, y1, z1);
+      w0 = 1.0f - fg, wa = fg - fb, wb = fb - fr, w1 = fr;
+    } else {  // g >= r >= b
+      pa = lattice.point(x, y1, z), pb = lattice.point(x1, y1, z);
+      w0 = 1.0f - fg, wa = fg - fr, wb = fr - fb, w1 = fb;
+    }
+  }
+
+  std::array<float, 3> out;
+  for (int c = 0; c < 3; ++c) out[c] = ((w0 * p000[c] + wa * pa[c]) + wb * pb[c]) + w1 * p111[c];
+  return out;
+}
+
+}  // namespace Lumvane

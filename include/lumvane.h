@@ -1,0 +1,94 @@
+/* Lumvane: per-frame colour effects for video editing hosts.
+ *
+ * Everything here holds for every function:
+ *
+ * Frames   Packed 8-bit pixels in memory that the caller owns: four bytes a pixel, byte 0 blue, byte 1 green,
+ *          byte 2 red, byte 3 alpha ("BGRA"). Of each row exactly width * 4 bytes are read or written; padding between
+ *          rows, and whatever lies behind the last row, is neither read nor changed. No alignment is asked for.
+ * Strides  Bytes from the start of one row to the start of the next, signed, one for each frame. 0 means packed rows,
+ *          width * 4 bytes apart. A negative stride walks upwards in memory: the pointer is that of the row shown at
+ *          the top, which then lies at the highest address, as in a bottom-up bitmap.
+ * Threads  A handle serves one thread at a time. Different handles may be used side by side. Large frames are spread
+ *          over OpenCV's worker threads (cv::setNumThreads governs how many); a call returns when all its work is done.
+ * Bytes    The same input gives the same bytes on every processor, system and number of threads.
+ * Failures Nothing prints or logs. When memory runs out std::bad_alloc passes out of the call; a C host that wants to
+ *          survive that builds its calling file with -fexceptions and calls through a C++ frame.
+ */
+#ifndef LUMVANE_H
+#define LUMVANE_H
+
+#include <stdint.h>
+#ifndef __cplusplus
+#include <uchar.h> /* char16_t */
+#endif
+
+#if defined(_WIN32)
+#ifdef LUMVANE_BUILD
+#define LUMVANE_API __declspec(dllexport)
+#else
+#define LUMVANE_API __declspec(dllimport)
+#endif
+#else
+#define LUMVANE_API __attribute__((visibility("default")))
+#endif
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* ---- LUT grading: recolours frames through a 3D lookup table, by tetrahedral interpolation ----------------------- */
+
+/* Loads a LUT file and makes a grading effect of it.
+ *
+ * lutPath  NUL-terminated UTF-16. The text from its last '.' on chooses the reader, in any letter case: ".cube".
+ *          On POSIX systems the path goes to the file system as UTF-8; if no file can be opened there and the path
+ *          holds a backslash, it is tried once more with slashes in place of the backslashes.
+ * width    The frame width in pixels that the host expects. Any value: each frame brings its own size.
+ * height   The same for the height.
+ * Returns  A handle for the two functions below, or null: the path is null or empty, has no extension or another one,
+ *          the file cannot be opened, or its contents are not a table of 2 to 65 points per axis.
+ * Owner    The caller, who ends the handle with Destory3DLutColorAdjustEffect. The path is copied and the file is
+ *          closed before the call returns.
+ * Cost     Reads the whole table: some 30 ms for 65 points per axis. 3.3 MB of memory a handle, whatever the size of
+ *          the table.
+ */
+LUMVANE_API void* Create3DLutColorAdjustEffect(const char16_t* lutPath, int32_t width, int32_t height);
+
+/* Grades one frame.
+ *
+ * The colour bytes of a pixel are looked up in the table as they are, the result is multiplied by the pixel's alpha,
+ * and what comes of it is faded against the source by the strength:
+ *   destination = (source * (255 - s) + graded * s) / 255, truncated, with s = strength * 255 / 100, truncated.
+ * The alpha of the source reaches the destination unchanged.
+ *
+ * handle     From Create3DLutColorAdjustEffect. Null: the call does nothing.
+ * dst        Destination frame, width x height pixels, written. Null: the call does nothing.
+ * width      Pixels per row of both frames. 0 or less: nothing is read or written.
+ * height     Rows of both frames. 0 or less: nothing is read or written.
+ * dstStride  Stride of the destination, see above.
+ * src        Source frame, width x height pixels, read. Null: the call does nothing.
+ * srcWidth   Not read.
+ * srcHeight  Not read.
+ * srcStride  Stride of the source, see above.
+ * strength   Percent. 0 or less leaves the destination exactly as it was, with no copy of the source; 100 or more
+ *            gives the graded frame alone.
+ * Overlap    dst and src may be one buffer with one stride; a frame graded in place comes out at full strength for
+ *            every strength above 0, since the fade then finds the graded pixel in both. No other overlap.
+ * Cost       Allocates nothing per frame. The first frame of the process builds the blend table that all handles
+ *            share: 18.7 MB, kept until the library is unloaded.
+ */
+LUMVANE_API void Lut3DColorAdjustEffectProcess(void* handle, uint8_t* dst, int32_t width, int32_t height,
+                                               int32_t dstStride, const uint8_t* src, int32_t srcWidth,
+                                               int32_t srcHeight, int32_t srcStride, int32_t strength);
+
+/* Ends a grading effect and frees its memory.
+ *
+ * handle  From Create3DLutColorAdjustEffect, with no call on it under way. Null: the call does nothing.
+ */
+LUMVANE_API void Destory3DLutColorAdjustEffect(void* handle);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif /* LUMVANE_H */

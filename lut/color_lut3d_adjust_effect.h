@@ -1,0 +1,31 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "lut/cube_lut.h"
+
+namespace Lumvane {
+
+/// The object behind a LUT grading handle: a table and the strength at which frames get it.
+class ColorLut3dAdjustEffect {
+ public:
+  ColorLut3dAdjustEffect(const char16_t* path, int32_t frameWidth, int32_t frameHeight);
+  virtual ~ColorLut3dAdjustEffect() = default;
+
+  std::unique_ptr<CubeLut> cubeLut;
+  std::u16string lutPath;
+  int32_t strengthPercent = 100;  ///< of the frame in hand; any value, see process
+  int32_t width;                  ///< as the host announced it; frames bring their own size
+  int32_t height;
+
+  /// Loads the table at `lutPath`; false when that fails or the path is empty.
+  bool init();
+
+  /// Grades one frame at `strengthPercent`: see Lut3DColorAdjustEffectProcess. False only when a buffer is null.
+  bool process(uint8_t* dst, int32_t frameWidth, int32_t frameHeight, int32_t dstStride, const uint8_t* src,
+               int32_t srcWidth, int32_t srcHeight, int32_t srcStride);
+};
+
+}  // namespace Lumvane

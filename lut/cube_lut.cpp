@@ -1,0 +1,70 @@
+#include "lut/cube_lut.h"
+
+#include <cmath>
+#include <cstring>
+#include <fstream>
+#include <opencv2/core.hpp>
+
+#include "apply/frame_driver.h"
+#include "lut/cube_text.h"
+#include "lut/lut_file.h"
+
+namespace Lumvane {
+
+bool CubeLut::load(const std::u16string& path) {
+  const auto extension = lutExtension(path);
+  if (!extension) return false;
+  std::ifstream stream = openLutFile(path);
+  if (!stream.is_open()) return false;
+  if (*extension == u".CUBE") return readCube(stream) == statusOk;
+  return false;
+}
+
+int32_t CubeLut::readCube(std::istream& stream) {
+  status = statusOk;
+  std::memset(lattice, 0, sizeof lattice);
+  const char separator = detectLineSeparator(stream);
+  const CubeHeader header = readCubeHeader(stream, separator, status);
+  latticeSize = header.latticeSize;
+  if (latticeSize > kLatticeStride) return status = statusSizeInvalid;
+  fillInterpolationTables();
+  readCubeRows(stream, separator, header, status,
+               [this](int32_t red, int32_t green, int32_t blue, const float (&values)[3]) {
+                 std::memcpy(lattice[red][green][blue], values, sizeof values);
+               });
+  return status;
+}
+
+char CubeLut::detectLineSeparator(std::istream& stream) { return Lumvane::detectLineSeparator(stream, status); }
+
+std::string CubeLut::readLine(std::istream& stream, char separator) {
+  return Lumvane::readLine(stream, separator, status);
+}
+
+void CubeLut::fillInterpolationTables() {
+  if (status != statusOk) return;
+  const float step = 255.0f / static_cast<float>(latticeSize - 1);
+  for (int v = 0; v < 256; ++v) {
+    const float x = static_cast<float>(v) / step;
+    cell[v] = static_cast<int32_t>(std::floor(x));
+    fraction[v] = x - static_cast<float>(cell[v]);
+  }
+}
+
+int32_t CubeLut::apply(uint8_t* dst, int32_t dstStride, const uint8_t* src, int32_t width, int32_t height,
+                       int32_t srcStride) {
+  status = statusOk;
+  if (latticeSize < 1 || latticeSize > kLatticeStride) return statusSizeInvalid;
+  if (width <= 0 || height <= 0) return status;
+  cv::Mat dstMat = wrapFrame(dst, width, height, dstStride);
+  const cv::Mat srcMat = wrapFrame(const_cast<uint8_t*>(src), width, height, srcStride);
+  applyToMats(dstMat, srcMat);
+  return status;
+}
+
+int32_t CubeLut::applyToMats(cv::Mat& dst, const cv::Mat& src) const {
+  gradeFrame(dst, src, {latticeSize, fraction, cell, &lattice[0][0][0][0]});
+  return statusOk;
+}
+
+}  // namespace Lumvane

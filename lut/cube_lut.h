@@ -1,0 +1,55 @@
+#pragma once
+
+#include <cstdint>
+#include <istream>
+#include <string>
+
+#include "apply/lattice_view.h"
+#include "lut/lut_status.h"
+
+namespace cv {
+class Mat;
+}
+
+namespace Lumvane {
+
+/// One 3D colour table in the form in which frames use it. Some 3.3 MB: lives on the heap.
+class CubeLut {
+ public:
+  virtual ~CubeLut() = default;
+  CubeLut() = default;
+  CubeLut(const CubeLut&) = delete;
+  CubeLut& operator=(const CubeLut&) = delete;
+
+  LutStatus status = statusUnloaded;  ///< how the last load, or the last apply, ended
+  int32_t latticeSize = 0;            ///< N, points per axis; 2 to 65 after a successful load
+  float fraction[256] = {};           ///< for a byte: its position inside its lattice cell, 0.0 up to below 1.0
+  int32_t cell[256] = {};             ///< for a byte: the lattice index at the lower end of its cell
+  /// [red][green][blue] of the point, then red, green, blue of its colour on a scale of 0.0 to 255.0, unclamped. The
+  /// strides are 65 points whatever N is, so that the place of a point rests on constants alone.
+  float lattice[kLatticeStride][kLatticeStride][kLatticeStride][3] = {};
+
+  /// Reads the file at `path` by the reader that its extension chooses, ".CUBE" in any letter case. False when it cannot
+  /// be opened or is refused; `status` tells why when a reader ran.
+  bool load(const std::u16string& path);
+
+  /// Reads a .CUBE text from the start of `stream`; returns the final `status`, 0 for success. A failure can leave the
+  /// lattice partly filled.
+  int32_t readCube(std::istream& stream);
+
+  char detectLineSeparator(std::istream& stream);
+  std::string readLine(std::istream& stream, char separator);
+
+  /// Fills `fraction` and `cell` for the current `latticeSize`, in single precision; does nothing when `status` is set.
+  void fillInterpolationTables();
+
+  /// Takes a frame through the table, at full strength: see Lut3DColorAdjustEffectProcess for pixels and strides. An
+  /// empty frame is left alone. Returns 0, or 23 (statusSizeInvalid) with the frames untouched when there is no usable
+  /// table.
+  int32_t apply(uint8_t* dst, int32_t dstStride, const uint8_t* src, int32_t width, int32_t height, int32_t srcStride);
+
+ private:
+  int32_t applyToMats(cv::Mat& dst, const cv::Mat& src) const;
+};
+
+}  // namespace Lumvane

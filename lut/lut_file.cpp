@@ -1,0 +1,41 @@
+#include "lut/lut_file.h"
+
+#include <algorithm>
+#include <filesystem>
+
+namespace Lumvane {
+namespace {
+
+std::ifstream openAsItStands(const std::u16string& path) {
+  try {
+    return std::ifstream(std::filesystem::path(path), std::ios::binary);
+  } catch (const std::filesystem::filesystem_error&) {
+    return {};  // half a surrogate pair has no UTF-8 form: no file can have this name
+  }
+}
+
+}  // namespace
+
+std::optional<std::u16string> lutExtension(const std::u16string& path) {
+  const size_t dot = path.rfind(u'.');
+  if (dot == std::u16string::npos) return std::nullopt;
+  std::u16string extension = path.substr(dot);
+  for (char16_t& unit : extension) {
+    if (unit >= u'a' && unit <= u'z') unit = static_cast<char16_t>(unit - u'a' + u'A');
+  }
+  return extension;
+}
+
+std::ifstream openLutFile(const std::u16string& path) {
+  std::ifstream stream = openAsItStands(path);
+#ifndef _WIN32
+  if (!stream.is_open() && path.find(u'\\') != std::u16string::npos) {
+    std::u16string withSlashes = path;
+    std::replace(withSlashes.begin(), withSlashes.end(), u'\\', u'/');
+    stream = openAsItStands(withSlashes);
+  }
+#endif
+  return stream;
+}
+
+}  // namespace Lumvane
