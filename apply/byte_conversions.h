@@ -6,9 +6,9 @@
 
 namespace Lumvane {
 
-/// A colour value as a byte, the way LUT grading does it: 0.5 is added ahead of a conversion that rounds to nearest with
-/// ties to even, in double precision. So 10.2 and 10.9 both give 11, a whole even value stays, and a whole odd value goes
-/// up by one. Values beyond either end saturate, but those from 2^31 on, and a NaN, give 0.
+/// A colour value as a byte, the way LUT grading does it: 0.5 is added ahead of a conversion that rounds to nearest
+/// with ties to even, in double precision. So 10.2 and 10.9 both give 11, a whole even value stays, and a whole odd
+/// value goes up by one. Values beyond either end saturate, but those from 2^31 on, and a NaN, give 0.
 inline uint8_t roundToByte(float v) {
   if (!(v < 2147483648.0f)) return 0;  // x86 converts what a 32-bit integer cannot hold to a negative number
   const double sum = std::max(static_cast<double>(v), -1.0) + 0.5;

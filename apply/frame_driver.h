@@ -11,8 +11,8 @@ namespace Lumvane {
 /// shorter than a row; 0 means packed rows.
 cv::Mat wrapFrame(uint8_t* pixels, int32_t width, int32_t height, int32_t strideBytes);
 
-/// Grades src into dst, which has the same size and may be the same pixels. Up to 10000 pixels are graded on the calling
-/// thread, more of them in 8 bands on OpenCV's threads; the bytes are the same.
+/// Grades src into dst, which has the same size and may be the same pixels. Up to 10000 pixels are graded on the
+/// calling thread, more of them in 8 bands on OpenCV's threads; the bytes are the same.
 void gradeFrame(cv::Mat& dst, const cv::Mat& src, const LatticeView& lattice);
 
 /// Fades dst, a graded frame, against src: t from 0 to 255 is the weight of the source.

@@ -13,7 +13,7 @@ struct LatticeView {
   int32_t latticeSize;    ///< N, points per axis, 1 to 65
   const float* fraction;  ///< 256: for a byte, its position inside its lattice cell
   const int32_t* cell;    ///< 256: for a byte, the lattice index at the lower end of its cell
-  const float* lattice;   ///< [65][65][65][3]: red, green, blue index; then red, green, blue of the colour, 0.0 to 255.0
+  const float* lattice;  ///< [65][65][65][3]: red, green, blue index; then red, green, blue of the colour, 0.0 to 255.0
 
   /// The three components at the given red, green and blue index.
   const float* point(int32_t x, int32_t y, int32_t z) const {

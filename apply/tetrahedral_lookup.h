@@ -1,8 +1,9 @@
 // Tetrahedral interpolation between the points of one lattice cell.
 //
-// The diagonal from the cell's lower corner 000 to its upper corner 111 splits the cell into six tetrahedra. The order of
-// the three fractions tells in which one a colour lies: it walks from 000 along the axis of the largest fraction to a, on
-// along the middle one to b, and along the smallest one to 111. The weights are the differences of neighbouring fractions,
+// The diagonal from the cell's lower corner 000 to its upper corner 111 splits the cell into six tetrahedra. The order
+// of the three fractions tells in which one a colour lies: it walks from 000 along the axis of the largest fraction to
+// a, on along the middle one to b, and along the smallest one to 111. The weights are the differences of neighbouring
+// fractions,
 //   1 - max, max - mid, mid - min, min,
 // and are never negative. Ties fail the strict comparisons below; the point whose choice they decide then has weight 0.
 //
@@ -15,8 +16,8 @@
 
 namespace Lumvane {
 
-/// The colour of the table at the bytes r, g, b: components red, green, blue, on the scale of the lattice. `Lattice` has
-/// the members of LatticeView.
+/// The colour of the table at the bytes r, g, b: components red, green, blue, on the scale of the lattice. `Lattice`
+/// has the members of LatticeView.
 ///
 /// Single precision throughout, each weight, product and sum rounded at once, the sums from left to right: the bits of
 /// the result are part of the library's contract. The upper neighbour of the last point is that point itself.

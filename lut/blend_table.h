@@ -8,9 +8,9 @@ namespace Lumvane {
 
 /// Every two-operand blend of 8-bit values, ready-computed, and the linear mix of two values at a weight.
 ///
-/// A plane holds f(a, b) at [a][b]. `mix` holds (a * t + b * (255 - t)) / 255, truncated, at [a][b][t] for t = 0 to 255;
-/// the last nine entries of each of its rows are padding and never written. The fields follow one another without gaps,
-/// so that plane p starts p * 65536 bytes from the start.
+/// A plane holds f(a, b) at [a][b]. `mix` holds (a * t + b * (255 - t)) / 255, truncated, at [a][b][t] for t = 0 to
+/// 255; the last nine entries of each of its rows are padding and never written. The fields follow one another without
+/// gaps, so that plane p starts p * 65536 bytes from the start.
 struct Table {
   using Plane = uint8_t[256][256];
 

@@ -29,7 +29,7 @@ int32_t CubeLut::readCube(std::istream& stream) {
   if (latticeSize > kLatticeStride) return status = statusSizeInvalid;
   fillInterpolationTables();
   readCubeRows(stream, separator, header, status,
-               [this](int32_t red, int32_t green, int32_t blue, const float (&values)[3]) {
+               [this](int32_t red, int32_t green, int32_t blue, const float(&values)[3]) {
                  std::memcpy(lattice[red][green][blue], values, sizeof values);
                });
   return status;

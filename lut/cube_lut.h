@@ -29,8 +29,8 @@ class CubeLut {
   /// strides are 65 points whatever N is, so that the place of a point rests on constants alone.
   float lattice[kLatticeStride][kLatticeStride][kLatticeStride][3] = {};
 
-  /// Reads the file at `path` by the reader that its extension chooses, ".CUBE" in any letter case. False when it cannot
-  /// be opened or is refused; `status` tells why when a reader ran.
+  /// Reads the file at `path` by the reader that its extension chooses, ".CUBE" in any letter case. False when it
+  /// cannot be opened or is refused; `status` tells why when a reader ran.
   bool load(const std::u16string& path);
 
   /// Reads a .CUBE text from the start of `stream`; returns the final `status`, 0 for success. A failure can leave the

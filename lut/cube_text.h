@@ -1,7 +1,8 @@
 // The .CUBE text format: a header of keyword lines, then one row of three numbers for each lattice point.
 //
 // Our reading of the doubtful points:
-// - Keywords are case-sensitive, may come in any order, and count at their first occurrence only: LUT_3D_SIZE (required),
+// - Keywords are case-sensitive, may come in any order, and count at their first occurrence only: LUT_3D_SIZE
+// (required),
 //   DOMAIN_MIN, DOMAIN_MAX. Any other line is passed over, titles and one-dimensional sizes among them, up to the first
 //   line whose first token begins a number: that one is the first row.
 // - The domain scales the output. A value v of channel c becomes v * (max[c] - min[c]) * 255; the minimum is no offset,
@@ -25,8 +26,8 @@ struct CubeHeader {
 };
 
 /// Reads from the start of the file up to and including the first row. What is wrong with the header goes to `status`,
-/// in this order of precedence: a line that fails, no size keyword, an inverted domain. Nothing is read when `status` is
-/// set already.
+/// in this order of precedence: a line that fails, no size keyword, an inverted domain. Nothing is read when `status`
+/// is set already.
 CubeHeader readCubeHeader(std::istream& stream, char separator, LutStatus& status);
 
 /// Reads the rows that belong to `header` and calls storePoint(red, green, blue, values) for each, with the indices of

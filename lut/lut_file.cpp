@@ -6,11 +6,11 @@
 namespace Lumvane {
 namespace {
 
-std::ifstream openAsItStands(const std::u16string& path) {
+void openAsItStands(std::ifstream& stream, const std::u16string& path) {
   try {
-    return std::ifstream(std::filesystem::path(path), std::ios::binary);
+    stream.open(std::filesystem::path(path), std::ios::binary);
   } catch (const std::filesystem::filesystem_error&) {
-    return {};  // half a surrogate pair has no UTF-8 form: no file can have this name
+    // Half a surrogate pair has no UTF-8 form: no file can have this name.
   }
 }
 
@@ -27,12 +27,13 @@ std::optional<std::u16string> lutExtension(const std::u16string& path) {
 }
 
 std::ifstream openLutFile(const std::u16string& path) {
-  std::ifstream stream = openAsItStands(path);
+  std::ifstream stream;
+  openAsItStands(stream, path);
 #ifndef _WIN32
   if (!stream.is_open() && path.find(u'\\') != std::u16string::npos) {
     std::u16string withSlashes = path;
     std::replace(withSlashes.begin(), withSlashes.end(), u'\\', u'/');
-    stream = openAsItStands(withSlashes);
+    openAsItStands(stream, withSlashes);
   }
 #endif
   return stream;

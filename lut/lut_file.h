@@ -12,8 +12,8 @@ std::optional<std::u16string> lutExtension(const std::u16string& path);
 
 /// Opens a file for reading bytes, with no translation of line ends. The stream is not open when that fails.
 ///
-/// POSIX file systems get the path as UTF-8. Hosts that build paths the Windows way still find their files there: a path
-/// that cannot be opened as it stands is tried once more with slashes in place of its backslashes.
+/// POSIX file systems get the path as UTF-8. Hosts that build paths the Windows way still find their files there: a
+/// path that cannot be opened as it stands is tried once more with slashes in place of its backslashes.
 std::ifstream openLutFile(const std::u16string& path);
 
 }  // namespace Lumvane

@@ -1,0 +1,50 @@
+// lumvane-host: a small editing host. It uses the library as any host does, through lumvane.h alone.
+
+#include <CLI/CLI.hpp>
+#include <exception>
+#include <iostream>
+
+#include "host/lut_command.h"
+#include "host/pictures.h"
+#include "host/scene.h"
+
+namespace {
+
+void addSceneCommand(CLI::App& app) {
+  auto* command = app.add_subcommand("scene",
+                                     "Draw a test scene: skin tones, saturated patches, a grey ramp, gradients, "
+                                     "translucency");
+  struct Options {
+    std::string output;
+    int width = 1280;
+    int height = 720;
+  };
+  const auto options = std::make_shared<Options>();
+  command->add_option("output", options->output, "Picture to write")->required();
+  command->add_option("--width", options->width, "Width in pixels")
+      ->check(CLI::Range(16, 16384))
+      ->capture_default_str();
+  command->add_option("--height", options->height, "Height in pixels")
+      ->check(CLI::Range(16, 16384))
+      ->capture_default_str();
+  command->callback(
+      [options] { host::writePicture(options->output, host::drawScene(options->width, options->height)); });
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  CLI::App app("Grades pictures with the Lumvane colour effects", "lumvane-host");
+  app.require_subcommand(1);
+  host::addLutCommand(app);
+  addSceneCommand(app);
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    return app.exit(error);
+  } catch (const std::exception& error) {
+    std::cerr << "lumvane-host: " << error.what() << '\n';
+    return 1;
+  }
+  return 0;
+}

@@ -1,0 +1,44 @@
+#include "host/progress_bar.h"
+
+#include <cstdio>
+#ifdef _WIN32
+#include <io.h>
+#else
+#include <unistd.h>
+#endif
+
+namespace host {
+namespace {
+
+bool errorStreamIsTerminal() {
+#ifdef _WIN32
+  return _isatty(_fileno(stderr)) != 0;
+#else
+  return isatty(STDERR_FILENO) != 0;
+#endif
+}
+
+}  // namespace
+
+ProgressBar::ProgressBar(size_t steps) : steps_(steps), visible_(steps > 1 && errorStreamIsTerminal()) {}
+
+ProgressBar::~ProgressBar() {
+  if (visible_) std::fputc('\n', stderr);
+}
+
+void ProgressBar::step(const std::string& name) {
+  draw(name);
+  ++begun_;
+}
+
+void ProgressBar::draw(const std::string& text) const {
+  if (!visible_) return;
+  constexpr size_t kWidth = 30;
+  const size_t filled = kWidth * (begun_ + 1) / steps_;
+  const std::string bar = std::string(filled, '#') + std::string(kWidth - filled, '.');
+  // "\x1b[K" clears what a longer name left behind.
+  std::fprintf(stderr, "\r[%s] %zu/%zu %s\x1b[K", bar.c_str(), begun_ + 1, steps_, text.c_str());
+  std::fflush(stderr);
+}
+
+}  // namespace host

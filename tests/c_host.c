@@ -1,0 +1,26 @@
+/* A host in C: everything it knows of the library is lumvane.h, everything it links is the shared object. */
+#include <stdio.h>
+#include <string.h>
+
+#include "lumvane.h"
+
+int main(int argc, char** argv) {
+  char16_t path[1024] = {0};
+  uint8_t src[4] = {40, 120, 200, 255}, dst[4] = {0, 0, 0, 0};
+  void* effect;
+  size_t i;
+  if (argc != 2) return 2;
+  for (i = 0; argv[1][i] != 0 && i < 1023; ++i) path[i] = (char16_t)(unsigned char)argv[1][i];
+
+  Destory3DLutColorAdjustEffect(NULL);
+  Lut3DColorAdjustEffectProcess(NULL, dst, 1, 1, 4, src, 1, 1, 4, 100);
+  if (Create3DLutColorAdjustEffect(NULL, 1, 1) != NULL) return 3;
+
+  effect = Create3DLutColorAdjustEffect(path, 1, 1);
+  if (effect == NULL) return 4;
+  Lut3DColorAdjustEffectProcess(effect, dst, 1, 1, 4, src, 1, 1, 4, 100);
+  Destory3DLutColorAdjustEffect(effect);
+  printf("%d %d %d %d\n", dst[0], dst[1], dst[2], dst[3]);
+  /* Black and white, on the warm side: blue below green below red. */
+  return dst[0] < dst[1] && dst[1] < dst[2] && dst[3] == 255 ? 0 : 5;
+}

@@ -1,0 +1,156 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <climits>
+#include <thread>
+
+#include "lumvane.h"
+#include "tests/test_luts.h"
+
+namespace {
+
+using test::Frame;
+using test::negativeCube;
+using test::TemporaryFile;
+
+struct Effect {
+  void* handle;
+  explicit Effect(const std::u16string& path) : handle(Create3DLutColorAdjustEffect(path.c_str(), 1920, 1080)) {}
+  ~Effect() { Destory3DLutColorAdjustEffect(handle); }
+  void process(Frame& dst, Frame& src, int strength) const {
+    Lut3DColorAdjustEffectProcess(handle, dst.data(), src.width, src.height, dst.stride, src.data(), 0, 0, src.stride,
+                                  strength);
+  }
+};
+
+TEST(LutEffect, IsCreatedByExtension) {
+  struct Case {
+    const char* name;
+    bool works;
+  };
+  for (const auto& [name, works] :
+       {Case{"grade.cube", true}, Case{"grade.Cube", true}, Case{"grade.CUBE", true}, Case{"grade.cube.bak", false},
+        Case{"grade", false}, Case{"grade.txt", false}, Case{"dir.cube/grade", false}, Case{".cube", true}}) {
+    const TemporaryFile file(name, negativeCube());
+    EXPECT_EQ(Effect(file.utf16()).handle != nullptr, works) << name;
+  }
+}
+
+TEST(LutEffect, FindsFilesByTheirUtf16Path) {
+  for (const char16_t* name : {u"gr\u00e4de \u8272.cube", u"\U0001F3A8.cube", u"with\\backslash.cube"}) {
+    const TemporaryFile file(name, negativeCube());
+    EXPECT_NE(Effect(file.utf16()).handle, nullptr) << std::filesystem::path(name);
+  }
+  const TemporaryFile file("folder/grade.cube", negativeCube());
+  std::u16string windowsPath = file.utf16();
+  std::replace(windowsPath.begin(), windowsPath.end(), u'/', u'\\');
+  EXPECT_NE(Effect(windowsPath).handle, nullptr);
+}
+
+TEST(LutEffect, IsNullWithoutAReadableTable) {
+  const TemporaryFile broken("broken.cube", "LUT_3D_SIZE 2\n0 0 0\n");
+  const std::u16string halfPair = {u'/', 0xD800, u'.', u'c', u'u', u'b', u'e', 0};
+  EXPECT_EQ(Create3DLutColorAdjustEffect(nullptr, 1, 1), nullptr);
+  for (const std::u16string& path :
+       {std::u16string(), std::u16string(u"/none/none.cube"), std::u16string(u"/tmp/."), halfPair, broken.utf16()}) {
+    EXPECT_EQ(Effect(path).handle, nullptr) << std::filesystem::path(path == halfPair ? u"half a pair" : path);
+  }
+}
+
+TEST(LutEffect, IgnoresNull) {
+  Frame frame(2, 2);
+  const auto before = frame.bytes;
+  const TemporaryFile file("negative.cube", negativeCube());
+  const Effect effect(file.utf16());
+  Destory3DLutColorAdjustEffect(nullptr);
+  Lut3DColorAdjustEffectProcess(nullptr, frame.data(), 2, 2, 0, frame.data(), 2, 2, 0, 100);
+  Lut3DColorAdjustEffectProcess(effect.handle, nullptr, 2, 2, 0, frame.data(), 2, 2, 0, 100);
+  Lut3DColorAdjustEffectProcess(effect.handle, frame.data(), 2, 2, 0, nullptr, 2, 2, 0, 100);
+  EXPECT_EQ(frame.bytes, before);
+}
+
+TEST(LutEffect, LeavesEmptyFramesAlone) {
+  const TemporaryFile file("negative.cube", negativeCube());
+  const Effect effect(file.utf16());
+  Frame src(4, 4), dst(4, 4);
+  const auto before = dst.bytes;
+  for (const auto& [width, height] : {std::pair{0, 4}, {4, 0}, {-1, 4}, {4, -1}, {INT_MIN, INT_MIN}, {-4, -4}}) {
+    Lut3DColorAdjustEffectProcess(effect.handle, dst.data(), width, height, 0, src.data(), 4, 4, 0, 50);
+    EXPECT_EQ(dst.bytes, before) << width << " x " << height;
+  }
+}
+
+// A table that holds one colour everywhere. Only black and white, which lie on lattice points, get it without rounding
+// noise.
+std::string flatCube(const std::string& row) {
+  std::string text = "LUT_3D_SIZE 2\n";
+  for (int i = 0; i < 8; ++i) text += row + "\n";
+  return text;
+}
+
+TEST(LutEffect, FadesByStrength) {
+  const TemporaryFile file("flat.cube", flatCube("0.3921568627 0.3921568627 0.3921568627"));
+  const Effect effect(file.utf16());
+  Frame src(1, 1), dst(1, 1);
+  std::fill_n(src.data(), 4, uint8_t{255});
+  effect.process(dst, src, 100);
+  EXPECT_EQ(dst.data()[0], 100);
+  for (const int strength : {INT_MIN, -1, 0, 1, 25, 50, 75, 99, 100, 101, 150, INT_MAX}) {
+    const int s = std::clamp(strength, 0, 100) * 255 / 100;
+    std::fill_n(dst.data(), 4, uint8_t{7});
+    effect.process(dst, src, strength);
+    const int expected = s == 0 ? 7 : (255 * (255 - s) + 100 * s) / 255;
+    EXPECT_EQ(dst.data()[1], expected) << strength;
+    EXPECT_EQ(dst.data()[3], s == 0 ? 7 : 255) << strength;
+  }
+}
+
+TEST(LutEffect, MultipliesByAlphaAndKeepsIt) {
+  const TemporaryFile file("flat.cube", flatCube("0.7529411765 0.5019607843 0.2509803922"));
+  const Effect effect(file.utf16());
+  for (const auto& [alpha, red, green, blue] : {std::array{255, 192, 128, 64}, {128, 96, 64, 32}, {0, 0, 0, 0}}) {
+    Frame src(1, 1), dst(1, 1);
+    src.data()[3] = static_cast<uint8_t>(alpha);
+    effect.process(dst, src, 100);
+    EXPECT_EQ(std::vector(dst.data(), dst.data() + 4),
+              (std::vector<uint8_t>{static_cast<uint8_t>(blue), static_cast<uint8_t>(green), static_cast<uint8_t>(red),
+                                    static_cast<uint8_t>(alpha)}));
+  }
+}
+
+// The conversion to bytes rounds up between whole numbers and odd ones to even, so an identity table shows.
+TEST(LutEffect, RaisesOddValuesThroughAnIdentityTable) {
+  std::string text = "LUT_3D_SIZE 33\n";
+  for (int i = 0; i < 33 * 33 * 33; ++i) {
+    for (const int index : {i % 33, i / 33 % 33, i / 33 / 33}) text += std::to_string(index / 32.0) + " ";
+    text += "\n";
+  }
+  const TemporaryFile file("identity.cube", text);
+  const Effect effect(file.utf16());
+  Frame src(3, 1), dst(3, 1);
+  const std::vector<uint8_t> pixels = {10, 10, 10, 255, 11, 11, 11, 255, 50, 100, 200, 255};
+  std::copy(pixels.begin(), pixels.end(), src.data());
+  effect.process(dst, src, 100);
+  EXPECT_EQ(std::vector(dst.data(), dst.data() + 12),
+            (std::vector<uint8_t>{10, 10, 10, 255, 12, 12, 12, 255, 50, 101, 201, 255}));
+}
+
+TEST(LutEffect, RunsSideBySideInThreads) {
+  const TemporaryFile file("negative.cube", negativeCube());
+  Frame src(320, 200), expected(320, 200);
+  src.fillWithNoise(5);
+  Effect(file.utf16()).process(expected, src, 60);
+  std::vector<Frame> results(4, Frame(320, 200));
+  std::vector<std::thread> threads;
+  for (Frame& dst : results) {
+    threads.emplace_back([&] {
+      const Effect effect(file.utf16());
+      Frame own = src;
+      for (int i = 0; i < 20; ++i) effect.process(dst, own, 60);
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  for (const Frame& dst : results) EXPECT_EQ(dst.bytes, expected.bytes);
+}
+
+}  // namespace
