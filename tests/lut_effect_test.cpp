@@ -30,7 +30,8 @@ TEST(LutEffect, IsCreatedByExtension) {
   };
   for (const auto& [name, works] :
        {Case{"grade.cube", true}, Case{"grade.Cube", true}, Case{"grade.CUBE", true}, Case{"grade.cube.bak", false},
-        Case{"grade", false}, Case{"grade.txt", false}, Case{"dir.cube/grade", false}, Case{".cube", true}}) {
+        Case{"grade", false}, Case{"grade.txt", false}, Case{"v1.2/my.look.cube", true}, Case{"dir.cube/grade", false},
+        Case{".cube", true}}) {
     const TemporaryFile file(name, negativeCube());
     EXPECT_EQ(Effect(file.utf16()).handle != nullptr, works) << name;
   }
