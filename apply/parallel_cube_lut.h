@@ -1,19 +1,40 @@
+// Grading by bands of rows, for cv::parallel_for_.
 #pragma once
 
 #include <opencv2/core.hpp>
 
+#include "apply/band_rows.h"
 #include "apply/lattice_view.h"
 
 namespace Lumvane {
 
-/// Grades every row of src into the row of dst at the same place.
+/// Grade every row of src, BGRA, into the row of dst at the same place: to BGRA pixels, or to one byte a pixel.
 void gradeRows(cv::Mat& dst, const cv::Mat& src, const LatticeView& lattice);
+void gradeRowsToPlane(cv::Mat& dst, const cv::Mat& src, const LatticeView& lattice);
 
-/// Grades the bands of a frame whose numbers it is given. Made for one run of cv::parallel_for_; owns nothing.
-class parallelCubeLut : public cv::ParallelLoopBody {
+using RowGrader = void (*)(cv::Mat& dst, const cv::Mat& src, const LatticeView& lattice);
+
+/// Takes the bands of a frame whose numbers it is given through `grade`. Made for one run; owns nothing.
+template <RowGrader grade>
+class BandWorker : public cv::ParallelLoopBody {
  public:
-  parallelCubeLut(cv::Mat& dst, const cv::Mat& src, int32_t bands, const LatticeView& lattice);
-  void operator()(const cv::Range& range) const override;
+  BandWorker(cv::Mat& dstFrame, const cv::Mat& srcFrame, int32_t bandCount, const LatticeView& view)
+      : dst(&dstFrame),
+        src(&srcFrame),
+        bands(bandCount),
+        latticeSize(view.latticeSize),
+        fraction(view.fraction),
+        cell(view.cell),
+        lattice(view.lattice) {}
+
+  void operator()(const cv::Range& range) const override {
+    for (int band = range.start; band < range.end; ++band) {
+      const BandRows rows(dst->rows, bands, band);
+      const cv::Rect area(0, rows.first, dst->cols, rows.count);
+      cv::Mat dstBand(*dst, area);
+      grade(dstBand, cv::Mat(*src, area), {latticeSize, fraction, cell, lattice});
+    }
+  }
 
  private:
   cv::Mat* dst;
@@ -24,5 +45,8 @@ class parallelCubeLut : public cv::ParallelLoopBody {
   const int32_t* cell;
   const float* lattice;
 };
+
+using parallelCubeLut = BandWorker<gradeRows>;
+using parallelAlphaCubeLut = BandWorker<gradeRowsToPlane>;
 
 }  // namespace Lumvane

@@ -14,6 +14,10 @@ namespace Lumvane::plain {
 void gradeRow(const LatticeView& lattice, const uint8_t (*multiply)[256], const uint8_t* src, uint8_t* dst,
               size_t pixels);
 
+/// One byte a pixel of dst from BGRA pixels of src: component 0 of what gradeRow looks up, through roundToByte. Alpha
+/// is not read.
+void gradeRowToPlane(const LatticeView& lattice, const uint8_t* src, uint8_t* dst, size_t pixels);
+
 /// Replaces each byte d of dst by mix[s][d][t], s being the byte of src at the same place and t from 0 to 255 its
 /// weight.
 void fadeRow(const uint8_t (*mix)[256][265], int32_t t, const uint8_t* src, uint8_t* dst, size_t pixels);

@@ -18,6 +18,12 @@ void gradeRow(const LatticeView& lattice, const uint8_t (*multiply)[256], const 
   }
 }
 
+void gradeRowToPlane(const LatticeView& lattice, const uint8_t* src, uint8_t* dst, size_t pixels) {
+  for (size_t i = 0; i < pixels; ++i, src += 4) {
+    dst[i] = roundToByte(tetrahedralLookup(lattice, src[2], src[1], src[0])[0]);
+  }
+}
+
 void fadeRow(const uint8_t (*mix)[256][265], int32_t t, const uint8_t* src, uint8_t* dst, size_t pixels) {
   for (size_t i = 0; i < pixels * 4; ++i) dst[i] = mix[src[i]][dst[i]][t];
 }

@@ -7,6 +7,7 @@
 #include "host/lut_command.h"
 #include "host/pictures.h"
 #include "host/scene.h"
+#include "host/white_balance_command.h"
 
 namespace {
 
@@ -37,6 +38,7 @@ int main(int argc, char** argv) {
   CLI::App app("Grades pictures with the Lumvane colour effects", "lumvane-host");
   app.require_subcommand(1);
   host::addLutCommand(app);
+  host::addWhiteBalanceCommand(app);
   addSceneCommand(app);
   try {
     app.parse(argc, argv);

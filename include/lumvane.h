@@ -19,6 +19,7 @@
 
 #include <stdint.h>
 #ifndef __cplusplus
+#include <stdbool.h>
 #include <uchar.h> /* char16_t */
 #endif
 
@@ -40,17 +41,14 @@ extern "C" {
 
 /* Loads a LUT file and makes a grading effect of it.
  *
- * lutPath  NUL-terminated UTF-16. The text from its last '.' on chooses the reader, in any letter case: ".cube".
- *          On POSIX systems the path goes to the file system as UTF-8; if no file can be opened there and the path
- *          holds a backslash, it is tried once more with slashes in place of the backslashes.
- * width    The frame width in pixels that the host expects. Any value: each frame brings its own size.
- * height   The same for the height.
- * Returns  A handle for the two functions below, or null: the path is null or empty, has no extension or another one,
- *          the file cannot be opened, or its contents are not a table of 2 to 65 points per axis.
- * Owner    The caller, who ends the handle with Destory3DLutColorAdjustEffect. The path is copied and the file is
- *          closed before the call returns.
- * Cost     Reads the whole table: some 30 ms for 65 points per axis. 3.3 MB of memory a handle, whatever the size of
- *          the table.
+ * lutPath  NUL-terminated UTF-16. The text from its last '.' on chooses the reader, in any letter case: ".cube" or
+ * ".3dl". On POSIX systems the path goes to the file system as UTF-8; if no file can be opened there and the path holds
+ * a backslash, it is tried once more with slashes in place of the backslashes. width    The frame width in pixels that
+ * the host expects. Any value: each frame brings its own size. height   The same for the height. Returns  A handle for
+ * the two functions below, or null: the path is null or empty, has no extension or another one, the file cannot be
+ * opened, or its contents are not a table of 2 to 65 points per axis. Owner    The caller, who ends the handle with
+ * Destory3DLutColorAdjustEffect. The path is copied and the file is closed before the call returns. Cost     Reads the
+ * whole table: some 30 ms for 65 points per axis. 3.3 MB of memory a handle, whatever the size of the table.
  */
 LUMVANE_API void* Create3DLutColorAdjustEffect(const char16_t* lutPath, int32_t width, int32_t height);
 
@@ -86,6 +84,31 @@ LUMVANE_API void Lut3DColorAdjustEffectProcess(void* handle, uint8_t* dst, int32
  * handle  From Create3DLutColorAdjustEffect, with no call on it under way. Null: the call does nothing.
  */
 LUMVANE_API void Destory3DLutColorAdjustEffect(void* handle);
+
+/* ---- White balance: shifts the colours of a frame between blue and red, and between green and magenta ----------- */
+
+/* Multiplies the colour bytes of one frame by three gains:
+ *
+ *   blue: 1 + tint / 2 - temperature,    green: 1 - tint,    red: 1 + tint / 2 + temperature,
+ *
+ * in single precision, and truncates the products to bytes: 3 times 0.5 gives 1. Products beyond either end count as
+ * that end, one that is no number as 0. The alpha of the source reaches the destination unchanged.
+ *
+ * src          Source frame, width x height pixels, read. Packed rows: width * 4 bytes each, nothing between them.
+ * dst          Destination frame of the same shape, written. May be src; no other overlap. When either is null and the
+ *              frame is not empty, a cv::Exception passes out of the call.
+ * reserved1-3  Not read.
+ * temperature  From cold to warm, around 0 for no change; 0.5 halves the blue of a grey and adds half to its red. Any
+ *              value.
+ * tint         From green to magenta, around 0 for no change. Any value.
+ * width        Pixels per row. 0 or less: nothing is read or written.
+ * height       Rows. 0 or less: nothing is read or written.
+ * Returns      true in every case.
+ * Threads      Runs on the calling thread and keeps nothing: calls on different frames may run side by side.
+ * Cost         Allocates nothing.
+ */
+LUMVANE_API bool WhiteBalanceFun(const uint8_t* src, uint8_t* dst, float reserved1, float reserved2, float reserved3,
+                                 float temperature, float tint, int32_t width, int32_t height);
 
 #ifdef __cplusplus
 }

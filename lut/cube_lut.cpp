@@ -16,6 +16,7 @@ bool CubeLut::load(const std::u16string& path) {
   if (!extension) return false;
   std::ifstream stream = openLutFile(path);
   if (!stream.is_open()) return false;
+  if (*extension == u".3DL") return read3dl(stream) == statusOk;
   if (*extension == u".CUBE") return readCube(stream) == statusOk;
   return false;
 }
@@ -56,14 +57,19 @@ int32_t CubeLut::apply(uint8_t* dst, int32_t dstStride, const uint8_t* src, int3
   status = statusOk;
   if (latticeSize < 1 || latticeSize > kLatticeStride) return statusSizeInvalid;
   if (width <= 0 || height <= 0) return status;
-  cv::Mat dstMat = wrapFrame(dst, width, height, dstStride);
+  cv::Mat dstMat = wrapFrame(dst, width, height, dstStride, alphaMode ? CV_8UC1 : CV_8UC4);
   const cv::Mat srcMat = wrapFrame(const_cast<uint8_t*>(src), width, height, srcStride);
   applyToMats(dstMat, srcMat);
   return status;
 }
 
 int32_t CubeLut::applyToMats(cv::Mat& dst, const cv::Mat& src) const {
-  gradeFrame(dst, src, {latticeSize, fraction, cell, &lattice[0][0][0][0]});
+  const LatticeView view = {latticeSize, fraction, cell, &lattice[0][0][0][0]};
+  if (alphaMode) {
+    gradeFrameToPlane(dst, src, view);
+  } else {
+    gradeFrame(dst, src, view);
+  }
   return statusOk;
 }
 

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <istream>
 #include <string>
+#include <vector>
 
 #include "apply/lattice_view.h"
 #include "lut/lut_status.h"
@@ -29,23 +30,30 @@ class CubeLut {
   /// strides are 65 points whatever N is, so that the place of a point rests on constants alone.
   float lattice[kLatticeStride][kLatticeStride][kLatticeStride][3] = {};
 
-  /// Reads the file at `path` by the reader that its extension chooses, ".CUBE" in any letter case. False when it
-  /// cannot be opened or is refused; `status` tells why when a reader ran.
+  /// Frames come out as one byte a pixel, made of component 0 of the looked-up colour. For code inside the library.
+  bool alphaMode = false;
+
+  /// Reads the file at `path` by the reader that its extension chooses, ".CUBE" or ".3DL" in any letter case. False
+  /// when it cannot be opened or is refused; `status` tells why when a reader ran.
   bool load(const std::u16string& path);
 
-  /// Reads a .CUBE text from the start of `stream`; returns the final `status`, 0 for success. A failure can leave the
-  /// lattice partly filled.
+  /// Read a text of the format from the start of `stream`; return the final `status`, 0 for success. A failure can
+  /// leave the lattice partly filled.
   int32_t readCube(std::istream& stream);
+  int32_t read3dl(std::istream& stream);
 
   char detectLineSeparator(std::istream& stream);
   std::string readLine(std::istream& stream, char separator);
+
+  /// Appends the pieces of `line` between single blanks to `fields`, empty ones too: one more than there are blanks.
+  static void splitFields(const std::string& line, std::vector<std::string>& fields);
 
   /// Fills `fraction` and `cell` for the current `latticeSize`, in single precision; does nothing when `status` is set.
   void fillInterpolationTables();
 
   /// Takes a frame through the table, at full strength: see Lut3DColorAdjustEffectProcess for pixels and strides. An
-  /// empty frame is left alone. Returns 0, or 23 (statusSizeInvalid) with the frames untouched when there is no usable
-  /// table.
+  /// empty frame is left alone. In alphaMode dst has one byte a pixel, and a dstStride of 0 means rows of width bytes.
+  /// Returns 0, or 23 (statusSizeInvalid) with the frames untouched when there is no usable table.
   int32_t apply(uint8_t* dst, int32_t dstStride, const uint8_t* src, int32_t width, int32_t height, int32_t srcStride);
 
  private:

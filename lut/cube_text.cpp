@@ -18,7 +18,8 @@ CubeHeader readCubeHeader(std::istream& stream, char separator, LutStatus& statu
   bool minSeen = false;
   bool maxSeen = false;
   while (status == statusOk) {
-    std::string line = readLine(stream, separator, status);
+    const auto lineStart = stream.tellg();
+    const std::string line = readLine(stream, separator, status);
     if (status != statusOk) break;
 
     std::istringstream words(line);
@@ -26,7 +27,7 @@ CubeHeader readCubeHeader(std::istream& stream, char separator, LutStatus& statu
     std::string keyword;
     words >> keyword;
     if (beginsTable(keyword)) {
-      header.firstRow = std::move(line);
+      stream.seekg(lineStart);
       break;
     }
     if (keyword == "DOMAIN_MIN" && !std::exchange(minSeen, true)) {

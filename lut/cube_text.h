@@ -11,8 +11,8 @@
 //   first one takes 0.0. Values outside 0 to 1 are kept. Rows behind the last one needed stay unread.
 #pragma once
 
+#include <cstdint>
 #include <istream>
-#include <string>
 
 #include "lut/lut_text.h"
 
@@ -22,12 +22,10 @@ struct CubeHeader {
   int32_t latticeSize = 0;  ///< points per axis, 2 to 256; 0 when no valid size was met
   float domainMin[3] = {0.0f, 0.0f, 0.0f};
   float domainMax[3] = {1.0f, 1.0f, 1.0f};
-  std::string firstRow;  ///< the line that ended the header; empty when something else ended it
 };
 
-/// Reads from the start of the file up to and including the first row. What is wrong with the header goes to `status`,
-/// in this order of precedence: a line that fails, no size keyword, an inverted domain. Nothing is read when `status`
-/// is set already.
+/// Reads the header and leaves the stream ahead of the first row. What is wrong with it goes to `status`, in this order
+/// of precedence: a line that fails, no size keyword, an inverted domain. Nothing is read when `status` is set already.
 CubeHeader readCubeHeader(std::istream& stream, char separator, LutStatus& status);
 
 /// Reads the rows that belong to `header` and calls storePoint(red, green, blue, values) for each, with the indices of
@@ -37,22 +35,11 @@ void readCubeRows(std::istream& stream, char separator, const CubeHeader& header
                   const StorePoint& storePoint) {
   float scale[3];
   for (int c = 0; c < 3; ++c) scale[c] = (header.domainMax[c] - header.domainMin[c]) * 255.0f;
-
   const int32_t n = header.latticeSize;
-  std::string line = header.firstRow;
-  float row[3] = {0.0f, 0.0f, 0.0f};
-  for (int32_t blue = 0; blue < n; ++blue) {
-    for (int32_t green = 0; green < n; ++green) {
-      for (int32_t red = 0; red < n; ++red) {
-        if (status != statusOk) return;
-        if (red + green + blue > 0) line = readLine(stream, separator, status);
-        if (status != statusOk) return;
-        scanRow(line, row);
-        const float values[3] = {row[0] * scale[0], row[1] * scale[1], row[2] * scale[2]};
-        storePoint(red, green, blue, values);
-      }
-    }
-  }
+  readRows(stream, separator, n * n * n, status, [&](int32_t number, const float(&row)[3]) {
+    const float values[3] = {row[0] * scale[0], row[1] * scale[1], row[2] * scale[2]};
+    storePoint(number % n, number / n % n, number / (n * n), values);
+  });
 }
 
 }  // namespace Lumvane

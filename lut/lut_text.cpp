@@ -2,6 +2,7 @@
 
 #include <locale.h>
 
+#include <algorithm>
 #include <charconv>
 #include <cstdio>
 #include <optional>
@@ -79,6 +80,11 @@ std::string readLine(std::istream& stream, char separator, LutStatus& status) {
     }
   }
   return line;
+}
+
+std::string firstToken(const std::string& line) {
+  const auto start = std::find_if_not(line.begin(), line.end(), isSpace);
+  return {start, std::find_if(start, line.end(), isSpace)};
 }
 
 bool beginsTable(const std::string& token) { return token > "+" && token < ":"; }

@@ -129,6 +129,30 @@ TEST(Frames, GradedInPlaceComeOutAtFullStrength) {
   EXPECT_EQ(src.bytes, dst.bytes);
 }
 
+// In alphaMode frames come out as one byte a pixel, red of what is looked up, whatever their own alpha is.
+TEST(Frames, BecomePlanesInAlphaMode) {
+  Tables tables(33);
+  CubeLut& lut = *tables.effect.cubeLut;
+  lut.alphaMode = true;
+  for (const auto& [width, height] : {std::pair{7, 5}, {100, 101}, {1300, 9}}) {
+    for (const int dstStride : {0, width + 3}) {
+      test::Frame src(width, height, 4 * width + 8);
+      src.fillWithNoise(6);
+      const int step = dstStride == 0 ? width : dstStride;
+      std::vector<uint8_t> plane(static_cast<size_t>(step * (height - 1) + width + 64), 0xA5), expected = plane;
+      for (int y = 0; y < height; ++y) {
+        for (int x = 0; x < width; ++x) {
+          const uint8_t* s = src.row(y) + 4 * x;
+          expected[static_cast<size_t>(y * step + x)] =
+              reference::roundToByte(reference::lookup(tables.reference, s[2], s[1], s[0])[0]);
+        }
+      }
+      EXPECT_EQ(lut.apply(plane.data(), dstStride, src.data(), width, height, src.stride), 0);
+      EXPECT_EQ(plane, expected) << width << " x " << height << ", " << dstStride;
+    }
+  }
+}
+
 TEST(Frames, AreRefusedWithoutATable) {
   CubeLut lut;
   test::Frame src(4, 4), dst(4, 4);

@@ -20,6 +20,7 @@ int main(int argc, char** argv) {
   if (effect == NULL) return 4;
   Lut3DColorAdjustEffectProcess(effect, dst, 1, 1, 4, src, 1, 1, 4, 100);
   Destory3DLutColorAdjustEffect(effect);
+  if (!WhiteBalanceFun(dst, dst, 0.0f, 0.0f, 0.0f, 0.0f, 0.0f, 1, 1)) return 6;
   printf("%d %d %d %d\n", dst[0], dst[1], dst[2], dst[3]);
   /* Black and white, on the warm side: blue below green below red. */
   return dst[0] < dst[1] && dst[1] < dst[2] && dst[3] == 255 ? 0 : 5;

@@ -8,19 +8,15 @@
 #include <sstream>
 
 #include "lut/cube_lut.h"
+#include "tests/test_luts.h"
 
 namespace Lumvane {
 namespace {
 
+using test::replaced;
+
 // Eight rows whose first column counts from 0.0 by tenths.
 const std::string kRows = "0.0 0 1\n0.1 0 1\n0.2 0 1\n0.3 0 1\n0.4 0 1\n0.5 0 1\n0.6 0 1\n0.7 0 1\n";
-
-std::string replaced(std::string text, const std::string& what, const std::string& with) {
-  for (size_t at = 0; (at = text.find(what, at)) != std::string::npos; at += with.size()) {
-    text.replace(at, what.size(), with);
-  }
-  return text;
-}
 
 std::unique_ptr<CubeLut> read(const std::string& text) {
   auto lut = std::make_unique<CubeLut>();

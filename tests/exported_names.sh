@@ -3,7 +3,8 @@
 set -eu
 expected='Create3DLutColorAdjustEffect
 Destory3DLutColorAdjustEffect
-Lut3DColorAdjustEffectProcess'
+Lut3DColorAdjustEffectProcess
+WhiteBalanceFun'
 found=$(nm -D --defined-only "$1" | awk '{ print $3 }' | sort)
 if [ "$found" != "$expected" ]; then
   printf 'expected:\n%s\nfound:\n%s\n' "$expected" "$found"

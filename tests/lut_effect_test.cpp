@@ -35,6 +35,12 @@ TEST(LutEffect, IsCreatedByExtension) {
     const TemporaryFile file(name, negativeCube());
     EXPECT_EQ(Effect(file.utf16()).handle != nullptr, works) << name;
   }
+  for (const char* name : {"grade.3dl", "grade.3DL", "grade.3dL"}) {
+    std::string text = "0 511 1023\n";
+    for (int i = 0; i < 27; ++i) text += "4095 0 0\n";
+    EXPECT_NE(Effect(TemporaryFile(name, text).utf16()).handle, nullptr) << name;
+    EXPECT_EQ(Effect(TemporaryFile(name, negativeCube()).utf16()).handle, nullptr) << name;
+  }
 }
 
 TEST(LutEffect, FindsFilesByTheirUtf16Path) {

@@ -32,6 +32,14 @@ class TemporaryFile {
 /// A .CUBE text of 2 points per axis in which every colour becomes its negative.
 inline std::string negativeCube() { return "LUT_3D_SIZE 2\n1 1 1\n0 1 1\n1 0 1\n0 0 1\n1 1 0\n0 1 0\n1 0 0\n0 0 0\n"; }
 
+/// `text` with every `what` in it replaced.
+inline std::string replaced(std::string text, const std::string& what, const std::string& with) {
+  for (size_t at = 0; (at = text.find(what, at)) != std::string::npos; at += with.size()) {
+    text.replace(at, what.size(), with);
+  }
+  return text;
+}
+
 /// A BGRA frame with its rows `stride` bytes apart and known bytes before, between and behind them. A negative stride
 /// puts the top row last.
 struct Frame {

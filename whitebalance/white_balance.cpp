@@ -1,0 +1,17 @@
+#include <opencv2/core.hpp>
+
+#include "lumvane.h"
+#include "whitebalance/white_balance_row.h"
+
+bool WhiteBalanceFun(const uint8_t* src, uint8_t* dst, float /*reserved1*/, float /*reserved2*/, float /*reserved3*/,
+                     float temperature, float tint, int32_t width, int32_t height) {
+  if (width <= 0 || height <= 0) return true;
+  const cv::Mat srcMat(height, width, CV_8UC4, const_cast<uint8_t*>(src));
+  cv::Mat dstMat(height, width, CV_8UC4, dst);
+  const float base = tint * 0.5f + 1.0f;
+  const Lumvane::WhiteBalanceGains gains = {base - temperature, 1.0f - tint, base + temperature};
+  for (int y = 0; y < height; ++y) {
+    Lumvane::plain::whiteBalanceRow(gains, srcMat.ptr(y), dstMat.ptr(y), static_cast<size_t>(width));
+  }
+  return true;
+}

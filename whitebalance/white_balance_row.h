@@ -1,0 +1,20 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace Lumvane {
+
+/// What the bytes 0, 1 and 2 of a pixel are multiplied by. Any value, also infinities and NaN.
+struct WhiteBalanceGains {
+  float blue, green, red;
+};
+
+namespace plain {
+
+/// Multiplies the colour bytes of BGRA pixels by the gains, in single precision, and truncates: 3 * 0.5 gives 1. Products
+/// beyond 0 to 255 count as the nearer end, a NaN as 0. Byte 3 is copied. dst may be src.
+void whiteBalanceRow(const WhiteBalanceGains& gains, const uint8_t* src, uint8_t* dst, size_t pixels);
+
+}  // namespace plain
+}  // namespace Lumvane
