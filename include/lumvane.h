@@ -85,6 +85,51 @@ LUMVANE_API void Lut3DColorAdjustEffectProcess(void* handle, uint8_t* dst, int32
  */
 LUMVANE_API void Destory3DLutColorAdjustEffect(void* handle);
 
+/* ---- Clarity: raises the local contrast of frames at many scales, and scales their saturation -------------------- */
+
+/* Makes a clarity effect.
+ *
+ * width, height  Size of the frames in pixels. It sets how many levels the pyramid has, and nothing else: from a
+ * shorter side of 65 on there are 8 of them, below it fewer. Frames of another size are rendered whole, with this
+ *                number of levels. Any value; 0 or less gives one level, with which intensity has no effect.
+ * reserved       Not read.
+ * saturation     Percent, -100 to 100, clamped: the saturation of each pixel is multiplied by 0.85 to 1.15 and held to
+ *                its range. 0 leaves it alone.
+ * intensity      Percent, 0 to 100, clamped: how much of the raised contrast is blended over the frame. 0 leaves it
+ * alone. Returns        A handle for the two functions below. No value of the arguments makes this fail. Owner The
+ * caller, who ends the handle with DestoryNLEPureCClarity. Cost           Next to nothing; planes for the frames are
+ * made with the first one.
+ */
+LUMVANE_API void* CreateNLEPureCClarity(int32_t width, int32_t height, int32_t reserved, int32_t saturation,
+                                        int32_t intensity);
+
+/* Renders one frame. Colours are taken as they are, whatever their alpha; hue does not change, and the alpha of the
+ * source reaches the destination unchanged. Saturation 0 with intensity 0 gives the source back, byte for byte.
+ *
+ * handle     From CreateNLEPureCClarity.
+ * dst        Destination frame, width x height pixels, written.
+ * width      Pixels per row of both frames.
+ * height     Rows of both frames.
+ * dstStride  Bytes from one destination row to the next, at least width * 4. Unlike elsewhere, 0 and any negative value
+ *            mean packed rows.
+ * src        Source frame, width x height pixels, read.
+ * srcWidth   Not read.
+ * srcHeight  Not read.
+ * srcStride  The same for the source.
+ * Overlap    dst and src may be one buffer with one stride. No other overlap.
+ * Returns    1 when the frame was rendered. 0, with the destination as it was: a null handle or buffer, a width or
+ * height of 0 or less, a stride above 0 and below width * 4. Cost       The first frame, and each one of another size
+ * than the one before, allocates three planes of width * height floats; each frame some eight times that for its time.
+ */
+LUMVANE_API int32_t NLEPureCClarityProcess(void* handle, uint8_t* dst, int32_t width, int32_t height, int32_t dstStride,
+                                           const uint8_t* src, int32_t srcWidth, int32_t srcHeight, int32_t srcStride);
+
+/* Ends a clarity effect and frees its memory.
+ *
+ * handle  From CreateNLEPureCClarity, with no call on it under way. Null: the call does nothing.
+ */
+LUMVANE_API void DestoryNLEPureCClarity(void* handle);
+
 /* ---- White balance: shifts the colours of a frame between blue and red, and between green and magenta ----------- */
 
 /* Multiplies the colour bytes of one frame by three gains:

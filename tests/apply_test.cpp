@@ -9,7 +9,7 @@
 #include "apply/byte_conversions.h"
 #include "lut/color_lut3d_adjust_effect.h"
 #include "tests/reference_grading.h"
-#include "tests/test_luts.h"
+#include "tests/inputs.h"
 
 namespace Lumvane {
 namespace {

@@ -8,7 +8,7 @@
 #include <sstream>
 
 #include "lut/cube_lut.h"
-#include "tests/test_luts.h"
+#include "tests/inputs.h"
 
 namespace Lumvane {
 namespace {

@@ -2,8 +2,11 @@
 # The shared object exports the functions of lumvane.h and nothing else.
 set -eu
 expected='Create3DLutColorAdjustEffect
+CreateNLEPureCClarity
 Destory3DLutColorAdjustEffect
+DestoryNLEPureCClarity
 Lut3DColorAdjustEffectProcess
+NLEPureCClarityProcess
 WhiteBalanceFun'
 found=$(nm -D --defined-only "$1" | awk '{ print $3 }' | sort)
 if [ "$found" != "$expected" ]; then

@@ -5,7 +5,7 @@
 #include <thread>
 
 #include "lumvane.h"
-#include "tests/test_luts.h"
+#include "tests/inputs.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 #include <sstream>
 
 #include "lut/cube_lut.h"
-#include "tests/test_luts.h"
+#include "tests/inputs.h"
 
 namespace Lumvane {
 namespace {
@@ -44,7 +44,8 @@ TEST(Reader3dl, AnswersEachTextWithItsStatusAndSize) {
       {"with header", "3DMESH\nMesh 4 12\n" + mesh(17) + rows(17 * 17 * 17), 0, 17},
       {"without header", mesh(3) + rows(27), 0, 3},
       {"last line without terminator", mesh(3) + open27, 0, 3},
-      {"comments, titles, lines of blanks", "# c\n3DMESH x\n  \nLook 1\n\nMesh 9 9\n" + mesh(3) + "# c\n" + rows(27), 0, 3},
+      {"comments, titles, lines of blanks", "# c\n3DMESH x\n  \nLook 1\n\nMesh 9 9\n" + mesh(3) + "# c\n" + rows(27), 0,
+       3},
       {"keyword with blanks before it", "  3DMESH\n\tMesh 5 10\n" + mesh(3) + rows(27), 0, 3},
       {"footer behind the rows", mesh(3) + rows(27) + "LUT8\ngamma 1.0\n", 0, 3},
       {"65 entries", "3DMESH\n" + mesh(65) + rows(65 * 65 * 65), 0, 65},
@@ -83,8 +84,11 @@ TEST(Reader3dl, RunsBlueFastestOnATwelveBitScale) {
 TEST(Reader3dl, TakesTheShapesFoundInTheField) {
   const std::string text = "3DMESH\n" + mesh(3) + rows(27);
   const auto expected = read(text);
-  for (const auto& [what, with] :
-       {std::pair{"\n", "\r\n"}, {"\n", "\r"}, {" 4095 ", "\t4095\t"}, {" 8190\n", " 8190 \n"}, {"\n7 ", "\n\t 7.0 "}}) {
+  for (const auto& [what, with] : {std::pair{"\n", "\r\n"},
+                                   {"\n", "\r"},
+                                   {" 4095 ", "\t4095\t"},
+                                   {" 8190\n", " 8190 \n"},
+                                   {"\n7 ", "\n\t 7.0 "}}) {
     // A line of the mesh must stay as it is: only what belongs to rows is replaced, or the line ends.
     const auto lut = read(replaced(text, what, with));
     EXPECT_EQ(lut->status, 0) << with;
@@ -119,7 +123,8 @@ TEST(Reader3dl, GivesTheLatticeOfTheSameLookAsCube) {
   ASSERT_EQ(from3dl->status, 0);
   const float* a = &fromCube->lattice[0][0][0][0];
   const float* b = &from3dl->lattice[0][0][0][0];
-  for (size_t i = 0; i < sizeof fromCube->lattice / sizeof(float); ++i) ASSERT_NEAR(a[i], b[i], 0.5 * 255 / 4095 + 2e-4);
+  for (size_t i = 0; i < sizeof fromCube->lattice / sizeof(float); ++i)
+    ASSERT_NEAR(a[i], b[i], 0.5 * 255 / 4095 + 2e-4);
 }
 
 }  // namespace

@@ -6,7 +6,7 @@
 #include <opencv2/core.hpp>
 
 #include "lumvane.h"
-#include "tests/test_luts.h"
+#include "tests/inputs.h"
 
 namespace {
 
@@ -22,14 +22,11 @@ TEST(WhiteBalance, TurnsPixelsIntoTheirKnownValues) {
     float temperature, tint;
     std::array<uint8_t, 4> pixel, expected;
   };
-  for (const auto& c : {Case{0.0f, 0.0f, {1, 2, 255, 9}, {1, 2, 255, 9}},
-                        Case{0.5f, 0.0f, {100, 100, 100, 7}, {50, 100, 150, 7}},
-                        Case{0.0f, 1.0f, {100, 100, 100, 0}, {150, 0, 150, 0}},
-                        Case{0.5f, 0.0f, {3, 3, 3, 1}, {1, 3, 4, 1}},
-                        Case{2.0f, 2.0f, {9, 9, 255, 1}, {0, 0, 255, 1}},
-                        Case{1e30f, 0.0f, {9, 9, 9, 1}, {0, 9, 255, 1}},
-                        Case{kInfinity, 0.0f, {9, 9, 0, 1}, {0, 9, 0, 1}},
-                        Case{0.0f, NAN, {9, 9, 9, 1}, {0, 0, 0, 1}}}) {
+  for (const auto& c :
+       {Case{0.0f, 0.0f, {1, 2, 255, 9}, {1, 2, 255, 9}}, Case{0.5f, 0.0f, {100, 100, 100, 7}, {50, 100, 150, 7}},
+        Case{0.0f, 1.0f, {100, 100, 100, 0}, {150, 0, 150, 0}}, Case{0.5f, 0.0f, {3, 3, 3, 1}, {1, 3, 4, 1}},
+        Case{2.0f, 2.0f, {9, 9, 255, 1}, {0, 0, 255, 1}}, Case{1e30f, 0.0f, {9, 9, 9, 1}, {0, 9, 255, 1}},
+        Case{kInfinity, 0.0f, {9, 9, 0, 1}, {0, 9, 0, 1}}, Case{0.0f, NAN, {9, 9, 9, 1}, {0, 0, 0, 1}}}) {
     Frame src(1, 1), dst(1, 1);
     std::copy(c.pixel.begin(), c.pixel.end(), src.data());
     EXPECT_TRUE(balance(dst, src, c.temperature, c.tint));

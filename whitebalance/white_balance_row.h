@@ -12,8 +12,8 @@ struct WhiteBalanceGains {
 
 namespace plain {
 
-/// Multiplies the colour bytes of BGRA pixels by the gains, in single precision, and truncates: 3 * 0.5 gives 1. Products
-/// beyond 0 to 255 count as the nearer end, a NaN as 0. Byte 3 is copied. dst may be src.
+/// Multiplies the colour bytes of BGRA pixels by the gains, in single precision, and truncates: 3 * 0.5 gives 1.
+/// Products beyond 0 to 255 count as the nearer end, a NaN as 0. Byte 3 is copied. dst may be src.
 void whiteBalanceRow(const WhiteBalanceGains& gains, const uint8_t* src, uint8_t* dst, size_t pixels);
 
 }  // namespace plain

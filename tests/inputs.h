@@ -1,4 +1,4 @@
-// LUT files and frames for the tests.
+// LUT files and frames that the tests take as input.
 #pragma once
 
 #include <unistd.h>

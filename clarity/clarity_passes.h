@@ -1,0 +1,52 @@
+// The passes over the rows of a frame or of a pyramid level, for cv::parallel_for_ over stripe numbers. Each row is done
+// once, however the numbers are dealt out.
+#pragma once
+
+#include <opencv2/core.hpp>
+
+namespace Lumvane {
+
+/// The rows that belong to the stripes of a range: from first up to, not including, end.
+struct StripeRows {
+  int first;
+  int end;
+
+  StripeRows(const cv::Range& range, int rows, int stripes);
+};
+
+/// Decodes BGRA rows into hue, saturation and value planes.
+struct clarityAnalysisPass {
+  int rows;
+  int stripes;
+  const cv::Mat& src;
+  cv::Mat (&planes)[3];
+  float saturationFactor;
+
+  void operator()(const cv::Range& range) const;
+};
+
+/// Raises the differences between a level and the next coarser one, brought up to its size.
+struct clarityDetailPass {
+  int rows;
+  int stripes;
+  const cv::Mat& fine;
+  const cv::Mat& up;
+  cv::Mat& out;
+  float coefficient;
+  float gain;
+
+  void operator()(const cv::Range& range) const;
+};
+
+/// Encodes hue, saturation and value planes into BGRA rows, with the alpha of src.
+struct claritySynthesisPass {
+  int rows;
+  int stripes;
+  const cv::Mat (&planes)[3];
+  cv::Mat& dst;
+  const cv::Mat& src;
+
+  void operator()(const cv::Range& range) const;
+};
+
+}  // namespace Lumvane

@@ -1,0 +1,57 @@
+#include "clarity/clarity_pipeline.h"
+
+#include <algorithm>
+#include <vector>
+
+#include "clarity/clarity_passes.h"
+#include "clarity/clarity_pyramid.h"
+#include "clarity/nle_pure_c_clarity.h"
+
+namespace Lumvane {
+namespace {
+
+constexpr int kMostStripes = 16;
+constexpr float kPercent = 0.01f;
+constexpr float kSaturationSpan = 0.15f;
+
+void clampToUnit(cv::Mat& plane) {
+  cv::min(plane, 1.0, plane);
+  cv::max(plane, 0.0, plane);
+}
+
+}  // namespace
+
+int clarityPipeline(NLEPureCClarity& effect, const cv::Mat& src, cv::Mat& dst, int saturation, int intensity) {
+  if (src.empty() || dst.empty()) return 1;
+  cv::Mat(&planes)[3] = effect.planes;
+  if (planes[0].size() != src.size()) {
+    for (cv::Mat& plane : planes) plane = cv::Mat::zeros(src.size(), CV_32FC1);
+  }
+  const float saturationFactor =
+      std::clamp(static_cast<float>(saturation), -100.0f, 100.0f) * kPercent * kSaturationSpan + 1.0f;
+  const int threads = cv::getNumThreads();
+  const int stripes = std::clamp(2 * threads, 1, kMostStripes);
+
+  cv::parallel_for_(cv::Range(0, stripes), clarityAnalysisPass{src.rows, stripes, src, planes, saturationFactor},
+                    threads);
+
+  const cv::Mat valueRef = planes[2];
+  std::vector<cv::Mat> gaussian;
+  std::vector<cv::Mat> detail;
+  buildClarityPyramid(valueRef, effect.levels, gaussian, detail);
+  cv::Mat enhanced = collapseClarityPyramid(gaussian, detail);
+  clampToUnit(enhanced);
+
+  const float amount = std::clamp(static_cast<float>(intensity), 0.0f, 100.0f) * kPercent;
+  if (amount > 0.0f) {
+    cv::Mat blended;
+    cv::addWeighted(valueRef, 1.0f - amount, enhanced, amount, 0.0, blended, -1);
+    clampToUnit(blended);
+    planes[2] = blended;
+  }
+
+  cv::parallel_for_(cv::Range(0, stripes), claritySynthesisPass{dst.rows, stripes, planes, dst, src}, threads);
+  return 0;
+}
+
+}  // namespace Lumvane

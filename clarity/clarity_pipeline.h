@@ -1,0 +1,17 @@
+#pragma once
+
+#include <opencv2/core.hpp>
+
+namespace Lumvane {
+
+class NLEPureCClarity;
+
+/// Renders one frame, BGRA, src and dst of one size: decodes it into hue, saturation and value, scales the saturation,
+/// raises the detail of the value plane, blends that with the plain one, and encodes it again. Hue and alpha stay.
+///
+/// saturation  -100 to 100, clamped: the saturation is multiplied by 0.85 to 1.15
+/// intensity   0 to 100, clamped: the share of the raised value plane
+/// Returns 0, or 1 with dst untouched when either frame is empty.
+int clarityPipeline(NLEPureCClarity& effect, const cv::Mat& src, cv::Mat& dst, int saturation, int intensity);
+
+}  // namespace Lumvane

@@ -1,0 +1,81 @@
+// The row kernels in their plain form, which defines what they give.
+
+#include <algorithm>
+#include <cmath>
+
+#include "clarity/clarity_rows.h"
+
+namespace Lumvane::plain {
+namespace {
+
+constexpr float kEpsilon = 1.1920929e-07f;  // 2^-23; keeps black and grey from dividing by 0
+constexpr float kSectorsPerDegree = 0.016666668f;
+
+// For each of the six sectors of the hue circle: which of the values v, lowest, falling, rising goes to bytes 0, 1, 2.
+constexpr uint8_t kSectors[6][3] = {{1, 3, 0}, {1, 0, 2}, {3, 0, 1}, {0, 2, 1}, {0, 1, 3}, {2, 1, 0}};
+
+// The exponential, rounded correctly to single precision. By way of double precision, since what the C libraries give in
+// single precision differs from one to the next, and with the processor, in the last bit.
+float exponential(float x) { return static_cast<float>(std::exp(static_cast<double>(x))); }
+
+uint8_t toByte(float colour) { return static_cast<uint8_t>(std::clamp(colour, 0.0f, 1.0f) * 255.0f + 0.5f); }
+
+}  // namespace
+
+void analysisRow(const uint8_t* src, float saturationFactor, float* hue, float* saturation, float* value,
+                 size_t pixels) {
+  for (size_t i = 0; i < pixels; ++i, src += 4) {
+    const float r = static_cast<float>(src[2]) / 255.0f;
+    const float g = static_cast<float>(src[1]) / 255.0f;
+    const float b = static_cast<float>(src[0]) / 255.0f;
+    const float v = std::max({r, g, b});
+    const float diff = v - std::min({r, g, b});
+    const float s = diff / (v + kEpsilon);
+    const float k = 60.0f / (diff + kEpsilon);
+    float h;
+    if (v == r) {
+      h = (g - b) * k;
+    } else if (v == g) {
+      h = (b - r) * k + 120.0f;
+    } else {
+      h = (r - g) * k + 240.0f;
+    }
+    if (h < 0.0f) h += 360.0f;
+    hue[i] = h;
+    saturation[i] = std::clamp(saturationFactor * s, 0.0f, 1.0f);
+    value[i] = v;
+  }
+}
+
+void detailRow(const float* fine, const float* coarse, float coefficient, float gain, float* out, size_t samples) {
+  for (size_t i = 0; i < samples; ++i) {
+    const float d = fine[i] - coarse[i];
+    const float w = exponential(-(d * d * coefficient));
+    out[i] = (d * gain) * w + d;
+  }
+}
+
+void synthesisRow(const float* hue, const float* saturation, const float* value, const uint8_t* src, uint8_t* dst,
+                  size_t pixels) {
+  for (size_t i = 0; i < pixels; ++i, src += 4, dst += 4) {
+    const float s = saturation[i];
+    const float v = value[i];
+    float c0 = v, c1 = v, c2 = v;
+    if (s != 0.0f) {
+      // The hue lies in 0 to 360. 360 degrees make a little more than 6 sectors, which is the start of the first one.
+      const float x = std::fmod(hue[i] * kSectorsPerDegree, 6.0f);
+      const int sector = static_cast<int>(x);
+      const float f = x - static_cast<float>(sector);
+      const float tab[4] = {v, (1.0f - s) * v, (1.0f - f * s) * v, (1.0f - (1.0f - f) * s) * v};
+      c0 = tab[kSectors[sector][0]];
+      c1 = tab[kSectors[sector][1]];
+      c2 = tab[kSectors[sector][2]];
+    }
+    dst[0] = toByte(c0);
+    dst[1] = toByte(c1);
+    dst[2] = toByte(c2);
+    dst[3] = src[3];
+  }
+}
+
+}  // namespace Lumvane::plain

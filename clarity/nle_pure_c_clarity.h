@@ -1,0 +1,34 @@
+#pragma once
+
+#include <memory>
+#include <opencv2/core.hpp>
+
+#include "nle/nle_adjust_color_effect.h"
+
+namespace Lumvane {
+
+/// The clarity effect: see CreateNLEPureCClarity. Its parameters "saturation" and "intensity" are whole numbers, kept as
+/// they came; one that is missing counts as 100.
+class NLEPureCClarity : public NLEAdjustColorEffect {
+ public:
+  using NLEAdjustColorEffect::NLEAdjustColorEffect;
+
+  int width = 0;   ///< the size for which `levels` was computed
+  int height = 0;
+  int levels = 0;     ///< pyramid levels, also for frames of another size; 0 counts as 1
+  cv::Mat planes[3];  ///< hue in degrees, saturation and value from 0 to 1 of the frame at hand; CV_32FC1
+
+  ~NLEPureCClarity() override = default;
+
+  /// Always 0.
+  int Init(int frameWidth, int frameHeight, int reserved, int saturation, int intensity) override;
+
+  /// 1, with the destination as it was, for a missing buffer, an empty frame, or a stride above 0 and below the row.
+  int Process(const NLEFrameDesc& blank, const NLEFrameDesc& src, const NLEFrameDesc& dst, int frameWidth,
+              int frameHeight, int dstStride) override;
+
+ private:
+  int percentage(const char* name) const;
+};
+
+}  // namespace Lumvane

@@ -1,0 +1,32 @@
+#include "nle/nle_adjust_color_effect.h"
+
+namespace Lumvane {
+
+int NLEAdjustColorEffect::Init(int /*width*/, int /*height*/, int /*reserved*/, int /*saturation*/, int /*intensity*/) {
+  return 0;
+}
+
+int NLEAdjustColorEffect::Process(const NLEFrameDesc& /*blank*/, const NLEFrameDesc& /*src*/,
+                                  const NLEFrameDesc& /*dst*/, int /*width*/, int /*height*/, int /*dstStride*/) {
+  return 0;
+}
+
+bool NLEAdjustColorEffect::SetParameter(const char* name, NLEFilterValue input) {
+  std::shared_ptr<NLEFilterParams>& entry = params[name];
+  if (!entry) {
+    entry = std::make_shared<NLEFilterParams>();
+    entry->type = NLEFilterParams::kPlain;
+    entry->key = entry->name = name;
+  }
+  entry->SetValue(input);
+  return true;
+}
+
+bool NLEAdjustColorEffect::GetParameter(const char* name, NLEFilterValue& output) const {
+  const auto found = params.find(name);
+  if (found == params.end()) return false;
+  found->second->GetValue(output);
+  return true;
+}
+
+}  // namespace Lumvane

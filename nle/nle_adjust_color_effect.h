@@ -1,0 +1,58 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <opencv2/core.hpp>
+#include <string>
+#include <utility>
+
+#include "nle/nle_filter_params.h"
+
+namespace Lumvane {
+
+/// A frame as an entry point hands it to an effect; owns nothing and lives for the call.
+struct NLEFrameDesc {
+  uint8_t* data = nullptr;
+  int width = 0;
+  int height = 0;
+  int stride = 0;  ///< bytes from row to row, as the host passed it
+};
+
+/// Base of the effects that keep their settings as named parameters. What it does by itself is nothing; a derived class
+/// overrides Init, Process and the destructor. An object serves one caller at a time.
+class NLEAdjustColorEffect {
+ public:
+  /// `context` is kept as long as the effect and not looked into; it may be empty.
+  explicit NLEAdjustColorEffect(std::shared_ptr<void> context) : sharedContext(std::move(context)) {}
+  NLEAdjustColorEffect(const NLEAdjustColorEffect&) = delete;
+  NLEAdjustColorEffect& operator=(const NLEAdjustColorEffect&) = delete;
+
+  cv::Mat attachedMat;
+  std::shared_ptr<void> sharedContext;
+  std::map<std::string, std::shared_ptr<NLEFilterParams>> params;
+
+  virtual ~NLEAdjustColorEffect() = default;
+  virtual int ReservedInt() { return 0; }
+
+  /// Takes over the settings. 0 is success; any other value makes the creation of the effect fail.
+  virtual int Init(int width, int height, int reserved, int saturation, int intensity);
+
+  /// Renders src into dst. 0 is success, any other value rejection.
+  virtual int Process(const NLEFrameDesc& blank, const NLEFrameDesc& src, const NLEFrameDesc& dst, int width, int height,
+                      int dstStride);
+  virtual bool ReservedFlag() { return false; }
+
+  /// Keeps a header over the pixels of `input`.
+  virtual void SetAttachedMat(const cv::Mat& input) { attachedMat = input; }
+  virtual void ReservedNotify() {}
+  virtual std::pair<uint64_t, uint64_t> ReservedPair() { return {0, 0}; }
+
+  /// Sets the parameter `name`, making it when there is none. Always true.
+  bool SetParameter(const char* name, NLEFilterValue input);
+
+  /// False, with `output` as it was, when there is no parameter `name`.
+  bool GetParameter(const char* name, NLEFilterValue& output) const;
+};
+
+}  // namespace Lumvane
