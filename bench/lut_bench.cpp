@@ -1,27 +1,24 @@
 // Times of LUT grading, through the exports of the shared object: 1080p frames, the first frame of the process,
 // loading.
 
-#include <benchmark/benchmark.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <chrono>
-#include <cmath>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <opencv2/core/utility.hpp>
-#include <random>
 #include <stdexcept>
 #include <string>
-#include <vector>
 
+#include "bench/frames.h"
 #include "lumvane.h"
 
 namespace {
 
-constexpr int kWidth = 1920;
-constexpr int kHeight = 1080;
+using bench::kHeight;
+using bench::kWidth;
+using bench::photoLikeFrame;
 
 // A LUT file of the given size with a plain contrast curve, gone at the end.
 class LutFile {
@@ -52,25 +49,7 @@ class LutFile {
   std::filesystem::path path_;
 };
 
-// Smooth areas with grain, as a camera gives them.
-std::vector<uint8_t> photoLikeFrame() {
-  std::mt19937 random(1);
-  std::normal_distribution<float> grain(0.0f, 4.0f);
-  std::vector<uint8_t> frame(size_t{4} * kWidth * kHeight);
-  for (int y = 0; y < kHeight; ++y) {
-    for (int x = 0; x < kWidth; ++x) {
-      uint8_t* pixel = &frame[size_t{4} * (y * kWidth + x)];
-      for (int c = 0; c < 3; ++c) {
-        const float wave = 120.0f + 70.0f * std::sin(0.004f * x + c) + 50.0f * std::cos(0.007f * y - 2.0f * c);
-        pixel[c] = static_cast<uint8_t>(std::clamp(wave + grain(random), 0.0f, 255.0f));
-      }
-      pixel[3] = 255;
-    }
-  }
-  return frame;
-}
-
-void frame(benchmark::State& state) {
+void lutFrame(benchmark::State& state) {
   const int strength = static_cast<int>(state.range(0));
   cv::setNumThreads(static_cast<int>(state.range(1)));
   const LutFile file(33);
@@ -81,11 +60,10 @@ void frame(benchmark::State& state) {
     Lut3DColorAdjustEffectProcess(effect, dst.data(), kWidth, kHeight, 0, src.data(), kWidth, kHeight, 0, strength);
   }
   Destory3DLutColorAdjustEffect(effect);
-  state.counters["Mpx/s"] = benchmark::Counter(1e-6 * kWidth * kHeight * static_cast<double>(state.iterations()),
-                                               benchmark::Counter::kIsRate);
+  bench::countPixels(state);
 }
 
-void load(benchmark::State& state) {
+void lutLoad(benchmark::State& state) {
   const LutFile file(static_cast<int>(state.range(0)));
   for (auto _ : state) Destory3DLutColorAdjustEffect(file.load());
 }
@@ -103,13 +81,13 @@ double millisecondsOfFirstFrame() {
   return time.count();
 }
 
-BENCHMARK(frame)
+BENCHMARK(lutFrame)
     ->Name("lut/1080p/33")
     ->ArgNames({"strength", "threads"})
     ->ArgsProduct({{100, 50}, {1, 2}})
     ->UseRealTime()
     ->Unit(benchmark::kMillisecond);
-BENCHMARK(load)->Name("lut/load")->ArgName("points")->Arg(33)->Arg(65)->Unit(benchmark::kMillisecond);
+BENCHMARK(lutLoad)->Name("lut/load")->ArgName("points")->Arg(33)->Arg(65)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 

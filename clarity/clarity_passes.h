@@ -1,5 +1,5 @@
-// The passes over the rows of a frame or of a pyramid level, for cv::parallel_for_ over stripe numbers. Each row is done
-// once, however the numbers are dealt out.
+// The passes over the rows of a frame or of a pyramid level, for cv::parallel_for_ over stripe numbers. Each row is
+// done once, however the numbers are dealt out.
 #pragma once
 
 #include <opencv2/core.hpp>

@@ -47,8 +47,7 @@ void buildClarityPyramid(const cv::Mat& value, int levels, std::vector<cv::Mat>&
     const cv::Mat up = pyramidUp(gaussian[i + 1], fine.size());
     cv::Mat out(fine.size(), fine.type());
     const int stripes = std::max(1, 2 * cv::getNumThreads());
-    cv::parallel_for_(cv::Range(0, stripes),
-                      clarityDetailPass{fine.rows, stripes, fine, up, out, kCoefficient, kGain});
+    cv::parallel_for_(cv::Range(0, stripes), clarityDetailPass{fine.rows, stripes, fine, up, out, kCoefficient, kGain});
     detail[i] = out;
   }
 }

@@ -16,9 +16,9 @@ cv::Mat pyramidDown(const cv::Mat& input);
 /// A plane brought up to `size`, that of the finer level that it came from; a copy where it has that size.
 cv::Mat pyramidUp(const cv::Mat& input, cv::Size size);
 
-/// Fills both lists with `levels` entries, at least one: gaussian[0] shares the pixels of `value`, a CV_32FC1 plane, and
-/// each further entry is half the size. detail[i] holds the raised difference between gaussian[i] and what gaussian[i + 1]
-/// tells of it; the last one is a copy of the coarsest level.
+/// Fills both lists with `levels` entries, at least one: gaussian[0] shares the pixels of `value`, a CV_32FC1 plane,
+/// and each further entry is half the size. detail[i] holds the raised difference between gaussian[i] and what
+/// gaussian[i + 1] tells of it; the last one is a copy of the coarsest level.
 void buildClarityPyramid(const cv::Mat& value, int levels, std::vector<cv::Mat>& gaussian,
                          std::vector<cv::Mat>& detail);
 

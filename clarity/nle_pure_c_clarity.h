@@ -7,13 +7,13 @@
 
 namespace Lumvane {
 
-/// The clarity effect: see CreateNLEPureCClarity. Its parameters "saturation" and "intensity" are whole numbers, kept as
-/// they came; one that is missing counts as 100.
+/// The clarity effect: see CreateNLEPureCClarity. Its parameters "saturation" and "intensity" are whole numbers, kept
+/// as they came; one that is missing counts as 100.
 class NLEPureCClarity : public NLEAdjustColorEffect {
  public:
   using NLEAdjustColorEffect::NLEAdjustColorEffect;
 
-  int width = 0;   ///< the size for which `levels` was computed
+  int width = 0;  ///< the size for which `levels` was computed
   int height = 0;
   int levels = 0;     ///< pyramid levels, also for frames of another size; 0 counts as 1
   cv::Mat planes[3];  ///< hue in degrees, saturation and value from 0 to 1 of the frame at hand; CV_32FC1

@@ -4,6 +4,7 @@
 #include <exception>
 #include <iostream>
 
+#include "host/clarity_command.h"
 #include "host/lut_command.h"
 #include "host/pictures.h"
 #include "host/scene.h"
@@ -38,6 +39,7 @@ int main(int argc, char** argv) {
   CLI::App app("Grades pictures with the Lumvane colour effects", "lumvane-host");
   app.require_subcommand(1);
   host::addLutCommand(app);
+  host::addClarityCommand(app);
   host::addWhiteBalanceCommand(app);
   addSceneCommand(app);
   try {

@@ -50,6 +50,20 @@ Colour ball(const Colour& colour, float u, float v) {
   return colour * (0.25f + 0.85f * lit) + Colour::all(0.18f * std::pow(lit, 24.0f));
 }
 
+// Clumps upon clumps, from coarse to fine, between 0 and 1: something with detail at every scale.
+cv::Mat fractalNoise(cv::Size size) {
+  cv::RNG random(20);
+  cv::Mat sum(size, CV_32FC1, cv::Scalar(0.5)), octave;
+  float amplitude = 0.25f;
+  for (int cell = size.height; cell >= 1; cell /= 2, amplitude *= 0.62f) {
+    cv::Mat coarse(size.height / cell + 2, size.width / cell + 2, CV_32FC1);
+    random.fill(coarse, cv::RNG::UNIFORM, -amplitude, amplitude);
+    cv::resize(coarse, octave, size, 0.0, 0.0, cv::INTER_CUBIC);
+    sum += octave;
+  }
+  return sum;
+}
+
 // A disc whose colours run from white to red and whose alpha falls from its centre to its rim.
 void drawTranslucentDisc(cv::Mat& picture, cv::Rect area) {
   for (int y = 0; y < area.height; ++y) {
@@ -82,6 +96,12 @@ cv::Mat drawScene(int width, int height) {
                 [&](float u, float v) { return ball(rgb(kSkin[i]), u, v); });
   }
 
+  const cv::Mat stone = fractalNoise({512, 192});
+  canvas.fill({0.7, 0.56, 0.3, 0.16}, [&](float u, float v) -> Colour {
+    const float relief = stone.at<float>(static_cast<int>(v * 192.0f), static_cast<int>(u * 512.0f));
+    return rgb(0x9a8f80) * (0.55f + 0.7f * relief);
+  });
+
   constexpr std::array kPatches = {0xd01c1c, 0xe6801a, 0xf2d21b, 0x2fa83c, 0x17a5a8, 0x2344c4, 0x7a2ab0, 0xd62c8f};
   for (size_t i = 0; i < kPatches.size(); ++i) {
     canvas.fill({0.7 / kPatches.size() * i, 0.56, 0.7 / kPatches.size(), 0.16},
@@ -94,9 +114,9 @@ cv::Mat drawScene(int width, int height) {
     return v < 0.5f ? hue(u) * (2.0f * v) : hue(u) * (2.0f - 2.0f * v) + Colour::all(2.0f * v - 1.0f);
   });
 
-  const int side = std::min(static_cast<int>(0.28 * width), static_cast<int>(0.66 * height));
+  const int side = std::min(static_cast<int>(0.26 * width), static_cast<int>(0.5 * height));
   drawTranslucentDisc(canvas.picture, {static_cast<int>(0.85 * width) - side / 2,
-                                       static_cast<int>(0.36 * height) - side / 2, side, side});
+                                       static_cast<int>(0.28 * height) - side / 2, side, side});
   return canvas.picture;
 }
 

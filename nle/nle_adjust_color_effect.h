@@ -39,8 +39,8 @@ class NLEAdjustColorEffect {
   virtual int Init(int width, int height, int reserved, int saturation, int intensity);
 
   /// Renders src into dst. 0 is success, any other value rejection.
-  virtual int Process(const NLEFrameDesc& blank, const NLEFrameDesc& src, const NLEFrameDesc& dst, int width, int height,
-                      int dstStride);
+  virtual int Process(const NLEFrameDesc& blank, const NLEFrameDesc& src, const NLEFrameDesc& dst, int width,
+                      int height, int dstStride);
   virtual bool ReservedFlag() { return false; }
 
   /// Keeps a header over the pixels of `input`.

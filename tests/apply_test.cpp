@@ -8,8 +8,8 @@
 #include "apply/band_rows.h"
 #include "apply/byte_conversions.h"
 #include "lut/color_lut3d_adjust_effect.h"
-#include "tests/reference_grading.h"
 #include "tests/inputs.h"
+#include "tests/reference_grading.h"
 
 namespace Lumvane {
 namespace {

@@ -10,8 +10,8 @@
 #include "clarity/clarity_rows.h"
 #include "clarity/nle_pure_c_clarity.h"
 #include "lumvane.h"
-#include "tests/reference_clarity.h"
 #include "tests/inputs.h"
+#include "tests/reference_clarity.h"
 
 namespace {
 
@@ -61,13 +61,13 @@ TEST(Clarity, MatchesTheReference) {
     const auto where = testing::Message() << c.width << " x " << c.height << ", levels " << c.levels << ", saturation "
                                           << c.saturation << ", intensity " << c.intensity;
     const Clarity clarity(c.createWidth, c.createHeight, c.saturation, c.intensity);
-    EXPECT_EQ(static_cast<Lumvane::NLEPureCClarity*>(clarity.handle)->levels, c.createWidth == 0 ? 0 : c.levels) << where;
+    EXPECT_EQ(static_cast<Lumvane::NLEPureCClarity*>(clarity.handle)->levels, c.createWidth == 0 ? 0 : c.levels)
+        << where;
     for (const auto& [srcStride, dstStride] :
          {std::pair{0, 0}, {4 * c.width + 12, 0}, {-4, 4 * c.width + 5}, {4 * c.width, INT_MIN}}) {
       Frame src(c.width, c.height, std::max(srcStride, 0)), dst(c.width, c.height, std::max(dstStride, 0));
       fillWithWaves(src);
-      const auto expected =
-          reference::clarity(packed(src), c.width, c.height, c.levels, c.saturation, c.intensity);
+      const auto expected = reference::clarity(packed(src), c.width, c.height, c.levels, c.saturation, c.intensity);
       EXPECT_EQ(NLEPureCClarityProcess(clarity.handle, dst.data(), c.width, c.height, dstStride, src.data(), 0, -7,
                                        srcStride),
                 1)
@@ -112,7 +112,8 @@ TEST(Clarity, TurnsUniformFramesIntoTheirKnownColours) {
                              {100, {0, 0, 255, 0}, {0, 0, 255, 0}}};
   for (int grey = 0; grey < 256; grey += 15) {
     const auto byte = static_cast<uint8_t>(grey);
-    for (const int saturation : {-100, 0, 100}) cases.push_back({saturation, {byte, byte, byte, 9}, {byte, byte, byte, 9}});
+    for (const int saturation : {-100, 0, 100})
+      cases.push_back({saturation, {byte, byte, byte, 9}, {byte, byte, byte, 9}});
   }
   for (const Case& c : cases) {
     for (const int intensity : {0, 50, 100}) {
@@ -166,8 +167,22 @@ TEST(Clarity, RejectsWhatIsNoFrameAndLeavesTheDestination) {
 }
 
 TEST(ClarityPyramid, HasALevelForEachHalvingOfTheShorterSide) {
-  for (const auto& [side, levels] : {std::pair{INT_MIN, 1}, {0, 1}, {1, 1}, {2, 2}, {3, 3}, {4, 3}, {5, 4}, {8, 4},
-                                     {9, 5}, {16, 5}, {17, 6}, {32, 6}, {33, 7}, {64, 7}, {65, 8}, {INT_MAX, 8}}) {
+  for (const auto& [side, levels] : {std::pair{INT_MIN, 1},
+                                     {0, 1},
+                                     {1, 1},
+                                     {2, 2},
+                                     {3, 3},
+                                     {4, 3},
+                                     {5, 4},
+                                     {8, 4},
+                                     {9, 5},
+                                     {16, 5},
+                                     {17, 6},
+                                     {32, 6},
+                                     {33, 7},
+                                     {64, 7},
+                                     {65, 8},
+                                     {INT_MAX, 8}}) {
     EXPECT_EQ(Lumvane::clarityLevelCount(side, INT_MAX), levels) << side;
     EXPECT_EQ(Lumvane::clarityLevelCount(5000, side), levels) << side;
   }

@@ -39,10 +39,11 @@ succeeds lut --lut "$samples/silver.cube" --strength 60 --compare many/one.png g
 succeeds lut --lut "$samples/silver.cube" many graded
 succeeds lut --lut "$samples/silver.cube" many/one.png many/two.jpg both
 succeeds lut --lut "$samples/silver.cube" --strength 0 many/one.png same.png
+succeeds clarity --intensity 70 --saturation 20 many/one.png clear.png
 succeeds whitebalance --temperature 0.2 --tint -0.05 many/one.png warm.png
 "$convert" "$samples/silver.cube" >silver.3dl
 succeeds lut --lut silver.3dl many graded3dl
-for file in warm.png graded3dl/one.png graded.png graded-compare.png graded/one.png graded/two.jpg both/one.png both/two.jpg; do
+for file in clear.png warm.png graded3dl/one.png graded.png graded-compare.png graded/one.png graded/two.jpg both/one.png both/two.jpg; do
   [ -s "$file" ] || fail "$file was not written"
 done
 cmp -s graded.png many/one.png && fail "the grade changed nothing"

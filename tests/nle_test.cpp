@@ -10,8 +10,9 @@ TEST(NLEFilterParams, StripsTheSchemeFromPathsAlone) {
     int type;
     const char *text, *stored;
   };
-  for (const auto& c : {Case{5, "file:/a", "file:/a"}, Case{6, "file:/a", "a"}, Case{6, "a", "a"},
-                        Case{6, "x file:/y", "x y"}, Case{6, "file:/file:/a", "file:/a"}, Case{6, "File:/a", "File:/a"}}) {
+  for (const auto& c :
+       {Case{5, "file:/a", "file:/a"}, Case{6, "file:/a", "a"}, Case{6, "a", "a"}, Case{6, "x file:/y", "x y"},
+        Case{6, "file:/file:/a", "file:/a"}, Case{6, "File:/a", "File:/a"}}) {
     NLEFilterParams parameter;
     parameter.type = c.type;
     parameter.SetValue({3, c.text, 9});
