@@ -23,9 +23,9 @@ cv::Mat clarify(const cv::Mat& picture, const ClarityOptions& options) {
       CreateNLEPureCClarity(picture.cols, picture.rows, 0, options.saturation, options.intensity),
       &DestoryNLEPureCClarity);
   cv::Mat out(picture.size(), picture.type());
-  if (!effect || NLEPureCClarityProcess(effect.get(), out.data, out.cols, out.rows, static_cast<int32_t>(out.step[0]),
-                                        picture.data, picture.cols, picture.rows,
-                                        static_cast<int32_t>(picture.step[0])) != 1) {
+  if (!effect ||
+      NLEPureCClarityProcess(effect.get(), out.data, out.cols, out.rows, static_cast<int32_t>(out.step[0]),
+                             picture.data, picture.cols, picture.rows, static_cast<int32_t>(picture.step[0])) != 1) {
     throw std::runtime_error("the clarity effect refused a picture");
   }
   return out;
@@ -37,8 +37,7 @@ void addClarityCommand(CLI::App& app) {
   auto* command = app.add_subcommand("clarity", "Raise the local contrast of pictures");
   const auto options = std::make_shared<ClarityOptions>();
   command->add_option("--intensity", options->intensity, "Local contrast in percent, 0 to 100")->capture_default_str();
-  command->add_option("--saturation", options->saturation, "Saturation in percent, -100 to 100")
-      ->capture_default_str();
+  command->add_option("--saturation", options->saturation, "Saturation in percent, -100 to 100")->capture_default_str();
   addPictureArguments(*command, options->pictures);
   command->callback([options] {
     editPictures(options->pictures, [&](const cv::Mat& picture) { return clarify(picture, *options); });
