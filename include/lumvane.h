@@ -155,6 +155,52 @@ LUMVANE_API void DestoryNLEPureCClarity(void* handle);
 LUMVANE_API bool WhiteBalanceFun(const uint8_t* src, uint8_t* dst, float reserved1, float reserved2, float reserved3,
                                  float temperature, float tint, int32_t width, int32_t height);
 
+/* ---- HDR to BT.709: turns BT.2020 video with an HLG or PQ transfer into BT.709 video ------------------------------
+ */
+
+/* Makes a video colour adjust for frames of one size. The first call of the process loads two LUT files for all
+ * objects, "HDR_HLG.cube" and "HDR_PQ.cube", and computes what they make of each of the 2^24 colours. No later call
+ * reads a file, whatever its directory.
+ *
+ * lutDirectory   NUL-terminated UTF-16, with no separator at its end; a backslash and the file names are appended. How
+ * the path reaches the file system is told at Create3DLutColorAdjustEffect: with POSIX systems, too, the files lie in
+ * this directory. reservedMode   Not read. limitedRange   Not 0: frames are of limited range, in and out (Y from 16 to
+ * 235); 0: of full range, in and out. usePq          Not 0: frames have the PQ transfer and go through "HDR_PQ.cube";
+ * 0: HLG, and "HDR_HLG.cube". width, height  Frame size in pixels; odd ones are taken. Returns        A handle for the
+ * functions below, or null for a null directory. A LUT file that is missing or cannot be used is not reported: the
+ * frames that need it come out black. Owner          The caller, who ends the handle with DestroyVideoAdjustColor.
+ * Threads        Calls may run side by side; the first ones wait for the load.
+ * Failures       std::bad_alloc passes out when memory runs out, for a negative size, and for frames of 2^31 bytes and
+ * more at four bytes a pixel. The next call then starts anew. Cost           The first call: about 2 seconds for two
+ * files of 65 points per axis on one thread, and 103 MB that stay until the library is unloaded; 7 MB of them stay
+ * until the process ends. Every call: 8 bytes a pixel.
+ */
+LUMVANE_API void* CreateVideoAdjustColor(const char16_t* lutDirectory, int32_t reservedMode, int32_t limitedRange,
+                                         int32_t usePq, int32_t width, int32_t height);
+
+/* Converts one frame of the object's size: BT.2020 non-constant luminance in, BT.709 out, 8 bits, 4:2:0.
+ *
+ * handle               From CreateVideoAdjustColor; not tested for null.
+ * srcPlane0, 1, 2      Source planes in the order of YV12: Y, width x height, then V (Cr) and U (Cb), each (width + 1)
+ * / 2 x (height + 1) / 2. Chroma is taken to lie on the left of each pair of pixels, between the rows. Not tested for
+ * null. stride0, 1, 2        Bytes from one row of the plane to the next, the same for source and destination; at least
+ * the bytes of a row. Bytes behind a row are neither read nor written. 0 is no short form here. reservedA, B Not read.
+ * dstPlane0, 1, 2      Destination planes of the same shape and order, written.
+ * Overlap              A destination plane may be the source plane of the same number. No other overlap.
+ * Returns              true in every case.
+ * Cost                 Allocates nothing.
+ */
+LUMVANE_API bool VideoAdjustColorProcess(void* handle, const uint8_t* srcPlane0, const uint8_t* srcPlane1,
+                                         const uint8_t* srcPlane2, int32_t stride0, int32_t stride1, int32_t stride2,
+                                         int32_t reservedA, int32_t reservedB, uint8_t* dstPlane0, uint8_t* dstPlane1,
+                                         uint8_t* dstPlane2);
+
+/* Ends a video colour adjust and frees its memory; what all of them share stays.
+ *
+ * handle  From CreateVideoAdjustColor, with no call on it under way. Null: the call does nothing.
+ */
+LUMVANE_API void DestroyVideoAdjustColor(void* handle);
+
 #ifdef __cplusplus
 }
 #endif

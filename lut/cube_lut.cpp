@@ -1,12 +1,12 @@
 #include "lut/cube_lut.h"
 
-#include <cmath>
 #include <cstring>
 #include <fstream>
 #include <opencv2/core.hpp>
 
 #include "apply/frame_driver.h"
 #include "lut/cube_text.h"
+#include "lut/interpolation_tables.h"
 #include "lut/lut_file.h"
 
 namespace Lumvane {
@@ -43,13 +43,7 @@ std::string CubeLut::readLine(std::istream& stream, char separator) {
 }
 
 void CubeLut::fillInterpolationTables() {
-  if (status != statusOk) return;
-  const float step = 255.0f / static_cast<float>(latticeSize - 1);
-  for (int v = 0; v < 256; ++v) {
-    const float x = static_cast<float>(v) / step;
-    cell[v] = static_cast<int32_t>(std::floor(x));
-    fraction[v] = x - static_cast<float>(cell[v]);
-  }
+  if (status == statusOk) Lumvane::fillInterpolationTables(latticeSize, fraction, cell);
 }
 
 int32_t CubeLut::apply(uint8_t* dst, int32_t dstStride, const uint8_t* src, int32_t width, int32_t height,

@@ -43,6 +43,7 @@ CubeHeader readCubeHeader(std::istream& stream, char separator, LutStatus& statu
       }
       header.latticeSize = size;
     }
+    header.hasLines = true;
     if (words.fail()) status = statusReadFailed;
   }
 

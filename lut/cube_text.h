@@ -20,6 +20,7 @@ namespace Lumvane {
 
 struct CubeHeader {
   int32_t latticeSize = 0;  ///< points per axis, 2 to 256; 0 when no valid size was met
+  bool hasLines = false;    ///< a line was taken for a header line, and no size on it refused
   float domainMin[3] = {0.0f, 0.0f, 0.0f};
   float domainMax[3] = {1.0f, 1.0f, 1.0f};
 };

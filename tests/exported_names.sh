@@ -3,10 +3,13 @@
 set -eu
 expected='Create3DLutColorAdjustEffect
 CreateNLEPureCClarity
+CreateVideoAdjustColor
 Destory3DLutColorAdjustEffect
 DestoryNLEPureCClarity
+DestroyVideoAdjustColor
 Lut3DColorAdjustEffectProcess
 NLEPureCClarityProcess
+VideoAdjustColorProcess
 WhiteBalanceFun'
 found=$(nm -D --defined-only "$1" | awk '{ print $3 }' | sort)
 if [ "$found" != "$expected" ]; then
