@@ -1,0 +1,203 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <random>
+#include <vector>
+
+#include "hdr/yv12_conversions.h"
+
+namespace {
+
+// One plane with its rows 3 bytes apart, and known bytes there and behind the last row.
+struct Plane {
+  int width, height, stride;
+  std::vector<uint8_t> bytes;
+
+  Plane(int w, int h, int pixelBytes = 1)
+      : width(w * pixelBytes), height(h), stride(width + 3), bytes(static_cast<size_t>(stride) * h + 32, 0xA5) {}
+  uint8_t* row(int y) { return bytes.data() + static_cast<size_t>(stride) * y; }
+  double at(int x, int y) { return row(std::clamp(y, 0, height - 1))[std::clamp(x, 0, width - 1)]; }
+  void fillWithNoise(unsigned seed) {
+    std::mt19937 random(seed);
+    for (int y = 0; y < height; ++y) {
+      for (int x = 0; x < width; ++x)
+        row(y)[x] = static_cast<uint8_t>(random() % 8 == 0 ? random() % 2 * 255 : random());
+    }
+  }
+  bool paddingIntact() {
+    for (size_t i = 0; i < bytes.size(); ++i) {
+      const bool padding = static_cast<int>(i % stride) >= width || static_cast<int>(i / stride) >= height;
+      if (padding && bytes[i] != 0xA5) return false;
+    }
+    return true;
+  }
+};
+
+struct Yv12 {
+  int width, height;
+  Plane y, v, u;
+  Yv12(int w, int h) : width(w), height(h), y(w, h), v((w + 1) / 2, (h + 1) / 2), u((w + 1) / 2, (h + 1) / 2) {}
+};
+
+void toRgb(bool limited, Yv12& from, Plane& rgba) {
+  (limited ? imageYV12ToRGBBT2020_Limited : imageYV12ToRGBBT2020_FULL)(
+      from.y.row(0), from.y.stride, from.v.row(0), from.v.stride, from.u.row(0), from.u.stride, rgba.row(0),
+      rgba.stride, from.width, from.height);
+}
+
+void fromRgb(bool limited, Plane& rgba, Yv12& to) {
+  (limited ? imageRGBAToYV12BT709_Limited : imageRGBAToYV12BT709_Full)(rgba.row(0), rgba.stride, to.y.row(0),
+                                                                       to.y.stride, to.v.row(0), to.v.stride,
+                                                                       to.u.row(0), to.u.stride, to.width, to.height);
+}
+
+// The published formulas in double precision, R'G'B' from 0 to 255, code values not rounded.
+struct Model {
+  double kr, kb, black, luma, chroma;
+  Model(double r, double b, bool limited)
+      : kr(r), kb(b), black(limited ? 16 : 0), luma(limited ? 219 : 255), chroma(limited ? 224 : 255) {}
+
+  std::array<double, 3> bgr(double y, double cb, double cr) const {
+    const double grey = (y - black) / luma, b = (cb - 128) / chroma, r = (cr - 128) / chroma;
+    const double red = grey + 2 * (1 - kr) * r, blue = grey + 2 * (1 - kb) * b;
+    const double green = (grey - kr * red - kb * blue) / (1 - kr - kb);
+    return {blue * 255, green * 255, red * 255};
+  }
+  std::array<double, 3> yCbCr(double blue, double green, double red) const {
+    const double grey = (kr * red + (1 - kr - kb) * green + kb * blue) / 255;
+    return {black + luma * grey, 128 + chroma * (blue / 255 - grey) / (2 * (1 - kb)),
+            128 + chroma * (red / 255 - grey) / (2 * (1 - kr))};
+  }
+};
+
+double distance(double model, int byte) { return std::abs(std::clamp(model, 0.0, 255.0) - byte); }
+
+// Chroma at a pixel: half-way between rows, on the left column of each pair.
+double chromaAt(Plane& plane, int x, int y) {
+  const double column = x / 2.0, row = (y - 0.5) / 2.0;
+  const int left = static_cast<int>(std::floor(column)), upper = static_cast<int>(std::floor(row));
+  const double toRight = column - left, toLower = row - upper;
+  return (plane.at(left, upper) * (1 - toRight) + plane.at(left + 1, upper) * toRight) * (1 - toLower) +
+         (plane.at(left, upper + 1) * (1 - toRight) + plane.at(left + 1, upper + 1) * toRight) * toLower;
+}
+
+// A colour at a chroma sample: a triangle that reaches 2 pixels to each side.
+double colourAt(Plane& rgba, int c, int chromaX, int chromaY) {
+  double sum = 0, weights = 0;
+  for (int y = 2 * chromaY - 2; y <= 2 * chromaY + 3; ++y) {
+    for (int x = 2 * chromaX - 2; x <= 2 * chromaX + 2; ++x) {
+      const double weight =
+          std::max(0.0, 2 - std::abs(x - 2.0 * chromaX)) * std::max(0.0, 2 - std::abs(y - (2.0 * chromaY + 0.5)));
+      const int column = std::clamp(x, 0, rgba.width / 4 - 1);
+      sum += weight * rgba.at(4 * column + c, y);
+      weights += weight;
+    }
+  }
+  return sum / weights;
+}
+
+class Yv12Test : public testing::TestWithParam<bool> {};
+
+// A frame of 2 x 2 pixels has one colour of its own.
+TEST_P(Yv12Test, ConvertsUniformColoursWithinOneCodeValue) {
+  const bool limited = GetParam();
+  const Model in(0.2627, 0.0593, limited), out(0.2126, 0.0722, limited);
+  double worst = 0;
+  for (int a = 0; a < 256; a += 3) {
+    for (int b = 0; b < 256; b += 5) {
+      for (int c = 0; c < 256; c += 5) {
+        Yv12 frame(2, 2);
+        Plane rgba(2, 2, 4);
+        for (int i = 0; i < 4; ++i) frame.y.row(i / 2)[i % 2] = static_cast<uint8_t>(a);
+        frame.u.row(0)[0] = static_cast<uint8_t>(b);
+        frame.v.row(0)[0] = static_cast<uint8_t>(c);
+        toRgb(limited, frame, rgba);
+        for (int n = 0; n < 3; ++n) worst = std::max(worst, distance(in.bgr(a, b, c)[n], rgba.row(1)[4 + n]));
+
+        for (int i = 0; i < 4; ++i) {
+          uint8_t* pixel = rgba.row(i / 2) + i % 2 * 4;
+          pixel[0] = static_cast<uint8_t>(a), pixel[1] = static_cast<uint8_t>(b), pixel[2] = static_cast<uint8_t>(c);
+        }
+        fromRgb(limited, rgba, frame);
+        const auto expected = out.yCbCr(a, b, c);
+        worst = std::max({worst, distance(expected[0], frame.y.row(1)[1]), distance(expected[1], frame.u.row(0)[0]),
+                          distance(expected[2], frame.v.row(0)[0])});
+      }
+    }
+  }
+  RecordProperty("worst", std::to_string(worst));
+  EXPECT_LT(worst, 0.51);  // half a code value of rounding, and the coefficients' own
+}
+
+TEST_P(Yv12Test, KeepsGreysNeutral) {
+  const bool limited = GetParam();
+  for (int grey = 0; grey < 256; ++grey) {
+    Yv12 frame(3, 3);
+    Plane rgba(3, 3, 4);
+    for (Plane* plane : {&frame.y, &frame.u, &frame.v}) {
+      for (int y = 0; y < plane->height; ++y) {
+        std::fill_n(plane->row(y), plane->width, static_cast<uint8_t>(plane == &frame.y ? grey : 128));
+      }
+    }
+    toRgb(limited, frame, rgba);
+    for (int x = 0; x < 3; ++x) {
+      const uint8_t* pixel = rgba.row(1) + 4 * x;
+      EXPECT_TRUE(pixel[0] == pixel[1] && pixel[1] == pixel[2]) << grey;
+    }
+    for (int y = 0; y < 3; ++y) std::fill_n(rgba.row(y), 12, static_cast<uint8_t>(grey));
+    fromRgb(limited, rgba, frame);
+    EXPECT_EQ(frame.u.row(1)[1], 128) << grey;
+    EXPECT_EQ(frame.v.row(0)[0], 128) << grey;
+  }
+}
+
+TEST_P(Yv12Test, FiltersChromaAsItIsSited) {
+  const bool limited = GetParam();
+  const Model in(0.2627, 0.0593, limited), out(0.2126, 0.0722, limited);
+  for (const auto& [width, height] : {std::pair{1, 1}, {2, 1}, {1, 2}, {3, 3}, {4, 6}, {17, 33}, {64, 20}}) {
+    Yv12 frame(width, height), back(width, height);
+    Plane rgba(width, height, 4);
+    frame.y.fillWithNoise(1), frame.v.fillWithNoise(2), frame.u.fillWithNoise(3);
+    toRgb(limited, frame, rgba);
+    EXPECT_TRUE(rgba.paddingIntact());
+    double worst = 0;
+    for (int y = 0; y < height; ++y) {
+      for (int x = 0; x < width; ++x) {
+        const auto expected = in.bgr(frame.y.at(x, y), chromaAt(frame.u, x, y), chromaAt(frame.v, x, y));
+        for (int c = 0; c < 3; ++c) worst = std::max(worst, distance(expected[c], rgba.row(y)[4 * x + c]));
+        EXPECT_EQ(rgba.row(y)[4 * x + 3], 255);
+      }
+    }
+    rgba.fillWithNoise(4);
+    fromRgb(limited, rgba, back);
+    for (Plane* plane : {&back.y, &back.u, &back.v}) EXPECT_TRUE(plane->paddingIntact());
+    for (int y = 0; y < (height + 1) / 2; ++y) {
+      for (int x = 0; x < (width + 1) / 2; ++x) {
+        const auto expected = out.yCbCr(colourAt(rgba, 0, x, y), colourAt(rgba, 1, x, y), colourAt(rgba, 2, x, y));
+        worst = std::max({worst, distance(expected[1], back.u.row(y)[x]), distance(expected[2], back.v.row(y)[x])});
+      }
+    }
+    EXPECT_LT(worst, 0.51) << width << " x " << height;
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Range, Yv12Test, testing::Bool(),
+                         [](const auto& info) { return info.param ? "Limited" : "Full"; });
+
+// What one range says, the other says within one code value.
+TEST(Yv12, AgreesBetweenTheRanges) {
+  for (int i = 0; i < 4096; ++i) {
+    Plane rgba(1, 1, 4);
+    for (int c = 0; c < 3; ++c) rgba.row(0)[c] = static_cast<uint8_t>((i >> (4 * c) & 15) * 17);
+    Yv12 limited(1, 1), full(1, 1);
+    fromRgb(true, rgba, limited);
+    fromRgb(false, rgba, full);
+    EXPECT_NEAR((limited.y.row(0)[0] - 16) * 255 / 219.0, full.y.row(0)[0], 1.1);
+    EXPECT_NEAR(limited.y.row(0)[0], 16 + full.y.row(0)[0] * 219 / 255.0, 1.0);
+    EXPECT_NEAR(limited.u.row(0)[0], 128 + (full.u.row(0)[0] - 128) * 224 / 255.0, 1.0);
+    EXPECT_NEAR(limited.v.row(0)[0], 128 + (full.v.row(0)[0] - 128) * 224 / 255.0, 1.0);
+  }
+}
+
+}  // namespace
