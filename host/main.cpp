@@ -5,6 +5,7 @@
 #include <iostream>
 
 #include "host/clarity_command.h"
+#include "host/hdr_commands.h"
 #include "host/lut_command.h"
 #include "host/pictures.h"
 #include "host/scene.h"
@@ -41,6 +42,7 @@ int main(int argc, char** argv) {
   host::addLutCommand(app);
   host::addClarityCommand(app);
   host::addWhiteBalanceCommand(app);
+  host::addHdrCommands(app);
   addSceneCommand(app);
   try {
     app.parse(argc, argv);

@@ -31,6 +31,29 @@ void ProgressBar::step(const std::string& name) {
   ++begun_;
 }
 
+FrameCounter::FrameCounter()
+    : start_(std::chrono::steady_clock::now()), drawn_(start_), visible_(errorStreamIsTerminal()) {}
+
+FrameCounter::~FrameCounter() {
+  if (!visible_) return;
+  draw();
+  std::fputc('\n', stderr);
+}
+
+void FrameCounter::step() {
+  ++frames_;
+  const auto now = std::chrono::steady_clock::now();
+  if (!visible_ || now - drawn_ < std::chrono::milliseconds(100)) return;
+  drawn_ = now;
+  draw();
+}
+
+void FrameCounter::draw() const {
+  const std::chrono::duration<double> time = std::chrono::steady_clock::now() - start_;
+  std::fprintf(stderr, "\r%zu frames, %.1f a second\x1b[K", frames_, static_cast<double>(frames_) / time.count());
+  std::fflush(stderr);
+}
+
 void ProgressBar::draw(const std::string& text) const {
   if (!visible_) return;
   constexpr size_t kWidth = 30;

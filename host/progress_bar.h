@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <string>
 
@@ -19,6 +20,21 @@ class ProgressBar {
 
   size_t steps_;
   size_t begun_ = 0;
+  bool visible_;
+};
+
+/// A line on the standard error stream with the frames done and their rate; silent when that is no terminal.
+class FrameCounter {
+ public:
+  FrameCounter();
+  ~FrameCounter();
+  void step();
+
+ private:
+  void draw() const;
+
+  std::chrono::steady_clock::time_point start_, drawn_;
+  size_t frames_ = 0;
   bool visible_;
 };
 

@@ -1,0 +1,11 @@
+#pragma once
+
+#include "host/y4m.h"
+
+namespace host {
+
+/// Draws frame number `index` of a test clip with HDR light, BT.2020, limited range: an evening sky whose sun, at 1000
+/// cd/m2, wanders across, skin tones in shade and light, saturated patches at 100 and 600 cd/m2, and a ramp of light.
+VideoFrame drawHdrFrame(int width, int height, int index, int frames, bool pq);
+
+}  // namespace host

@@ -1,0 +1,164 @@
+#include "host/hdr_commands.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <filesystem>
+#include <memory>
+#include <opencv2/core.hpp>
+#include <stdexcept>
+
+#include "host/hdr_clip.h"
+#include "host/hdr_luts.h"
+#include "host/pictures.h"
+#include "host/progress_bar.h"
+#include "host/y4m.h"
+#include "lumvane.h"
+
+namespace host {
+namespace {
+
+namespace fs = std::filesystem;
+
+struct HdrOptions {
+  std::string luts;
+  std::string transfer;
+  std::string range = "limited";
+  std::string input;
+  std::string output;
+};
+
+void convert(const HdrOptions& options) {
+  const bool pq = options.transfer == "pq";
+  const bool limited = options.range == "limited";
+  const fs::path lut = fs::path(options.luts) / (pq ? "HDR_PQ.cube" : "HDR_HLG.cube");
+  // The library does not tell of a missing file: its frames would just be black.
+  if (!fs::is_regular_file(lut)) throw std::runtime_error("there is no LUT file '" + lut.string() + "'");
+
+  VideoReader reader(options.input);
+  const int width = reader.format().width, height = reader.format().height;
+  const std::unique_ptr<void, decltype(&DestroyVideoAdjustColor)> effect(
+      CreateVideoAdjustColor(fs::path(options.luts).u16string().c_str(), 0, limited, pq, width, height),
+      &DestroyVideoAdjustColor);
+  if (!effect) throw std::runtime_error("cannot make a converter for '" + options.luts + "'");
+  VideoWriter writer(options.output, reader.format(), limited);
+  VideoFrame src(width, height), dst(width, height);
+  FrameCounter counter;
+  const int chromaWidth = (width + 1) / 2;
+  while (reader.read(src)) {
+    // The library takes V ahead of U, the stream has U ahead of V.
+    VideoAdjustColorProcess(effect.get(), src.planes[0].data(), src.planes[2].data(), src.planes[1].data(), width,
+                            chromaWidth, chromaWidth, 0, 0, dst.planes[0].data(), dst.planes[2].data(),
+                            dst.planes[1].data());
+    writer.write(dst);
+    counter.step();
+  }
+  writer.close();
+}
+
+// A limited-range picture taken for BT.709, as a viewer that knows nothing of HDR shows it.
+cv::Mat still(const VideoFrame& frame, int width, int height) {
+  cv::Mat picture(height, width, CV_8UC4, cv::Scalar::all(255));
+  for (int y = 0; y < height; ++y) {
+    for (int x = 0; x < width; ++x) {
+      const size_t chroma = static_cast<size_t>(y / 2) * ((width + 1) / 2) + x / 2;
+      const double luma = (frame.planes[0][static_cast<size_t>(y) * width + x] - 16) * 255.0 / 219.0;
+      const double cb = (frame.planes[1][chroma] - 128) * 255.0 / 224.0;
+      const double cr = (frame.planes[2][chroma] - 128) * 255.0 / 224.0;
+      auto& pixel = picture.at<cv::Vec4b>(y, x);
+      pixel[0] = cv::saturate_cast<uint8_t>(luma + 1.8556 * cb);
+      pixel[1] = cv::saturate_cast<uint8_t>(luma - 0.1873 * cb - 0.4681 * cr);
+      pixel[2] = cv::saturate_cast<uint8_t>(luma + 1.5748 * cr);
+    }
+  }
+  return picture;
+}
+
+void addLutsCommand(CLI::App& app) {
+  struct Options {
+    std::string folder;
+    int size = 65;
+  };
+  auto* command = app.add_subcommand("hdr-luts", "Write the two LUT files that turn HLG and PQ into BT.709");
+  const auto options = std::make_shared<Options>();
+  command->add_option("folder", options->folder, "Folder to write HDR_HLG.cube and HDR_PQ.cube to")->required();
+  command->add_option("--size", options->size, "Points per axis")->check(CLI::Range(2, 65))->capture_default_str();
+  command->callback([options] { writeHdrLuts(options->folder, options->size); });
+}
+
+void addConvertCommand(CLI::App& app) {
+  auto* command = app.add_subcommand("hdr", "Convert HDR video (BT.2020, 8-bit 4:2:0 YUV4MPEG2) to BT.709");
+  const auto options = std::make_shared<HdrOptions>();
+  command->add_option("--luts", options->luts, "Folder with HDR_HLG.cube and HDR_PQ.cube; hdr-luts makes them")
+      ->required();
+  command->add_option("--transfer", options->transfer, "Transfer function of the video")
+      ->required()
+      ->check(CLI::IsMember({"hlg", "pq"}));
+  command->add_option("--range", options->range, "Range of the code values, in and out")
+      ->check(CLI::IsMember({"limited", "full"}))
+      ->capture_default_str();
+  command->add_option("input", options->input, "Video to read, - for the standard input")->required();
+  command->add_option("output", options->output, "Video to write, - for the standard output")->required();
+  command->callback([options] { convert(*options); });
+}
+
+void addClipCommand(CLI::App& app) {
+  struct Options {
+    std::string transfer, output;
+    int frames = 25, width = 640, height = 360;
+  };
+  auto* command = app.add_subcommand("hdr-clip", "Draw a short HDR video to try the conversion on");
+  const auto options = std::make_shared<Options>();
+  command->add_option("--transfer", options->transfer, "Transfer function")
+      ->required()
+      ->check(CLI::IsMember({"hlg", "pq"}));
+  command->add_option("--frames", options->frames, "Length")->check(CLI::Range(1, 100000))->capture_default_str();
+  command->add_option("--width", options->width, "Width in pixels")->check(CLI::Range(1, 16384))->capture_default_str();
+  command->add_option("--height", options->height, "Height in pixels")
+      ->check(CLI::Range(1, 16384))
+      ->capture_default_str();
+  command->add_option("output", options->output, "Video to write, - for the standard output")->required();
+  command->callback([options] {
+    VideoFormat format;
+    format.width = options->width;
+    format.height = options->height;
+    VideoWriter writer(options->output, format, true);
+    FrameCounter counter;
+    for (int i = 0; i < options->frames; ++i) {
+      writer.write(drawHdrFrame(format.width, format.height, i, options->frames, options->transfer == "pq"));
+      counter.step();
+    }
+    writer.close();
+  });
+}
+
+void addStillCommand(CLI::App& app) {
+  struct Options {
+    std::string input, output;
+    int frame = 0;
+  };
+  auto* command = app.add_subcommand("still", "Take a picture from a limited-range video, shown as BT.709");
+  const auto options = std::make_shared<Options>();
+  command->add_option("--frame", options->frame, "Number of the frame, from 0")->capture_default_str();
+  command->add_option("input", options->input, "Video to read, - for the standard input")->required();
+  command->add_option("output", options->output, "Picture to write")->required();
+  command->callback([options] {
+    VideoReader reader(options->input);
+    const int width = reader.format().width, height = reader.format().height;
+    VideoFrame frame(width, height);
+    for (int i = 0; i <= options->frame; ++i) {
+      if (!reader.read(frame)) throw std::runtime_error("'" + options->input + "' is shorter than that");
+    }
+    writePicture(options->output, still(frame, width, height));
+  });
+}
+
+}  // namespace
+
+void addHdrCommands(CLI::App& app) {
+  addLutsCommand(app);
+  addConvertCommand(app);
+  addClipCommand(app);
+  addStillCommand(app);
+}
+
+}  // namespace host
