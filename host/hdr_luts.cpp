@@ -3,13 +3,15 @@
 // 1. Signal to light on an HDR display in cd/m2, BT.2020 primaries. PQ: the EOTF of SMPTE ST 2084. HLG: the inverse
 // OETF and
 //    the OOTF for a nominal peak of 1000 cd/m2, system gamma 1.2 (both ITU-R BT.2100-2, tables 4 and 5).
-// 2. Tone curve: the EETF of ITU-R BT.2390 annex 5, from a peak of 1000 cd/m2 to 203 cd/m2, the reference white of
+// 2. Primaries: BT.2020 to BT.709 (ITU-R BT.2087-0, inverted).
+// 3. Gamut: a colour that BT.709 cannot show, with less than nothing of red, green or blue, is moved towards the grey
+// of its
+//    own luminance until it can.
+// 4. Tone curve: the EETF of ITU-R BT.2390 annex 5, from a peak of 1000 cd/m2 to 203 cd/m2, the reference white of
 // ITU-R
 //    BT.2408: light up to about 95 cd/m2 is kept, what is above is bent down, and 1000 cd/m2 become white. It is
-//    applied to the largest of the three colours and the other two keep their proportion to it, so that highlights keep
-//    their hue.
-// 3. Primaries: BT.2020 to BT.709 (ITU-R BT.2087-0, inverted).
-// 4. Gamut: a colour that BT.709 cannot show is moved towards the grey of its own luminance until it can.
+//    applied to the largest of the three colours and the other two keep their proportion to it: so nothing is clipped,
+//    and highlights keep their hue.
 // 5. Light to signal: the inverse of the BT.1886 display, a power of 1 / 2.4.
 
 #include "host/hdr_luts.h"
@@ -73,26 +75,22 @@ Colour toBt709Primaries(const Colour& c) {
           -0.018151 * c[0] - 0.100579 * c[1] + 1.118730 * c[2]};
 }
 
-// The largest share of the colour's distance from its grey that keeps all three between 0 and 1.
 Colour intoGamut(const Colour& colour) {
-  const double grey = std::clamp(dot(kLuma709, colour), 0.0, 1.0);
-  double share = 1.0;
-  for (const double value : colour) {
-    if (value > 1.0) share = std::min(share, (1.0 - grey) / (value - grey));
-    if (value < 0.0) share = std::min(share, grey / (grey - value));
-  }
+  const double grey = dot(kLuma709, colour);
+  const double least = *std::min_element(colour.begin(), colour.end());
+  if (least >= 0.0) return colour;
+  const double share = grey / (grey - least);
   Colour out;
-  for (size_t c = 0; c < 3; ++c) out[c] = std::clamp(grey + (colour[c] - grey) * share, 0.0, 1.0);
+  for (size_t c = 0; c < 3; ++c) out[c] = std::max(grey + (colour[c] - grey) * share, 0.0);
   return out;
 }
 
-Colour lightToBt709(Colour light) {
-  const double largest = *std::max_element(light.begin(), light.end());
+Colour lightToBt709(const Colour& light) {
+  Colour out = intoGamut(toBt709Primaries(light));
+  const double largest = *std::max_element(out.begin(), out.end());
   if (largest <= 0.0) return {0.0, 0.0, 0.0};
   const double gain = toneCurve(largest) / largest / kReferenceWhite;
-  for (double& value : light) value *= gain;
-  Colour out = intoGamut(toBt709Primaries(light));
-  for (double& value : out) value = std::pow(value, 1.0 / 2.4);
+  for (double& value : out) value = std::pow(std::min(value * gain, 1.0), 1.0 / 2.4);
   return out;
 }
 
