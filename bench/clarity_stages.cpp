@@ -66,11 +66,11 @@ void stage(benchmark::State& state, void (Frame::*step)()) {
   for (auto _ : state) (frame.*step)();
 }
 
-BENCHMARK_CAPTURE(stage, analysis, &Frame::analysis)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(stage, pyramid, &Frame::pyramid)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(stage, detail, &Frame::details)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(stage, collapse, &Frame::collapse)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(stage, blend, &Frame::blend)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(stage, synthesis, &Frame::synthesis)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(stage, analysis, &Frame::analysis)->Name("clarity/analysis")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(stage, pyramid, &Frame::pyramid)->Name("clarity/pyramid")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(stage, detail, &Frame::details)->Name("clarity/detail")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(stage, collapse, &Frame::collapse)->Name("clarity/collapse")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(stage, blend, &Frame::blend)->Name("clarity/blend")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(stage, synthesis, &Frame::synthesis)->Name("clarity/synthesis")->Unit(benchmark::kMillisecond);
 
 }  // namespace

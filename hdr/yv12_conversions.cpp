@@ -9,8 +9,8 @@
 //   Y' = kr R' + (1 - kr - kb) G' + kb B',  Cb = (B' - Y') / (2 (1 - kb)),  Cr = (R' - Y') / (2 (1 - kr)).
 //
 // Rounding: all arithmetic is in integers. The filters keep every bit (chroma in eighths on the way up, colours in
-// thirty-seconds on the way down), the coefficients have 16 bits behind the point, and each result is rounded once,
-// half up. The coefficients of what carries no colour add up to exactly 0 or 1, so that greys stay neutral.
+// thirty-seconds on the way down), the coefficients have 18 bits behind the point, and each sum is rounded once,
+// half up. The coefficients of what carries no colour add up to exactly 0, so that greys stay neutral.
 
 #include "hdr/yv12_conversions.h"
 
@@ -19,9 +19,9 @@
 
 namespace {
 
-constexpr int kFractionBits = 16;
-constexpr int kUpBits = 3;    // chroma in eighths
-constexpr int kDownBits = 5;  // filtered colours in thirty-seconds
+constexpr int kFractionBits = 18;  // the most with which no sum leaves 32 bits
+constexpr int kUpBits = 3;         // chroma in eighths
+constexpr int kDownBits = 5;       // filtered colours in thirty-seconds
 
 struct Range {
   int black;            // Y of black
@@ -77,8 +77,9 @@ int chromaAt(const uint8_t* nearRow, const uint8_t* farRow, int x, int lastColum
 
 void planesToRgb(const ToRgb& m, const uint8_t* srcY, int strideY, const uint8_t* srcV, int strideV,
                  const uint8_t* srcU, int strideU, uint8_t* rgba, int rgbaStride, int width, int height) {
-  const int lastColumn = (width + 1) / 2 - 1;
-  const int lastRow = (height + 1) / 2 - 1;
+  if (width <= 0 || height <= 0) return;
+  const int lastColumn = (width - 1) / 2;
+  const int lastRow = (height - 1) / 2;
   for (int y = 0; y < height; ++y) {
     const int nearRow = y / 2;
     const int farRow = std::clamp(y % 2 == 0 ? nearRow - 1 : nearRow + 1, 0, lastRow);
@@ -127,6 +128,7 @@ int weighted(const int (&weights)[3], const int (&bgr)[3]) {
 
 void rgbToPlanes(const FromRgb& m, const uint8_t* rgba, int rgbaStride, uint8_t* dstY, int strideY, uint8_t* dstV,
                  int strideV, uint8_t* dstU, int strideU, int width, int height) {
+  if (width <= 0 || height <= 0) return;
   for (int y = 0; y < height; ++y) {
     const uint8_t* pixel = rowOf(rgba, rgbaStride, y);
     uint8_t* luma = rowOf(dstY, strideY, y);

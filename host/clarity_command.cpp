@@ -36,8 +36,10 @@ cv::Mat clarify(const cv::Mat& picture, const ClarityOptions& options) {
 void addClarityCommand(CLI::App& app) {
   auto* command = app.add_subcommand("clarity", "Raise the local contrast of pictures");
   const auto options = std::make_shared<ClarityOptions>();
-  command->add_option("--intensity", options->intensity, "Local contrast in percent, 0 to 100")->capture_default_str();
-  command->add_option("--saturation", options->saturation, "Saturation in percent, -100 to 100")->capture_default_str();
+  command->add_option("--intensity", options->intensity, "Local contrast in percent, 0 to 100, clamped")
+      ->capture_default_str();
+  command->add_option("--saturation", options->saturation, "Saturation in percent, -100 to 100, clamped")
+      ->capture_default_str();
   addPictureArguments(*command, options->pictures);
   command->callback([options] {
     editPictures(options->pictures, [&](const cv::Mat& picture) { return clarify(picture, *options); });

@@ -27,8 +27,10 @@ LutEffect openLut(const std::string& path) {
   LutEffect effect(Create3DLutColorAdjustEffect(fs::path(path).u16string().c_str(), 0, 0),
                    &Destory3DLutColorAdjustEffect);
   if (effect) return effect;
-  throw std::runtime_error(fs::exists(path) ? "'" + path + "' is not a LUT that can be read"
-                                            : "there is no LUT file '" + path + "'");
+  if (!fs::exists(path)) throw std::runtime_error("there is no LUT file '" + path + "'");
+  throw std::runtime_error("'" + path +
+                           "' cannot be used: a LUT is a .cube file of 2 to 65 points per axis or a .3dl "
+                           "file of 3 to 65, with all its rows");
 }
 
 // The library multiplies colours by alpha, picture files hold them without. So a picture is graded as an opaque one and
@@ -49,7 +51,7 @@ void addLutCommand(CLI::App& app) {
   auto* command = app.add_subcommand("lut", "Grade pictures through a 3D LUT");
   const auto options = std::make_shared<LutOptions>();
   command->add_option("--lut", options->lut, "LUT file, .cube or .3dl")->required();
-  command->add_option("--strength", options->strength, "Strength in percent, 0 to 100")->capture_default_str();
+  command->add_option("--strength", options->strength, "Strength in percent, 0 to 100, clamped")->capture_default_str();
   command->add_flag("--premultiply", options->premultiply,
                     "Write the library's own pixels, with colours multiplied by alpha; without it a picture keeps its "
                     "colours where it is translucent");

@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <exception>
 #include <iostream>
+#include <opencv2/core/utils/logger.hpp>
 
 #include "host/clarity_command.h"
 #include "host/hdr_commands.h"
@@ -39,6 +40,7 @@ void addSceneCommand(CLI::App& app) {
 int main(int argc, char** argv) {
   CLI::App app("Grades pictures with the Lumvane colour effects", "lumvane-host");
   app.require_subcommand(1);
+  cv::utils::logging::setLogLevel(cv::utils::logging::LOG_LEVEL_SILENT);  // the program has words of its own
   host::addLutCommand(app);
   host::addClarityCommand(app);
   host::addWhiteBalanceCommand(app);

@@ -2,7 +2,9 @@
 
 #include <CLI/CLI.hpp>
 #include <filesystem>
+#include <set>
 #include <stdexcept>
+#include <system_error>
 
 #include "host/pictures.h"
 #include "host/progress_bar.h"
@@ -17,6 +19,22 @@ struct Job {
   fs::path output;
 };
 
+// A picture must not take the place of one that is still to be read, nor of another result.
+void refuseOverwriting(const std::vector<Job>& jobs) {
+  std::set<fs::path> outputs;
+  for (const Job& job : jobs) {
+    if (!outputs.insert(job.output.lexically_normal()).second) {
+      throw std::runtime_error("two pictures would go to '" + job.output.string() + "'");
+    }
+    for (const Job& other : jobs) {
+      std::error_code notThere;
+      if (fs::equivalent(other.input, job.output, notThere)) {
+        throw std::runtime_error("'" + job.output.string() + "' would be written over, and it is to be read");
+      }
+    }
+  }
+}
+
 // One picture goes to a file; several, or the pictures of a folder, keep their names and go to a folder.
 std::vector<Job> planJobs(const std::vector<std::string>& paths) {
   const fs::path output = paths.back();
@@ -28,10 +46,27 @@ std::vector<Job> planJobs(const std::vector<std::string>& paths) {
     if (inputs.empty()) throw std::runtime_error("there are no pictures in '" + folder.string() + "'");
     toFolder = true;
   }
-  if (toFolder) fs::create_directories(output);
+  if (toFolder) {
+    std::error_code error;
+    fs::create_directories(output, error);
+    if (!fs::is_directory(output)) throw std::runtime_error("cannot make the folder '" + output.string() + "'");
+  }
   std::vector<Job> jobs;
   for (const fs::path& input : inputs) jobs.push_back({input, toFolder ? output / input.filename() : output});
+  refuseOverwriting(jobs);
   return jobs;
+}
+
+fs::path comparisonOf(const fs::path& output) {
+  fs::path comparison = output;
+  return comparison.replace_filename(output.stem().string() + "-compare.png");
+}
+
+void editPicture(const Job& job, bool compare, const std::function<cv::Mat(const cv::Mat&)>& edit) {
+  const cv::Mat before = readPicture(job.input);
+  const cv::Mat after = edit(before);
+  writePicture(job.output, after);
+  if (compare) writePicture(comparisonOf(job.output), sideBySide(before, after));
 }
 
 }  // namespace
@@ -48,18 +83,25 @@ void addPictureArguments(CLI::App& command, PictureArguments& arguments) {
 
 void editPictures(const PictureArguments& arguments, const std::function<cv::Mat(const cv::Mat&)>& edit) {
   const std::vector<Job> jobs = planJobs(arguments.paths);
+  if (jobs.size() == 1) return editPicture(jobs[0], arguments.compare, edit);
+
+  // One bad picture does not keep the others waiting.
+  std::string failures;
+  size_t failed = 0;
   ProgressBar progress(jobs.size());
   for (const Job& job : jobs) {
-    progress.step(job.input.filename().string());
-    const cv::Mat before = readPicture(job.input);
-    const cv::Mat after = edit(before);
-    writePicture(job.output, after);
-    if (arguments.compare) {
-      fs::path comparison = job.output;
-      comparison.replace_filename(job.output.stem().string() + "-compare.png");
-      writePicture(comparison, sideBySide(before, after));
+    progress.begin(job.input.filename().string());
+    try {
+      editPicture(job, arguments.compare, edit);
+    } catch (const std::runtime_error& error) {
+      failures += std::string("\n  ") + error.what();
+      ++failed;
     }
+    progress.finish();
   }
+  if (failed == 0) return;
+  throw std::runtime_error(std::to_string(failed) + " of " + std::to_string(jobs.size()) +
+                           " pictures failed:" + failures);
 }
 
 }  // namespace host

@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <array>
+#include <fstream>
 #include <opencv2/imgcodecs.hpp>
 #include <opencv2/imgproc.hpp>
 #include <stdexcept>
 #include <string>
+#include <system_error>
 
 namespace host {
 namespace {
@@ -43,6 +45,7 @@ cv::Mat overCheckerboard(const cv::Mat& picture) {
 }  // namespace
 
 cv::Mat readPicture(const std::filesystem::path& path) {
+  if (!std::filesystem::exists(path)) throw std::runtime_error("there is no picture '" + path.string() + "'");
   const std::runtime_error unreadable("cannot read picture '" + path.string() + "'");
   if (!std::filesystem::is_regular_file(path)) throw unreadable;
   cv::Mat picture = cv::imread(path.string(), cv::IMREAD_UNCHANGED);
@@ -60,13 +63,24 @@ void writePicture(const std::filesystem::path& path, const cv::Mat& picture) {
   const bool holdsAlpha = extension == ".png" || extension == ".webp" || extension == ".tif" || extension == ".tiff";
   cv::Mat out = picture;
   if (!holdsAlpha || isOpaque(picture)) cv::cvtColor(picture, out, cv::COLOR_BGRA2BGR);
-  bool written = false;
+  std::vector<uint8_t> bytes;
   try {
-    written = cv::imwrite(path.string(), out, {cv::IMWRITE_JPEG_QUALITY, 95});
+    cv::imencode(extension, out, bytes, {cv::IMWRITE_JPEG_QUALITY, 95});
   } catch (const cv::Exception&) {
-    // no encoder for this extension
+    throw std::runtime_error("cannot write picture '" + path.string() + "': no format has this extension");
   }
-  if (!written) throw std::runtime_error("cannot write picture '" + path.string() + "'");
+  // Under another name first, so that whatever goes wrong leaves no half picture and no older one lost.
+  std::filesystem::path unfinished = path;
+  unfinished += ".part";
+  std::ofstream file(unfinished, std::ios::binary);
+  file.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+  file.close();
+  std::error_code error;
+  if (file) std::filesystem::rename(unfinished, path, error);
+  if (!file || error) {
+    std::filesystem::remove(unfinished, error);
+    throw std::runtime_error("cannot write picture '" + path.string() + "'");
+  }
 }
 
 std::vector<std::filesystem::path> picturesIn(const std::filesystem::path& folder) {

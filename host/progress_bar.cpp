@@ -26,9 +26,15 @@ ProgressBar::~ProgressBar() {
   if (visible_) std::fputc('\n', stderr);
 }
 
-void ProgressBar::step(const std::string& name) {
-  draw(name);
-  ++begun_;
+void ProgressBar::begin(const std::string& name) {
+  constexpr size_t kLongestName = 24;  // a line that breaks cannot be redrawn in place
+  name_ = name.size() <= kLongestName ? name : name.substr(0, kLongestName - 2) + "..";
+  draw();
+}
+
+void ProgressBar::finish() {
+  ++finished_;
+  draw();
 }
 
 FrameCounter::FrameCounter()
@@ -54,13 +60,13 @@ void FrameCounter::draw() const {
   std::fflush(stderr);
 }
 
-void ProgressBar::draw(const std::string& text) const {
+void ProgressBar::draw() const {
   if (!visible_) return;
-  constexpr size_t kWidth = 30;
-  const size_t filled = kWidth * (begun_ + 1) / steps_;
+  constexpr size_t kWidth = 20;
+  const size_t filled = kWidth * finished_ / steps_;
   const std::string bar = std::string(filled, '#') + std::string(kWidth - filled, '.');
   // "\x1b[K" clears what a longer name left behind.
-  std::fprintf(stderr, "\r[%s] %zu/%zu %s\x1b[K", bar.c_str(), begun_ + 1, steps_, text.c_str());
+  std::fprintf(stderr, "\r[%s] %zu/%zu %s\x1b[K", bar.c_str(), finished_, steps_, name_.c_str());
   std::fflush(stderr);
 }
 

@@ -12,14 +12,16 @@ class ProgressBar {
   explicit ProgressBar(size_t steps);
   ~ProgressBar();
 
-  /// Shows that one more step begins, with its name behind the bar.
-  void step(const std::string& name);
+  /// Shows the name of the step that begins behind the bar, which fills by the steps that are finished.
+  void begin(const std::string& name);
+  void finish();
 
  private:
-  void draw(const std::string& text) const;
+  void draw() const;
 
   size_t steps_;
-  size_t begun_ = 0;
+  size_t finished_ = 0;
+  std::string name_;
   bool visible_;
 };
 

@@ -17,8 +17,10 @@ void addWhiteBalanceCommand(CLI::App& app) {
   };
   auto* command = app.add_subcommand("whitebalance", "Shift the white balance of pictures");
   const auto options = std::make_shared<Options>();
-  command->add_option("--temperature", options->temperature, "From cold, -1, to warm, 1")->capture_default_str();
-  command->add_option("--tint", options->tint, "From green, -1, to magenta, 1")->capture_default_str();
+  command->add_option("--temperature", options->temperature, "From cold, -1, to warm, 1; 0 changes nothing")
+      ->capture_default_str();
+  command->add_option("--tint", options->tint, "From green, -1, to magenta, 1; 0 changes nothing")
+      ->capture_default_str();
   addPictureArguments(*command, options->pictures);
   command->callback([options] {
     editPictures(options->pictures, [&](const cv::Mat& picture) {

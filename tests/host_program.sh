@@ -49,14 +49,41 @@ done
 cmp -s graded.png many/one.png && fail "the grade changed nothing"
 cmp -s same.png many/one.png || fail "strength 0 changed the picture"
 
+succeeds hdr-luts --size 9 luts
+for transfer in hlg pq; do
+  succeeds hdr-clip --transfer $transfer --frames 3 --width 161 --height 91 $transfer.y4m
+  succeeds hdr --luts luts --transfer $transfer $transfer.y4m out-$transfer.y4m
+  "$host" hdr --luts luts --transfer $transfer --range limited - - <$transfer.y4m >pipe-$transfer.y4m || fail "a pipe"
+  cmp out-$transfer.y4m pipe-$transfer.y4m || fail "a pipe and a file differ"
+  [ "$(wc -c <out-$transfer.y4m)" -gt "$((3 * 161 * 91 * 3 / 2))" ] || fail "out-$transfer.y4m is too short"
+  succeeds still --frame 2 out-$transfer.y4m still-$transfer.png
+done
+
+echo text > broken.y4m
+head -c 9000 hlg.y4m > short.y4m
+sed '1s/C420mpeg2/C444/' hlg.y4m > other.y4m
+refuses "there is no LUT file" hdr --luts none --transfer hlg hlg.y4m x.y4m
+refuses "'none.y4m' cannot be read" hdr --luts luts --transfer hlg none.y4m x.y4m
+refuses "is no YUV4MPEG2 stream" hdr --luts luts --transfer hlg broken.y4m x.y4m
+refuses "ends within a frame" hdr --luts luts --transfer hlg short.y4m x.y4m
+refuses "C444" hdr --luts luts --transfer hlg other.y4m x.y4m
+refuses "cannot write video" hdr --luts luts --transfer hlg hlg.y4m none/x.y4m
+refuses "cannot write video" hdr --luts luts --transfer hlg hlg.y4m /dev/full
+refuses "is shorter" still --frame 3 hlg.y4m x.png
+
 echo text > broken.cube
 echo text > broken.png
 mkdir empty
 refuses "no LUT file 'none.cube'" lut --lut none.cube many/one.png x.png
-refuses "'broken.cube' is not a LUT" lut --lut broken.cube many/one.png x.png
-refuses "cannot read picture 'none.png'" lut --lut "$samples/silver.cube" none.png x.png
+refuses "'broken.cube' cannot be used" lut --lut broken.cube many/one.png x.png
+refuses "there is no picture 'none.png'" lut --lut "$samples/silver.cube" none.png x.png
 refuses "cannot read picture 'broken.png'" lut --lut "$samples/silver.cube" broken.png x.png
 refuses "cannot write picture" lut --lut "$samples/silver.cube" many/one.png none/x.png
-refuses "cannot write picture" lut --lut "$samples/silver.cube" many/one.png x.none
+refuses "no format has this extension" lut --lut "$samples/silver.cube" many/one.png x.none
+refuses "would be written over" lut --lut "$samples/silver.cube" many many
+refuses "two pictures would go to" lut --lut "$samples/silver.cube" many/one.png graded/one.png x
+refuses "1 of 2 pictures failed" lut --lut "$samples/silver.cube" broken.png many/one.png some
+[ -s some/one.png ] || fail "one bad picture kept another from being graded"
+refuses "cannot make the folder" lut --lut "$samples/silver.cube" many same.png
 refuses "no pictures in 'empty'" lut --lut "$samples/silver.cube" empty x
 exit $failed

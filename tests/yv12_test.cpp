@@ -1,8 +1,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <random>
+#include <string>
 #include <vector>
 
 #include "hdr/yv12_conversions.h"
