@@ -24,9 +24,8 @@ void clampToUnit(cv::Mat& plane) {
 int clarityPipeline(NLEPureCClarity& effect, const cv::Mat& src, cv::Mat& dst, int saturation, int intensity) {
   if (src.empty() || dst.empty()) return 1;
   cv::Mat(&planes)[3] = effect.planes;
-  if (planes[0].size() != src.size()) {
-    for (cv::Mat& plane : planes) plane = cv::Mat::zeros(src.size(), CV_32FC1);
-  }
+  // Does nothing for a plane of the right size that has its pixels; one that an earlier failure left half-made has none.
+  for (cv::Mat& plane : planes) plane.create(src.size(), CV_32FC1);
   const float saturationFactor =
       std::clamp(static_cast<float>(saturation), -100.0f, 100.0f) * kPercent * kSaturationSpan + 1.0f;
   const int threads = cv::getNumThreads();

@@ -1,15 +1,12 @@
 // From HDR signals to BT.709 for a display of standard dynamic range, in these steps:
 //
 // 1. Signal to light on an HDR display in cd/m2, BT.2020 primaries. PQ: the EOTF of SMPTE ST 2084. HLG: the inverse
-// OETF and
-//    the OOTF for a nominal peak of 1000 cd/m2, system gamma 1.2 (both ITU-R BT.2100-2, tables 4 and 5).
+//    OETF and the OOTF for a nominal peak of 1000 cd/m2, system gamma 1.2 (both ITU-R BT.2100-2, tables 4 and 5).
 // 2. Primaries: BT.2020 to BT.709 (ITU-R BT.2087-0, inverted).
 // 3. Gamut: a colour that BT.709 cannot show, with less than nothing of red, green or blue, is moved towards the grey
-// of its
-//    own luminance until it can.
+//    of its own luminance until it can.
 // 4. Tone curve: the EETF of ITU-R BT.2390 annex 5, from a peak of 1000 cd/m2 to 203 cd/m2, the reference white of
-// ITU-R
-//    BT.2408: light up to about 95 cd/m2 is kept, what is above is bent down, and 1000 cd/m2 become white. It is
+//    ITU-R BT.2408: light up to about 95 cd/m2 is kept, what is above is bent down, and 1000 cd/m2 become white. It is
 //    applied to the largest of the three colours and the other two keep their proportion to it: so nothing is clipped,
 //    and highlights keep their hue.
 // 5. Light to signal: the inverse of the BT.1886 display, a power of 1 / 2.4.

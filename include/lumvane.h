@@ -16,7 +16,8 @@
  *            white balance   has no strides: rows are always packed
  * Threads  A handle serves one thread at a time. Different handles may be used side by side. Large frames are spread
  *          over OpenCV's worker threads (cv::setNumThreads governs how many); a call returns when all its work is done.
- * Bytes    The same input gives the same bytes on every processor, system and number of threads.
+ * Bytes    The same input gives the same bytes on every processor, system and number of threads; for clarity, which
+ *          resamples through OpenCV, as long as that is the same build.
  * Failures Nothing prints or logs. What C++ throws when memory runs out passes out of the call: std::bad_alloc, or
  *          cv::Exception from within OpenCV.
  * Names    Stand as they are, "Destory" included: hosts look them up by these letters.

@@ -26,7 +26,7 @@ int32_t CubeLut::readCube(std::istream& stream) {
   std::memset(lattice, 0, sizeof lattice);
   const char separator = detectLineSeparator(stream);
   const CubeHeader header = readCubeHeader(stream, separator, status);
-  latticeSize = header.latticeSize;
+  if (header.latticeSize != 0) latticeSize = header.latticeSize;
   if (latticeSize > kLatticeStride) return status = statusSizeInvalid;
   fillInterpolationTables();
   readCubeRows(stream, separator, header, status,

@@ -2,9 +2,8 @@
 //
 // Our reading of the doubtful points:
 // - Keywords are case-sensitive, may come in any order, and count at their first occurrence only: LUT_3D_SIZE
-// (required),
-//   DOMAIN_MIN, DOMAIN_MAX. Any other line is passed over, titles and one-dimensional sizes among them, up to the first
-//   line whose first token begins a number: that one is the first row.
+//   (required), DOMAIN_MIN, DOMAIN_MAX. Any other line is passed over, titles and one-dimensional sizes among them, up
+//   to the first line whose first token begins a number: that one is the first row.
 // - The domain scales the output. A value v of channel c becomes v * (max[c] - min[c]) * 255; the minimum is no offset,
 //   and the inputs always spread 0 to 255 evenly over the lattice.
 // - Rows run with red fastest and blue slowest. A short or unreadable row repeats the numbers of the row before it, the

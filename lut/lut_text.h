@@ -1,8 +1,7 @@
 // Lines, tokens and numbers, as both LUT text formats read them.
 //
 // Our reading of the doubtful points:
-// - Lines end in LF or CR. The first line of the file decides which; with CR LF it is LF, and the CR stays at the end
-// of
+// - Lines end in LF or CR. The first line of the file decides which; with CR LF it is LF, and the CR stays at the end of
 //   each line, where number parsing takes it for white space.
 // - Empty lines, lines that hold only a CR, and lines whose very first byte is '#' are skipped anywhere in the file.
 //   A line of blanks, or blanks and then '#', is not.

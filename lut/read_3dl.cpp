@@ -1,16 +1,13 @@
 // The .3DL text format: header lines, a mesh line, then one row of three numbers for each lattice point.
 //
 // Our reading of the doubtful points:
-// - Every line ahead of the mesh line is passed over; what "3DMESH" and "Mesh" lines say has no effect. The mesh line
-// is
+// - Every line ahead of the mesh line is passed over; what "3DMESH" and "Mesh" lines say has no effect. The mesh line is
 //   the first whose first token begins a number.
 // - The lattice has as many points per axis as the mesh line has entries, and only single blanks separate these: a
-// blank
-//   at the end of the line, or two in a row, counts as one entry more, and a tab as none. The numbers themselves are
-//   not read.
+//   blank at the end of the line, or two in a row, counts as one entry more, and a tab as none. The numbers themselves
+//   are not read.
 // - Values are on a 12-bit scale, 4095 for full, whatever the header says: tables of 10 bits come out dark. Values
-// above
-//   4095 are kept.
+//   above 4095 are kept.
 // - Rows run with blue fastest and red slowest, the opposite of .CUBE.
 
 #include <cstring>

@@ -154,7 +154,8 @@ TEST(Frames, BecomePlanesInAlphaMode) {
 }
 
 TEST(Frames, AreRefusedWithoutATable) {
-  CubeLut lut;
+  const auto onHeap = std::make_unique<CubeLut>();
+  CubeLut& lut = *onHeap;
   test::Frame src(4, 4), dst(4, 4);
   src.fillWithNoise(3);
   for (const auto& [size, result] : {std::pair{0, 23}, {66, 23}, {-1, 23}, {1, 0}, {65, 0}}) {
@@ -182,7 +183,8 @@ TEST(Frames, MayHaveOverlappingSourceRows) {
 
 // The values that 255 / (N - 1) puts just beside a lattice point.
 TEST(InterpolationTables, PlaceBytesInTheirCells) {
-  CubeLut lut;
+  const auto onHeap = std::make_unique<CubeLut>();
+  CubeLut& lut = *onHeap;
   lut.status = statusOk;
   for (lut.latticeSize = 2; lut.latticeSize <= 65; ++lut.latticeSize) {
     const int n = lut.latticeSize;

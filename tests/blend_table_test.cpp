@@ -52,6 +52,14 @@ TEST(BlendTable, PlanesHoldTheirValues) {
       {"divide", &Table::divide, 255, 255, 254},
       {"divide", &Table::divide, 0, 0, 255},
       {"divide", &Table::divide, 1, 1, 170},
+      {"exclusion", &Table::exclusion, 255, 255, 0},
+      {"vividLight", &Table::vividLight, 100, 100, 57},
+      {"linearLight", &Table::linearLight, 0, 0, 0},
+      {"colorBurn", &Table::colorBurn, 0, 1, 0},
+      {"colorDodge", &Table::colorDodge, 255, 1, 255},
+      {"linearBurn", &Table::linearBurn, 10, 20, 0},
+      {"screen255", &Table::screen255, 255, 0, 255},
+      {"screen255", &Table::screen255, 0, 255, 255},
       {"screen255", &Table::screen255, 0, 0, 0},
       {"screen255", &Table::screen255, 100, 200, 221},
   };
@@ -73,8 +81,8 @@ TEST(BlendTable, MultiplyIsTheRoundedProduct) {
   }
 }
 
-// The largest m with 255 m <= a t + b (255 - t), found by counting up: as t grows by one, the right side moves by a -
-// b.
+// The largest m with 255 m <= a t + b (255 - t), found by counting up: as t grows by one, the right side moves
+// by a - b.
 TEST(BlendTable, MixIsTheTruncatedWeightedMean) {
   const auto table = acquireTable();
   for (int a = 0; a < 256; ++a) {

@@ -38,9 +38,17 @@ TEST(CubeReader, AnswersEachTextWithItsStatus) {
       {"last line without terminator", size2 + lastRowOpen, 0},
       {"more rows than needed", size2 + kRows + "nonsense\n", 0},
       {"keywords in any order, others between", "TITLE \"t\"\nDOMAIN_MAX 1 1 1\n  LUT_3D_SIZE 2 9\nx\n" + kRows, 0},
-      {"second keyword with nonsense", size2 + "DOMAIN_MIN 0 0 0\nDOMAIN_MIN x\nLUT_3D_SIZE 900\n" + kRows, 0},
+      {"second keyword with nonsense",
+       size2 + "DOMAIN_MIN 0 0 0\nDOMAIN_MAX 1 1 1\nDOMAIN_MIN x\nDOMAIN_MAX x\nLUT_3D_SIZE 900\n" + kRows, 0},
       {"blanks before a hash in the header", size2 + " # no comment\n" + kRows, 0},
-      {"lone plus in the header", size2 + "+\n" + kRows, 0},
+      {"lone plus ahead of the size", "+\n" + size2 + kRows, 0},
+      {"colon ahead of the size", ":\n" + size2 + kRows, 0},
+      {"minus opens the table", "-0.25 0 1\n" + size2 + kRows, 23},
+      {"plus opens the table", "+1 0 1\n" + size2 + kRows, 23},
+      {"point opens the table", ".5 0 1\n" + size2 + kRows, 23},
+      {"nine opens the table", "9 0 1\n" + size2 + kRows, 23},
+      {"comma opens the table", ",\n" + size2 + kRows, 23},
+      {"slash opens the table", "/\n" + size2 + kRows, 23},
       {"nothing", "", 13},
       {"short, no terminator", "LUT_3D_SIZE 2", 13},
       {"251 bytes in the first line", std::string(251, '#') + "\n" + size2 + kRows, 0},
@@ -64,10 +72,26 @@ TEST(CubeReader, AnswersEachTextWithItsStatus) {
       {"domain with a word", size2 + "DOMAIN_MAX 1 one 1\n" + kRows, 10},
       {"line of blanks in the header", size2 + "  \n" + kRows, 10},
       {"domain minimum at its maximum", size2 + "DOMAIN_MIN 0 1 0\n" + kRows, 22},
+      {"domain minimum at its maximum on blue", size2 + "DOMAIN_MIN 0 0 1\n" + kRows, 22},
       {"a row short", size2 + kRows.substr(8), 10},
       {"a row short, last line open", size2 + lastRowOpen.substr(8), 12},
   };
   for (const Case& c : cases) EXPECT_EQ(read(c.text)->status, c.status) << c.what;
+}
+
+TEST(CubeReader, TakesSixtyFivePoints) {
+  std::string text = "LUT_3D_SIZE 65\n";
+  for (int row = 0; row < 65 * 65 * 65; ++row) text += "0 0 " + std::to_string(row) + "\n";
+  const auto lut = read(text);
+  EXPECT_EQ(lut->status, 0);
+  EXPECT_EQ(lut->lattice[64][64][64][2], 274624.0f * 255.0f);
+}
+
+TEST(CubeReader, LeavesTheStatusOfAFileThatIsNotThere) {
+  const auto lut = std::make_unique<CubeLut>();
+  EXPECT_FALSE(lut->load(u"/none/none.cube"));
+  EXPECT_FALSE(lut->load(u"/none/none"));
+  EXPECT_EQ(lut->status, statusUnloaded);
 }
 
 TEST(CubeReader, RunsRedFastestAndBlueSlowest) {
