@@ -40,10 +40,11 @@ void mapSmallFrame(VideoAdjustColor& object, size_t pixels) {
 bool adjustFrame(VideoAdjustColor& object, const uint8_t* srcPlane0, const uint8_t* srcPlane1, const uint8_t* srcPlane2,
                  int32_t stride0, int32_t stride1, int32_t stride2, uint8_t* dstPlane0, uint8_t* dstPlane1,
                  uint8_t* dstPlane2) {
+  const int64_t pixels = int64_t{object.width} * object.height;
+  if (pixels == 0) return true;
   const bool limited = object.limitedRange != 0;
   const auto toRgb = limited ? imageYV12ToRGBBT2020_Limited : imageYV12ToRGBBT2020_FULL;
   const auto fromRgb = limited ? imageRGBAToYV12BT709_Limited : imageRGBAToYV12BT709_Full;
-  const int64_t pixels = int64_t{object.width} * object.height;
 
   toRgb(srcPlane0, stride0, srcPlane1, stride1, srcPlane2, stride2, object.rgbaIn.get(), object.width * 4, object.width,
         object.height);

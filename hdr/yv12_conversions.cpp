@@ -2,8 +2,8 @@
 // by default (ITU-T H.273, Chroma420SampleLocType 0).
 //
 // Filter up: bilinear. A pixel on a chroma column takes that column, one between two takes half of each; a row takes
-// three quarters of the nearer chroma row and a quarter of the other. Filter down: the triangle of the same shape at
-// twice the width, 1 2 1 across and 1 3 3 1 down. At the edges the outermost sample is repeated.
+// three quarters of the nearer chroma row and a quarter of the other. Filter down: the same triangle, which reaches
+// one chroma sample to each side: 1 2 1 across and 1 3 3 1 down, in pixels. At the edges the outermost sample is repeated.
 //
 // Matrices: Recommendations ITU-R BT.2020-2 (non-constant luminance) and BT.709-6,
 //   Y' = kr R' + (1 - kr - kb) G' + kb B',  Cb = (B' - Y') / (2 (1 - kb)),  Cr = (R' - Y') / (2 (1 - kr)).

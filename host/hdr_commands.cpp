@@ -6,6 +6,7 @@
 #include <memory>
 #include <opencv2/core.hpp>
 #include <stdexcept>
+#include <system_error>
 
 #include "host/hdr_clip.h"
 #include "host/hdr_luts.h"
@@ -22,25 +23,46 @@ namespace fs = std::filesystem;
 struct HdrOptions {
   std::string luts;
   std::string transfer;
-  std::string range = "limited";
+  std::string range;  // empty: what the video says of itself, or limited
   std::string input;
   std::string output;
 };
 
-void convert(const HdrOptions& options) {
-  const bool pq = options.transfer == "pq";
-  const bool limited = options.range == "limited";
-  const fs::path lut = fs::path(options.luts) / (pq ? "HDR_PQ.cube" : "HDR_HLG.cube");
-  // The library does not tell of a missing file: its frames would just be black.
-  if (!fs::is_regular_file(lut)) throw std::runtime_error("there is no LUT file '" + lut.string() + "'");
+using HdrEffect = std::unique_ptr<void, decltype(&DestroyVideoAdjustColor)>;
 
+HdrEffect openHdr(const HdrOptions& options, bool limited, int width, int height) {
+  return {CreateVideoAdjustColor(fs::path(options.luts).u16string().c_str(), 0, limited, options.transfer == "pq",
+                                 width, height),
+          &DestroyVideoAdjustColor};
+}
+
+// The library does not tell of a LUT file that is missing or cannot be used: its frames are black, whatever goes in.
+void requireLut(const HdrOptions& options) {
+  const fs::path lut = fs::path(options.luts) / (options.transfer == "pq" ? "HDR_PQ.cube" : "HDR_HLG.cube");
+  if (!fs::is_regular_file(lut)) throw std::runtime_error("there is no LUT file '" + lut.string() + "'");
+  const HdrEffect effect = openHdr(options, false, 1, 1);
+  for (const uint8_t grey : {0, 128, 255}) {
+    const uint8_t neutral = 128;
+    uint8_t y = 0, v = 0, u = 0;
+    VideoAdjustColorProcess(effect.get(), &grey, &neutral, &neutral, 1, 1, 1, 0, 0, &y, &v, &u);
+    if (y != 0) return;
+  }
+  throw std::runtime_error("'" + lut.string() + "' cannot be used: it turns everything black");
+}
+
+void convert(const HdrOptions& options) {
+  std::error_code notThere;
+  if (fs::equivalent(options.input, options.output, notThere)) {
+    throw std::runtime_error("'" + options.output + "' would be written over, and it is to be read");
+  }
+  requireLut(options);
   VideoReader reader(options.input);
-  const int width = reader.format().width, height = reader.format().height;
-  const std::unique_ptr<void, decltype(&DestroyVideoAdjustColor)> effect(
-      CreateVideoAdjustColor(fs::path(options.luts).u16string().c_str(), 0, limited, pq, width, height),
-      &DestroyVideoAdjustColor);
-  if (!effect) throw std::runtime_error("cannot make a converter for '" + options.luts + "'");
-  VideoWriter writer(options.output, reader.format(), limited);
+  VideoFormat format = reader.format();
+  if (!options.range.empty()) format.range = options.range == "full" ? "FULL" : "LIMITED";
+  if (format.range != "FULL") format.range = "LIMITED";
+  const int width = format.width, height = format.height;
+  const HdrEffect effect = openHdr(options, format.range == "LIMITED", width, height);
+  VideoWriter writer(options.output, format);
   VideoFrame src(width, height), dst(width, height);
   FrameCounter counter;
   const int chromaWidth = (width + 1) / 2;
@@ -86,16 +108,18 @@ void addLutsCommand(CLI::App& app) {
 }
 
 void addConvertCommand(CLI::App& app) {
-  auto* command = app.add_subcommand("hdr", "Convert HDR video (BT.2020, 8-bit 4:2:0 YUV4MPEG2) to BT.709");
+  auto* command =
+      app.add_subcommand("hdr", "Convert HDR video (BT.2020, 8-bit 4:2:0 YUV4MPEG2, chroma sited left) to BT.709");
   const auto options = std::make_shared<HdrOptions>();
   command->add_option("--luts", options->luts, "Folder with HDR_HLG.cube and HDR_PQ.cube; hdr-luts makes them")
       ->required();
   command->add_option("--transfer", options->transfer, "Transfer function of the video")
       ->required()
       ->check(CLI::IsMember({"hlg", "pq"}));
-  command->add_option("--range", options->range, "Range of the code values, in and out")
-      ->check(CLI::IsMember({"limited", "full"}))
-      ->capture_default_str();
+  command
+      ->add_option("--range", options->range,
+                   "Range of the code values, in and out; by default what the video says of itself, or limited")
+      ->check(CLI::IsMember({"limited", "full"}));
   command->add_option("input", options->input, "Video to read, - for the standard input")->required();
   command->add_option("output", options->output, "Video to write, - for the standard output")->required();
   command->callback([options] { convert(*options); });
@@ -121,7 +145,8 @@ void addClipCommand(CLI::App& app) {
     VideoFormat format;
     format.width = options->width;
     format.height = options->height;
-    VideoWriter writer(options->output, format, true);
+    format.range = "LIMITED";
+    VideoWriter writer(options->output, format);
     FrameCounter counter;
     for (int i = 0; i < options->frames; ++i) {
       writer.write(drawHdrFrame(format.width, format.height, i, options->frames, options->transfer == "pq"));
@@ -138,7 +163,9 @@ void addStillCommand(CLI::App& app) {
   };
   auto* command = app.add_subcommand("still", "Take a picture from a limited-range video, shown as BT.709");
   const auto options = std::make_shared<Options>();
-  command->add_option("--frame", options->frame, "Number of the frame, from 0")->capture_default_str();
+  command->add_option("--frame", options->frame, "Number of the frame, from 0")
+      ->check(CLI::NonNegativeNumber)
+      ->capture_default_str();
   command->add_option("input", options->input, "Video to read, - for the standard input")->required();
   command->add_option("output", options->output, "Picture to write")->required();
   command->callback([options] {

@@ -5,8 +5,8 @@
 // 2. Primaries: BT.2020 to BT.709 (ITU-R BT.2087-0, inverted).
 // 3. Gamut: a colour that BT.709 cannot show, with less than nothing of red, green or blue, is moved towards the grey
 //    of its own luminance until it can.
-// 4. Tone curve: the EETF of ITU-R BT.2390 annex 5, from a peak of 1000 cd/m2 to 203 cd/m2, the reference white of
-//    ITU-R BT.2408: light up to about 95 cd/m2 is kept, what is above is bent down, and 1000 cd/m2 become white. It is
+// 4. Tone curve: the EETF of ITU-R BT.2390, from a peak of 1000 cd/m2 to 203 cd/m2, the reference white of
+//    ITU-R BT.2408: light up to about 88 cd/m2 is kept, what is above is bent down, and 1000 cd/m2 become white. It is
 //    applied to the largest of the three colours and the other two keep their proportion to it: so nothing is clipped,
 //    and highlights keep their hue.
 // 5. Light to signal: the inverse of the BT.1886 display, a power of 1 / 2.4.

@@ -7,7 +7,7 @@
 namespace host {
 namespace {
 
-constexpr int kLargestSide = 32768;
+constexpr int64_t kMostPixels = int64_t{1} << 28;  // 16K frames; what is beyond is a damaged header
 constexpr size_t kLongestLine = 4096;
 
 int numberIn(const std::string& text) {
@@ -30,60 +30,48 @@ VideoFrame::VideoFrame(int width, int height) {
   planes[2].resize(chroma);
 }
 
+void CloseVideoFile::operator()(FILE* file) const {
+  if (file != stdin && file != stdout) std::fclose(file);
+}
+
 VideoReader::VideoReader(const std::string& path)
     : path_(path), file_(path == "-" ? stdin : std::fopen(path.c_str(), "rb")) {
-  if (file_ == nullptr) fail("cannot be read");
+  if (!file_) fail("cannot be read");
   std::istringstream words(readLine());
   std::string word;
   words >> word;
   if (word != "YUV4MPEG2") fail("is no YUV4MPEG2 stream");
   while (words >> word) {
+    const char tag = word[0];
     const std::string value = word.substr(1);
-    switch (word[0]) {
-      case 'W':
-        format_.width = numberIn(value);
-        break;
-      case 'H':
-        format_.height = numberIn(value);
-        break;
-      case 'F':
-        format_.rate = value;
-        break;
-      case 'A':
-        format_.aspect = value;
-        break;
-      case 'I':
-        format_.interlacing = value;
-        break;
-      case 'C':
-        if (!isTakenColourSpace(value)) fail("has pixels of the form C" + value + "; only 8-bit 4:2:0 is taken");
-        break;
-      default:
-        break;
+    if (tag == 'W') format_.width = numberIn(value);
+    if (tag == 'H') format_.height = numberIn(value);
+    if (tag == 'F') format_.rate = value;
+    if (tag == 'A') format_.aspect = value;
+    if (tag == 'X' && value.rfind("COLORRANGE=", 0) == 0) format_.range = value.substr(value.find('=') + 1);
+    if (tag == 'I' && value != "p" && value != "?") fail("is interlaced; only whole frames are taken");
+    if (tag == 'C' && !isTakenColourSpace(value)) {
+      fail("has pixels of the form C" + value + "; only 8-bit 4:2:0 is taken");
     }
   }
-  if (format_.width < 1 || format_.height < 1 || format_.width > kLargestSide || format_.height > kLargestSide) {
+  if (format_.width < 1 || format_.height < 1 || int64_t{format_.width} * format_.height > kMostPixels) {
     fail("has no usable size");
   }
 }
 
-VideoReader::~VideoReader() {
-  if (file_ != nullptr && file_ != stdin) std::fclose(file_);
-}
-
 bool VideoReader::read(VideoFrame& frame) {
   const std::string head = readLine();
-  if (head.empty() && std::feof(file_)) return false;
+  if (head.empty() && std::feof(file_.get())) return false;
   if (head.rfind("FRAME", 0) != 0) fail("has no frame where one should begin");
   for (std::vector<uint8_t>& plane : frame.planes) {
-    if (std::fread(plane.data(), 1, plane.size(), file_) != plane.size()) fail("ends within a frame");
+    if (std::fread(plane.data(), 1, plane.size(), file_.get()) != plane.size()) fail("ends within a frame");
   }
   return true;
 }
 
 std::string VideoReader::readLine() {
   std::string line;
-  for (int c; (c = std::fgetc(file_)) != EOF && c != '\n' && line.size() < kLongestLine;) {
+  for (int c; (c = std::fgetc(file_.get())) != EOF && c != '\n' && line.size() < kLongestLine;) {
     line += static_cast<char>(c);
   }
   return line;
@@ -91,29 +79,24 @@ std::string VideoReader::readLine() {
 
 void VideoReader::fail(const std::string& what) const { throw std::runtime_error("'" + path_ + "' " + what); }
 
-VideoWriter::VideoWriter(const std::string& path, const VideoFormat& format, bool limitedRange)
+VideoWriter::VideoWriter(const std::string& path, const VideoFormat& format)
     : path_(path), file_(path == "-" ? stdout : std::fopen(path.c_str(), "wb")) {
-  if (file_ == nullptr) fail();
-  std::fprintf(file_, "YUV4MPEG2 W%d H%d F%s I%s A%s C420mpeg2 XYSCSS=420MPEG2 XCOLORRANGE=%s\n", format.width,
-               format.height, format.rate.c_str(), format.interlacing.c_str(), format.aspect.c_str(),
-               limitedRange ? "LIMITED" : "FULL");
-}
-
-VideoWriter::~VideoWriter() {
-  if (file_ != nullptr && file_ != stdout) std::fclose(file_);
+  if (!file_) fail();
+  std::fprintf(file_.get(), "YUV4MPEG2 W%d H%d F%s Ip A%s C420mpeg2 XYSCSS=420MPEG2 XCOLORRANGE=%s\n", format.width,
+               format.height, format.rate.c_str(), format.aspect.c_str(), format.range.c_str());
 }
 
 void VideoWriter::write(const VideoFrame& frame) {
-  std::fputs("FRAME\n", file_);
+  std::fputs("FRAME\n", file_.get());
   for (const std::vector<uint8_t>& plane : frame.planes) {
-    if (std::fwrite(plane.data(), 1, plane.size(), file_) != plane.size()) fail();
+    if (std::fwrite(plane.data(), 1, plane.size(), file_.get()) != plane.size()) fail();
   }
 }
 
 void VideoWriter::close() {
-  const bool written = std::fflush(file_) == 0 && std::ferror(file_) == 0;
-  const bool closed = file_ == stdout || std::fclose(file_) == 0;
-  file_ = nullptr;
+  const bool written = std::fflush(file_.get()) == 0 && std::ferror(file_.get()) == 0;
+  FILE* file = file_.release();
+  const bool closed = file == stdout || std::fclose(file) == 0;
   if (!written || !closed) fail();
 }
 

@@ -172,8 +172,8 @@ LUMVANE_API bool WhiteBalanceFun(const uint8_t* src, uint8_t* dst, float reserve
 /* ---- HDR to BT.709: turns BT.2020 video with an HLG or PQ transfer into BT.709 video ----------------------------- */
 
 /* Makes a video colour adjust for frames of one size. The first call of the process loads two LUT files for all
- * objects, "HDR_HLG.cube" and "HDR_PQ.cube", and computes what they make of each of the 2^24 colours. No later call reads a
- * file, whatever its directory.
+ * objects, "HDR_HLG.cube" and "HDR_PQ.cube", and computes what they make of each of the 2^24 colours. No later call
+ * reads a file, whatever its directory.
  *
  * lutDirectory   NUL-terminated UTF-16, with no separator at its end: a backslash and the file names are appended. The
  *                paths reach the file system as told at Create3DLutColorAdjustEffect, so that the files lie in this

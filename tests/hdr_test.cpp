@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <barrier>
 #include <climits>
 #include <cstring>
 #include <new>
@@ -136,6 +137,8 @@ void expectFrames(const std::u16string& directory, const reference::Lut* hlg, co
       EXPECT_TRUE(src.process(object.handle, dst, flags * 12345)) << where;
       const Planes expected = expectedFrame(src, usePq != 0 ? pq : hlg, limited != 0, 3);
       for (int i = 0; i < 3; ++i) EXPECT_TRUE(dst.bytes[i] == expected.bytes[i]) << where << ", plane " << i;
+      // Which pass ran: the one for small frames leaves byte 3 alone.
+      EXPECT_EQ(object.handle->rgbaOut[3], width * height >= 10000 ? 255 : 0) << where;
     }
   }
 }
@@ -159,6 +162,11 @@ TEST_F(Hdr, MapsThroughFilesOfDifferentSizes) {
   EXPECT_EQ(first.handle->fraction[0], 0.0f);
   EXPECT_EQ(hdrTransferData(false).latticeSize, 17);
   EXPECT_EQ(hdrTransferData(true).latticeSize, 33);
+  // This object's own tables are those of the other file.
+  Planes src(8, 8, 0), dst(8, 8, 0);
+  src.fillWithNoise(5);
+  src.process(first.handle, dst, 0);
+  EXPECT_EQ(dst.bytes[0], expectedFrame(src, &hlg.lut, true, 0).bytes[0]);
   expectFrames(directory.path, &hlg.lut, &pq.lut);
 }
 
@@ -182,21 +190,26 @@ TEST_F(Hdr, StaysBlackAfterADirectoryWithoutFiles) {
   expectFrames(good.path, nullptr, nullptr);
 }
 
-TEST_F(Hdr, LoadsForTwoFirstCreatesAtOnce) {
+TEST_F(Hdr, LoadsForFirstCreatesAtOnce) {
   const Look hlg(5, 7), pq(6, 8);
   const Directory directory(hlg.text, pq.text);
-  std::vector<std::thread> threads;
-  for (int pqFlag : {0, 1}) {
-    threads.emplace_back([&, pqFlag] {
-      const Object object(directory.path, 1, pqFlag, 120, 90);
-      Planes src(120, 90, 0), dst(120, 90, 0);
-      src.fillWithNoise(9);
-      src.process(object.handle, dst, 0);
-      const Planes expected = expectedFrame(src, pqFlag != 0 ? &pq.lut : &hlg.lut, true, 0);
-      for (int i = 0; i < 3; ++i) EXPECT_TRUE(dst.bytes[i] == expected.bytes[i]);
-    });
+  for (int round = 0; round < 3; ++round) {
+    dropHdrData();
+    std::barrier atOnce(8);
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 8; ++i) {
+      threads.emplace_back([&, usePq = i % 2] {
+        Planes src(120, 90, 0), dst(120, 90, 0);
+        src.fillWithNoise(9);
+        atOnce.arrive_and_wait();
+        const Object object(directory.path, 1, usePq, 120, 90);
+        src.process(object.handle, dst, 0);
+        const Planes expected = expectedFrame(src, usePq != 0 ? &pq.lut : &hlg.lut, true, 0);
+        for (int plane = 0; plane < 3; ++plane) EXPECT_TRUE(dst.bytes[plane] == expected.bytes[plane]);
+      });
+    }
+    for (std::thread& thread : threads) thread.join();
   }
-  for (std::thread& thread : threads) thread.join();
 }
 
 TEST_F(Hdr, RefusesFramesThatDoNotFit) {
@@ -214,9 +227,11 @@ TEST_F(Hdr, RefusesFramesThatDoNotFit) {
         << width << " x " << height;
   }
   EXPECT_FALSE(hdrDataLoaded());
-  const Object empty(directory.path, 0, 0, 0, 7);
-  EXPECT_TRUE(
-      VideoAdjustColorProcess(empty.handle, nullptr, nullptr, nullptr, 0, 0, 0, 0, 0, nullptr, nullptr, nullptr));
+  for (const auto& [width, height] : {std::pair{0, 7}, {7, 0}, {INT_MAX, 0}}) {
+    const Object empty(directory.path, 0, 0, width, height);
+    EXPECT_TRUE(
+        VideoAdjustColorProcess(empty.handle, nullptr, nullptr, nullptr, 0, 0, 0, 0, 0, nullptr, nullptr, nullptr));
+  }
   expectFrames(directory.path, &look.lut, &look.lut);
 }
 
@@ -241,6 +256,9 @@ TEST_P(HdrFault, LeavesWhatWasReadSoFar) {
   EXPECT_EQ(hdrTransferData(true).latticeSize, GetParam().size);
   EXPECT_EQ(isZero(hdrTransferData(true).cache), GetParam().cacheZero);
   EXPECT_FALSE(isZero(hdrTransferData(false).cache));
+  // Index tables are only made for a header without a fault; a file that is not there leaves the result of the other.
+  EXPECT_EQ(object.handle->cell[255], GetParam().cacheZero ? 4 : GetParam().size - 1);
+  EXPECT_EQ(object.handle->loadOk, GetParam().pq.empty());
   const Look shortLook(4, 11, 9);
   const Look* seen = GetParam().cacheZero ? nullptr : &shortLook;
   expectFrames(directory.path, &hlg.lut, seen != nullptr ? &seen->lut : nullptr);
@@ -253,6 +271,7 @@ INSTANTIATE_TEST_SUITE_P(Pq, HdrFault,
                                          Fault{"SizeBeyondTheHeader", "TITLE t\nLUT_3D_SIZE 300\n", 5, true},
                                          Fault{"SizeBeyondTheHeaderAlone", "LUT_3D_SIZE 300\n", 0, true},
                                          Fault{"NoSize", "TITLE t\n0 0 0\n", 5, true},
+                                         Fault{"BlankLine", "   \n0 0 0\n", 5, true},
                                          Fault{"RowsAlone", "0 0 0\n", 0, true},
                                          Fault{"DomainInverted", "LUT_3D_SIZE 4\nDOMAIN_MIN 1 1 1\n0 0 0\n", 4, true},
                                          Fault{"DomainShort", "LUT_3D_SIZE 4\nDOMAIN_MIN 1\n0 0 0\n", 4, true},
@@ -266,6 +285,18 @@ TEST_F(Hdr, KeepsNoSizeWithoutAnyFileThatHasOne) {
   EXPECT_EQ(object.handle->latticeSize, 0);
   EXPECT_FALSE(object.handle->loadOk);
   expectFrames(directory.path, nullptr, nullptr);
+}
+
+TEST_F(Hdr, MapsPqWithoutAnHlgFile) {
+  const Look pq(9, 13);
+  for (const std::string hlg : {"", "LUT_3D_SIZE 3\n0 0 0\n"}) {
+    dropHdrData();
+    const Directory directory(hlg, pq.text);
+    const Object object(directory.path, 1, 1, 40, 30);
+    EXPECT_TRUE(object.handle->loadOk);
+    EXPECT_TRUE(isZero(hdrTransferData(false).cache));
+    expectFrames(directory.path, nullptr, &pq.lut);
+  }
 }
 
 // A refused HLG size stays with the object, so that a PQ file without a size is refused for it too.
@@ -283,6 +314,23 @@ TEST_F(Hdr, ScalesByTheDomain) {
   const Directory directory(text, "");
   const Object object(directory.path, 0, 0, 8, 8);
   EXPECT_EQ(hdrTransferData(false).lattice[1][0][3 + 2], 0.5f * 510.0f);
+}
+
+TEST_F(Hdr, LeavesColoursAloneInAnIdentity) {
+  std::string text = "LUT_3D_SIZE 33\n";
+  for (int row = 0; row < 33 * 33 * 33; ++row) {
+    for (const int index : {row % 33, row / 33 % 33, row / 33 / 33}) text += std::to_string(index / 32.0) + " ";
+    text += "\n";
+  }
+  const Directory directory(text, "");
+  const Object object(directory.path, 0, 0, 8, 8);
+  const std::vector<RGB8>& cache = hdrTransferData(false).cache;
+  size_t differences = 0;
+  for (uint32_t i = 0; i < 1u << 24; ++i) {
+    const auto& entry = cache[i].component;
+    differences += entry[0] != (i >> 16) || entry[1] != (i >> 8 & 255) || entry[2] != (i & 255);
+  }
+  EXPECT_EQ(differences, 0u);
 }
 
 class HdrEveryColour : public testing::TestWithParam<int> {};

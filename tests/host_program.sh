@@ -67,6 +67,18 @@ refuses "there is no LUT file" hdr --luts none --transfer hlg hlg.y4m x.y4m
 refuses "'none.y4m' cannot be read" hdr --luts luts --transfer hlg none.y4m x.y4m
 refuses "is no YUV4MPEG2 stream" hdr --luts luts --transfer hlg broken.y4m x.y4m
 refuses "ends within a frame" hdr --luts luts --transfer hlg short.y4m x.y4m
+cp hlg.y4m same.y4m
+refuses "would be written over" hdr --luts luts --transfer hlg same.y4m same.y4m
+cmp same.y4m hlg.y4m || fail "a video that was to be read was written over"
+mkdir broken
+echo text > broken/HDR_HLG.cube
+refuses "cannot be used" hdr --luts broken --transfer hlg hlg.y4m x.y4m
+sed '1s/Ip/It/' hlg.y4m > interlaced.y4m
+refuses "is interlaced" hdr --luts luts --transfer hlg interlaced.y4m x.y4m
+sed '1s/LIMITED/FULL/' hlg.y4m > full.y4m
+succeeds hdr --luts luts --transfer hlg full.y4m out-full.y4m
+succeeds hdr --luts luts --transfer hlg --range full hlg.y4m out-full-too.y4m
+cmp out-full.y4m out-full-too.y4m || fail "the range that a video names is not taken"
 refuses "C444" hdr --luts luts --transfer hlg other.y4m x.y4m
 refuses "cannot write video" hdr --luts luts --transfer hlg hlg.y4m none/x.y4m
 refuses "cannot write video" hdr --luts luts --transfer hlg hlg.y4m /dev/full
