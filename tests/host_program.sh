@@ -3,6 +3,7 @@
 set -u
 host=$1
 samples=$2
+locales=$3
 convert=$(realpath "$(dirname "$0")/../scripts/cube-to-3dl")
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
@@ -42,7 +43,7 @@ succeeds lut --lut "$samples/silver.cube" --strength 0 many/one.png same.png
 succeeds clarity --intensity 70 --saturation 20 many/one.png clear.png
 succeeds whitebalance --temperature 0.2 --tint -0.05 many/one.png warm.png
 "$convert" "$samples/silver.cube" >silver.3dl
-LOCPATH=${LOCPATH:-} LC_ALL=de_DE.UTF-8 "$convert" "$samples/silver.cube" | cmp - silver.3dl || fail "a decimal comma"
+LOCPATH=$locales LC_ALL=de_DE.UTF-8 "$convert" "$samples/silver.cube" | cmp - silver.3dl || fail "a decimal comma"
 succeeds lut --lut silver.3dl many graded3dl
 for file in clear.png warm.png graded3dl/one.png graded.png graded-compare.png graded/one.png graded/two.jpg both/one.png both/two.jpg; do
   [ -s "$file" ] || fail "$file was not written"
