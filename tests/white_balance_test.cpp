@@ -7,6 +7,9 @@
 
 #include "lumvane.h"
 #include "tests/inputs.h"
+#include "tests/row_comparer.h"
+#include "tests/targets.h"
+#include "whitebalance/white_balance_row.h"
 
 namespace {
 
@@ -48,6 +51,32 @@ TEST(WhiteBalance, MultipliesEveryByteAndTruncates) {
         const double expected = std::floor(std::fmin(std::fmax(product, 0.0), 255.0));
         ASSERT_EQ(dst.data()[i], expected) << temperature << " " << tint << " " << i;
       }
+    }
+  }
+}
+
+class WhiteBalanceRow : public test::EveryTarget {};
+INSTANTIATE_TEST_SUITE_P(On, WhiteBalanceRow, test::everyTarget(), test::targetName);
+
+TEST_P(WhiteBalanceRow, MatchesThePlainForm) {
+  constexpr float kInfinity = std::numeric_limits<float>::infinity();
+  std::vector<float> gains = {kInfinity, -kInfinity, NAN, 1e38f, -1e38f, 2.5e9f, 256.0f, 254.99998f, 1e-40f, -0.0f};
+  for (float gain = -0.51f; gain < 3.1f; gain += 0.0137f) gains.push_back(gain);
+  for (int i = 1; i < 256; ++i) gains.push_back(255.0f / static_cast<float>(i));
+  std::vector<uint8_t> everyByte(1024);
+  for (size_t i = 0; i < everyByte.size(); ++i) everyByte[i] = static_cast<uint8_t>(i / 4);
+  for (size_t i = 0; i < gains.size(); ++i) {
+    const Lumvane::WhiteBalanceGains three = {gains[i], gains[(i + 1) % gains.size()], gains[(i + 7) % gains.size()]};
+    const auto bound = [&](auto kernel) {
+      return [kernel, &three](const uint8_t* src, uint8_t* dst, size_t pixels) { kernel(three, src, dst, pixels); };
+    };
+    ASSERT_EQ(test::rowDifferences(bound(Lumvane::plain::whiteBalanceRow), bound(Lumvane::whiteBalanceRow), everyByte),
+              "")
+        << three.blue << " " << three.green << " " << three.red;
+    if (i % 50 == 0) {
+      EXPECT_EQ(
+          test::rowDifferencesInEveryWidth(bound(Lumvane::plain::whiteBalanceRow), bound(Lumvane::whiteBalanceRow)),
+          "");
     }
   }
 }

@@ -11,7 +11,7 @@ bool WhiteBalanceFun(const uint8_t* src, uint8_t* dst, float /*reserved1*/, floa
   const float base = tint * 0.5f + 1.0f;
   const Lumvane::WhiteBalanceGains gains = {base - temperature, 1.0f - tint, base + temperature};
   for (int y = 0; y < height; ++y) {
-    Lumvane::plain::whiteBalanceRow(gains, srcMat.ptr(y), dstMat.ptr(y), static_cast<size_t>(width));
+    Lumvane::whiteBalanceRow(gains, srcMat.ptr(y), dstMat.ptr(y), static_cast<size_t>(width));
   }
   return true;
 }

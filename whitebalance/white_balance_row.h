@@ -10,10 +10,13 @@ struct WhiteBalanceGains {
   float blue, green, red;
 };
 
-namespace plain {
-
 /// Multiplies the colour bytes of BGRA pixels by the gains, in single precision, and truncates: 3 * 0.5 gives 1.
 /// Products beyond 0 to 255 count as the nearer end, a NaN as 0. Byte 3 is copied. dst may be src.
+void whiteBalanceRow(const WhiteBalanceGains& gains, const uint8_t* src, uint8_t* dst, size_t pixels);
+
+namespace plain {
+
+/// The same, one byte at a time: what the vector form is held against.
 void whiteBalanceRow(const WhiteBalanceGains& gains, const uint8_t* src, uint8_t* dst, size_t pixels);
 
 }  // namespace plain
