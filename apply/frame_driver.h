@@ -11,14 +11,13 @@ namespace Lumvane {
 /// and may be negative or shorter than a row; 0 means packed rows.
 cv::Mat wrapFrame(uint8_t* pixels, int32_t width, int32_t height, int32_t strideBytes, int type = CV_8UC4);
 
-/// Grades src into dst, which has the same size and may be the same pixels. Up to 10000 pixels are graded on the
-/// calling thread, more of them in 8 bands on OpenCV's threads; the bytes are the same.
-void gradeFrame(cv::Mat& dst, const cv::Mat& src, const LatticeView& lattice);
+/// Grades src into dst, which has the same size, and fades the result against src with its weight of 0 to 255. Up to
+/// 10000 pixels are graded on the calling thread, more of them in 8 bands on OpenCV's threads; the bytes are the same.
+///
+/// The two may be the same pixels, or overlap: the fade then finds what the grading left in src.
+void gradeFrame(cv::Mat& dst, const cv::Mat& src, const LatticeView& lattice, int32_t sourceWeight);
 
-/// The same from BGRA to one byte a pixel: component 0 of the looked-up colour.
+/// The same from BGRA to one byte a pixel, without a fade: component 0 of the looked-up colour.
 void gradeFrameToPlane(cv::Mat& dst, const cv::Mat& src, const LatticeView& lattice);
-
-/// Fades dst, a graded frame, against src: t from 0 to 255 is the weight of the source.
-void fadeFrame(cv::Mat& dst, const cv::Mat& src, int32_t t);
 
 }  // namespace Lumvane

@@ -8,20 +8,40 @@
 #include "apply/hdr_lattice.h"
 #include "apply/lattice_view.h"
 
-namespace Lumvane::plain {
+namespace Lumvane {
+
+/// The two blends that frames need, from the shared table: multiply[a][b] is a * b / 255 to the nearest, mix[a][b][t] is
+/// (a * t + b * (255 - t)) / 255 truncated. A kernel may compute the same values instead of reading them.
+struct BlendTables {
+  const uint8_t (*multiply)[256];
+  const uint8_t (*mix)[256][265];
+};
 
 /// Grades BGRA pixels: bytes 2, 1, 0 are looked up as red, green, blue, the results go back through roundToByte, and
 /// each is replaced by multiply[alpha][it]. Byte 3 is copied. dst may be src.
-void gradeRow(const LatticeView& lattice, const uint8_t (*multiply)[256], const uint8_t* src, uint8_t* dst,
-              size_t pixels);
+///
+/// A float behind the last point of the lattice may be read; what it is does not matter.
+void gradeRow(const LatticeView& lattice, const BlendTables& blends, const uint8_t* src, uint8_t* dst, size_t pixels);
+
+/// Replaces each byte d of dst by mix[s][d][t], s being the byte of src at the same place and t from 0 to 255 its
+/// weight.
+void fadeRow(const BlendTables& blends, int32_t t, const uint8_t* src, uint8_t* dst, size_t pixels);
+
+/// Both in one: gradeRow, then fadeRow against src, which must not overlap dst.
+void gradeAndFadeRow(const LatticeView& lattice, const BlendTables& blends, int32_t t, const uint8_t* src, uint8_t* dst,
+                     size_t pixels);
+
+namespace plain {
+
+/// The same three, one byte at a time: what the vector forms are held against.
+void gradeRow(const LatticeView& lattice, const BlendTables& blends, const uint8_t* src, uint8_t* dst, size_t pixels);
+void fadeRow(const BlendTables& blends, int32_t t, const uint8_t* src, uint8_t* dst, size_t pixels);
+void gradeAndFadeRow(const LatticeView& lattice, const BlendTables& blends, int32_t t, const uint8_t* src, uint8_t* dst,
+                     size_t pixels);
 
 /// One byte a pixel of dst from BGRA pixels of src: component 0 of what gradeRow looks up, through roundToByte. Alpha
 /// is not read.
 void gradeRowToPlane(const LatticeView& lattice, const uint8_t* src, uint8_t* dst, size_t pixels);
-
-/// Replaces each byte d of dst by mix[s][d][t], s being the byte of src at the same place and t from 0 to 255 its
-/// weight.
-void fadeRow(const uint8_t (*mix)[256][265], int32_t t, const uint8_t* src, uint8_t* dst, size_t pixels);
 
 /// What an HDR LUT makes of one colour: components red, green, blue of tetrahedralLookup through truncToByte.
 RGB8 hdrColour(const HdrLatticeView& lattice, uint8_t r, uint8_t g, uint8_t b);
@@ -31,4 +51,5 @@ RGB8 hdrColour(const HdrLatticeView& lattice, uint8_t r, uint8_t g, uint8_t b);
 void hdrLatticeRow(const HdrLatticeView& lattice, const uint8_t* src, uint8_t* dst, size_t pixels);
 void hdrCacheRow(const RGB8* cache, const uint8_t* src, uint8_t* dst, size_t pixels);
 
-}  // namespace Lumvane::plain
+}  // namespace plain
+}  // namespace Lumvane

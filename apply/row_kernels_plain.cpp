@@ -6,14 +6,13 @@
 
 namespace Lumvane::plain {
 
-void gradeRow(const LatticeView& lattice, const uint8_t (*multiply)[256], const uint8_t* src, uint8_t* dst,
-              size_t pixels) {
+void gradeRow(const LatticeView& lattice, const BlendTables& blends, const uint8_t* src, uint8_t* dst, size_t pixels) {
   for (size_t i = 0; i < pixels; ++i, src += 4, dst += 4) {
     const uint8_t alpha = src[3];
     const auto out = tetrahedralLookup(lattice, src[2], src[1], src[0]);
-    dst[0] = multiply[alpha][roundToByte(out[2])];
-    dst[1] = multiply[alpha][roundToByte(out[1])];
-    dst[2] = multiply[alpha][roundToByte(out[0])];
+    dst[0] = blends.multiply[alpha][roundToByte(out[2])];
+    dst[1] = blends.multiply[alpha][roundToByte(out[1])];
+    dst[2] = blends.multiply[alpha][roundToByte(out[0])];
     dst[3] = alpha;
   }
 }
@@ -24,8 +23,14 @@ void gradeRowToPlane(const LatticeView& lattice, const uint8_t* src, uint8_t* ds
   }
 }
 
-void fadeRow(const uint8_t (*mix)[256][265], int32_t t, const uint8_t* src, uint8_t* dst, size_t pixels) {
-  for (size_t i = 0; i < pixels * 4; ++i) dst[i] = mix[src[i]][dst[i]][t];
+void fadeRow(const BlendTables& blends, int32_t t, const uint8_t* src, uint8_t* dst, size_t pixels) {
+  for (size_t i = 0; i < pixels * 4; ++i) dst[i] = blends.mix[src[i]][dst[i]][t];
+}
+
+void gradeAndFadeRow(const LatticeView& lattice, const BlendTables& blends, int32_t t, const uint8_t* src, uint8_t* dst,
+                     size_t pixels) {
+  plain::gradeRow(lattice, blends, src, dst, pixels);
+  plain::fadeRow(blends, t, src, dst, pixels);
 }
 
 RGB8 hdrColour(const HdrLatticeView& lattice, uint8_t r, uint8_t g, uint8_t b) {

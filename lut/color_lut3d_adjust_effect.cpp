@@ -1,9 +1,6 @@
 #include "lut/color_lut3d_adjust_effect.h"
 
 #include <algorithm>
-#include <opencv2/core.hpp>
-
-#include "apply/frame_driver.h"
 
 namespace Lumvane {
 
@@ -22,10 +19,7 @@ bool ColorLut3dAdjustEffect::process(uint8_t* dst, int32_t frameWidth, int32_t f
   if (dst == nullptr || src == nullptr) return false;
   const int32_t s = std::clamp(strengthPercent, 0, 100) * 255 / 100;
   if (s == 0 || frameWidth <= 0 || frameHeight <= 0) return true;
-  cubeLut->apply(dst, dstStride, src, frameWidth, frameHeight, srcStride);
-  if (s == 255) return true;
-  cv::Mat dstMat = wrapFrame(dst, frameWidth, frameHeight, dstStride);
-  fadeFrame(dstMat, wrapFrame(const_cast<uint8_t*>(src), frameWidth, frameHeight, srcStride), 255 - s);
+  cubeLut->apply(dst, dstStride, src, frameWidth, frameHeight, srcStride, 255 - s);
   return true;
 }
 

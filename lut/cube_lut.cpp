@@ -47,22 +47,22 @@ void CubeLut::fillInterpolationTables() {
 }
 
 int32_t CubeLut::apply(uint8_t* dst, int32_t dstStride, const uint8_t* src, int32_t width, int32_t height,
-                       int32_t srcStride) {
+                       int32_t srcStride, int32_t sourceWeight) {
   status = statusOk;
   if (latticeSize < 1 || latticeSize > kLatticeStride) return statusSizeInvalid;
   if (width <= 0 || height <= 0) return status;
   cv::Mat dstMat = wrapFrame(dst, width, height, dstStride, alphaMode ? CV_8UC1 : CV_8UC4);
   const cv::Mat srcMat = wrapFrame(const_cast<uint8_t*>(src), width, height, srcStride);
-  applyToMats(dstMat, srcMat);
+  applyToMats(dstMat, srcMat, sourceWeight);
   return status;
 }
 
-int32_t CubeLut::applyToMats(cv::Mat& dst, const cv::Mat& src) const {
+int32_t CubeLut::applyToMats(cv::Mat& dst, const cv::Mat& src, int32_t sourceWeight) const {
   const LatticeView view = {latticeSize, fraction, cell, &lattice[0][0][0][0]};
   if (alphaMode) {
     gradeFrameToPlane(dst, src, view);
   } else {
-    gradeFrame(dst, src, view);
+    gradeFrame(dst, src, view, sourceWeight);
   }
   return statusOk;
 }

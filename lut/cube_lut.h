@@ -29,6 +29,7 @@ class CubeLut {
   /// [red][green][blue] of the point, then red, green, blue of its colour on a scale of 0.0 to 255.0, unclamped. The
   /// strides are 65 points whatever N is, so that the place of a point rests on constants alone.
   float lattice[kLatticeStride][kLatticeStride][kLatticeStride][3] = {};
+  float latticeEnd = 0.0f;  ///< read, but not used, by kernels that take four floats for the three of the last point
 
   /// Frames come out as one byte a pixel, made of component 0 of the looked-up colour. For code inside the library.
   bool alphaMode = false;
@@ -51,13 +52,15 @@ class CubeLut {
   /// Fills `fraction` and `cell` for the current `latticeSize`, in single precision; does nothing when `status` is set.
   void fillInterpolationTables();
 
-  /// Takes a frame through the table, at full strength: see Lut3DColorAdjustEffectProcess for pixels and strides. An
-  /// empty frame is left alone. In alphaMode dst has one byte a pixel, and a dstStride of 0 means rows of width bytes.
+  /// Takes a frame through the table and fades it against the source with its weight of 0 to 255: see
+  /// Lut3DColorAdjustEffectProcess for pixels and strides. An empty frame is left alone. In alphaMode dst has one byte a
+  /// pixel, a dstStride of 0 means rows of width bytes, and there is no fade.
   /// Returns 0, or 23 (statusSizeInvalid) with the frames untouched when there is no usable table.
-  int32_t apply(uint8_t* dst, int32_t dstStride, const uint8_t* src, int32_t width, int32_t height, int32_t srcStride);
+  int32_t apply(uint8_t* dst, int32_t dstStride, const uint8_t* src, int32_t width, int32_t height, int32_t srcStride,
+                int32_t sourceWeight = 0);
 
  private:
-  int32_t applyToMats(cv::Mat& dst, const cv::Mat& src) const;
+  int32_t applyToMats(cv::Mat& dst, const cv::Mat& src, int32_t sourceWeight) const;
 };
 
 }  // namespace Lumvane
