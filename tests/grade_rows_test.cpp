@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "apply/row_kernels.h"
+#include "apply/step_reciprocal.h"
 #include "lut/blend_table.h"
 #include "lut/interpolation_tables.h"
 #include "tests/row_comparer.h"
@@ -46,6 +47,18 @@ class RandomLattice {
   int32_t cell_[256];
   std::vector<float> points_;
 };
+
+// The vector forms multiply where the tables of a lattice divide.
+TEST(StepReciprocal, MakesTheQuotientOfEveryByteForEverySize) {
+  for (int size = 1; size <= kLatticeStride; ++size) {
+    const float step = 255.0f / static_cast<float>(size - 1);
+    const StepReciprocal reciprocal(size);
+    for (int v = 0; v < 256; ++v) {
+      const float byte = static_cast<float>(v);
+      EXPECT_EQ(byte * reciprocal.high + byte * reciprocal.low, byte / step) << size << " " << v;
+    }
+  }
+}
 
 // All 2^24 colours and so every tetrahedron and every tie; one pixel in four is translucent.
 TEST_P(GradeRows, GradeEveryColourAsThePlainForm) {

@@ -1,0 +1,104 @@
+// Step 1 of the grading kernels: from pixels to the places of four lattice points and their weights; a lane is a pixel.
+//
+// With the three fractions sorted the weights are 1 - max, max - mid, mid - min and min; a tie makes the same differences
+// in whatever order it is broken. The two points in the middle follow from the comparisons of tetrahedralLookup, ties
+// and all: at weight 0 a point still counts when it is infinite.
+
+#if defined(LUMVANE_APPLY_TETRAHEDRA_INL_H) == defined(HWY_TARGET_TOGGLE)
+#ifdef LUMVANE_APPLY_TETRAHEDRA_INL_H
+#undef LUMVANE_APPLY_TETRAHEDRA_INL_H
+#else
+#define LUMVANE_APPLY_TETRAHEDRA_INL_H
+#endif
+
+#include "apply/lattice_view.h"
+#include "apply/step_reciprocal.h"
+#include "apply/vector_types-inl.h"
+
+#if LUMVANE_HAVE_VECTORS
+
+HWY_BEFORE_NAMESPACE();
+namespace Lumvane {
+namespace HWY_NAMESPACE {
+
+// Floats from a lattice point to its neighbours along blue, green and red.
+constexpr int32_t kStrideZ = 3, kStrideY = kLatticeStride * kStrideZ, kStrideX = kLatticeStride * kStrideY;
+
+// What does not change along a row.
+struct Axes {
+  VF reciprocalHigh, reciprocalLow;  // StepReciprocal
+  VF top;                            // the index of the last point
+
+  explicit HWY_INLINE Axes(int32_t latticeSize) {
+    const StepReciprocal reciprocal(latticeSize);
+    reciprocalHigh = hn::Set(F(), reciprocal.high);
+    reciprocalLow = hn::Set(F(), reciprocal.low);
+    top = hn::Set(F(), static_cast<float>(latticeSize - 1));
+  }
+};
+
+// What a vector of pixels needs, in lanes i and in memory, from where the places are taken one by one.
+struct Tetrahedra {
+  // In floats from the first point of the lattice.
+  alignas(64) uint32_t p000[kLanes], pa[kLanes], pb[kLanes], p111[kLanes];
+  alignas(64) float w0[kLanes], wa[kLanes], wb[kLanes], w1[kLanes];
+};
+
+struct Coordinate {
+  VF cell, fraction;
+  VI toUpper;  // floats from the lower to the upper point of the cell; 0 at the last point
+};
+
+template <uint8_t byte>
+HWY_INLINE Coordinate locate(const Axes& axes, VU pixels, int32_t stride) {
+  alignas(16) static constexpr uint8_t kByte[16] = {byte,     0x80, 0x80, 0x80, byte + 4,  0x80, 0x80, 0x80,
+                                                    byte + 8, 0x80, 0x80, 0x80, byte + 12, 0x80, 0x80, 0x80};
+  const VF v = hn::ConvertTo(F(), hn::BitCast(I(), shuffled(pixels, kByte)));
+  const VF x = hn::Add(hn::Mul(v, axes.reciprocalHigh), hn::Mul(v, axes.reciprocalLow));
+  const VF cell = hn::Floor(x);
+  const auto inside = hn::RebindMask(I(), hn::Lt(cell, axes.top));
+  return {cell, hn::Sub(x, cell), hn::IfThenElseZero(inside, hn::Set(I(), stride))};
+}
+
+HWY_INLINE void findTetrahedra(const Axes& axes, VU pixels, Tetrahedra& out) {
+  const Coordinate r = locate<2>(axes, pixels, kStrideX);
+  const Coordinate g = locate<1>(axes, pixels, kStrideY);
+  const Coordinate b = locate<0>(axes, pixels, kStrideZ);
+
+  // Whole numbers below 2^23, exact in single precision: added to 2^23 they stand in the low bits of the sum.
+  const VF redGreen =
+      hn::Add(hn::Mul(r.cell, hn::Set(F(), float{kStrideX})), hn::Mul(g.cell, hn::Set(F(), float{kStrideY})));
+  const VF blue = hn::Add(hn::Mul(b.cell, hn::Set(F(), float{kStrideZ})), hn::Set(F(), 8388608.0f));
+  const VI p000 = hn::And(hn::BitCast(I(), hn::Add(redGreen, blue)), hn::Set(I(), 0x7FFFFF));
+  const VI p111 = hn::Add(p000, hn::Add(hn::Add(r.toUpper, g.toUpper), b.toUpper));
+
+  const auto rg = hn::RebindMask(I(), hn::Gt(r.fraction, g.fraction));
+  const auto rb = hn::RebindMask(I(), hn::Gt(r.fraction, b.fraction));
+  const auto gb = hn::RebindMask(I(), hn::Gt(g.fraction, b.fraction));
+  const auto bg = hn::RebindMask(I(), hn::Gt(b.fraction, g.fraction));
+  const auto br = hn::RebindMask(I(), hn::Gt(b.fraction, r.fraction));
+  const VI first =
+      hn::IfThenElse(rg, hn::IfThenElse(rb, r.toUpper, b.toUpper), hn::IfThenElse(bg, b.toUpper, g.toUpper));
+  const VI last =
+      hn::IfThenElse(rg, hn::IfThenElse(gb, b.toUpper, g.toUpper), hn::IfThenElse(br, r.toUpper, b.toUpper));
+
+  const VF low = hn::Min(r.fraction, g.fraction), high = hn::Max(r.fraction, g.fraction);
+  const VF smallest = hn::Min(low, b.fraction), largest = hn::Max(high, b.fraction);
+  const VF middle = hn::Max(low, hn::Min(high, b.fraction));
+
+  hn::Store(hn::BitCast(U(), p000), U(), out.p000);
+  hn::Store(hn::BitCast(U(), hn::Add(p000, first)), U(), out.pa);
+  hn::Store(hn::BitCast(U(), hn::Sub(p111, last)), U(), out.pb);
+  hn::Store(hn::BitCast(U(), p111), U(), out.p111);
+  hn::Store(hn::Sub(hn::Set(F(), 1.0f), largest), F(), out.w0);
+  hn::Store(hn::Sub(largest, middle), F(), out.wa);
+  hn::Store(hn::Sub(middle, smallest), F(), out.wb);
+  hn::Store(smallest, F(), out.w1);
+}
+
+}  // namespace HWY_NAMESPACE
+}  // namespace Lumvane
+HWY_AFTER_NAMESPACE();
+
+#endif  // LUMVANE_HAVE_VECTORS
+#endif  // include guard

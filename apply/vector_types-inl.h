@@ -1,0 +1,99 @@
+// The vectors of the grading kernels, and the few operations for which x86 has one instruction that means just what is
+// wanted, where portable code would take several.
+
+#if defined(LUMVANE_APPLY_VECTOR_TYPES_INL_H) == defined(HWY_TARGET_TOGGLE)
+#ifdef LUMVANE_APPLY_VECTOR_TYPES_INL_H
+#undef LUMVANE_APPLY_VECTOR_TYPES_INL_H
+#else
+#define LUMVANE_APPLY_VECTOR_TYPES_INL_H
+#endif
+
+#include <hwy/highway.h>
+
+#include <cstddef>
+#include <cstdint>
+
+// Where there are no vectors, or not those of x86, the plain forms serve.
+#undef LUMVANE_HAVE_VECTORS
+#if HWY_ARCH_X86 && HWY_TARGET != HWY_SCALAR && HWY_TARGET != HWY_EMU128
+#define LUMVANE_HAVE_VECTORS 1
+#else
+#define LUMVANE_HAVE_VECTORS 0
+#endif
+
+#if LUMVANE_HAVE_VECTORS
+
+HWY_BEFORE_NAMESPACE();
+namespace Lumvane {
+namespace HWY_NAMESPACE {
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+using F = hn::CappedTag<float, 16>;
+using I = hn::RebindToSigned<F>;
+using U = hn::RebindToUnsigned<F>;
+using Bytes = hn::Repartition<uint8_t, F>;
+using Words = hn::Repartition<uint16_t, F>;
+using VF = hn::Vec<F>;
+using VI = hn::Vec<I>;
+using VU = hn::Vec<U>;  // also BGRA pixels, byte 0 in the low bits
+
+constexpr size_t kLanes = hn::MaxLanes(F());
+
+HWY_INLINE VU loadPixels(const uint8_t* from) { return hn::BitCast(U(), hn::LoadU(Bytes(), from)); }
+HWY_INLINE void storePixels(VU pixels, uint8_t* to) { hn::StoreU(hn::BitCast(Bytes(), pixels), Bytes(), to); }
+
+// Bytes within each block of 16 in the given order; 0x80 makes a 0.
+HWY_INLINE VU shuffled(VU v, const uint8_t (&order)[16]) {
+  return hn::BitCast(U(), hn::TableLookupBytesOr0(hn::BitCast(Bytes(), v), hn::LoadDup128(Bytes(), order)));
+}
+
+// gatherPoints: four floats from each of base + places[0], base + places[4], ..., a block each.
+// toBytes: rounds to the nearest, ties to even, and holds to 0 to 255; what an int32_t cannot hold, and a NaN, gives 0.
+// Byte 4 * i + c of a block comes from lane c of that block of vector i.
+#if HWY_TARGET <= HWY_AVX3
+
+HWY_INLINE VF gatherPoints(const float* base, const uint32_t* places) {
+  __m512 v = _mm512_castps128_ps512(_mm_loadu_ps(base + places[0]));
+  v = _mm512_mask_broadcast_f32x4(v, 0x00F0, _mm_loadu_ps(base + places[4]));
+  v = _mm512_mask_broadcast_f32x4(v, 0x0F00, _mm_loadu_ps(base + places[8]));
+  return VF{_mm512_mask_broadcast_f32x4(v, 0xF000, _mm_loadu_ps(base + places[12]))};
+}
+
+HWY_INLINE VU toBytes(VF v0, VF v1, VF v2, VF v3) {
+  const __m512i low = _mm512_packs_epi32(_mm512_cvtps_epi32(v0.raw), _mm512_cvtps_epi32(v1.raw));
+  const __m512i high = _mm512_packs_epi32(_mm512_cvtps_epi32(v2.raw), _mm512_cvtps_epi32(v3.raw));
+  return VU{_mm512_packus_epi16(low, high)};
+}
+
+#elif HWY_TARGET == HWY_AVX2
+
+HWY_INLINE VF gatherPoints(const float* base, const uint32_t* places) {
+  const __m256 v = _mm256_castps128_ps256(_mm_loadu_ps(base + places[0]));
+  return VF{_mm256_insertf128_ps(v, _mm_loadu_ps(base + places[4]), 1)};
+}
+
+HWY_INLINE VU toBytes(VF v0, VF v1, VF v2, VF v3) {
+  const __m256i low = _mm256_packs_epi32(_mm256_cvtps_epi32(v0.raw), _mm256_cvtps_epi32(v1.raw));
+  const __m256i high = _mm256_packs_epi32(_mm256_cvtps_epi32(v2.raw), _mm256_cvtps_epi32(v3.raw));
+  return VU{_mm256_packus_epi16(low, high)};
+}
+
+#else
+
+HWY_INLINE VF gatherPoints(const float* base, const uint32_t* places) { return hn::LoadU(F(), base + places[0]); }
+
+HWY_INLINE VU toBytes(VF v0, VF v1, VF v2, VF v3) {
+  const __m128i low = _mm_packs_epi32(_mm_cvtps_epi32(v0.raw), _mm_cvtps_epi32(v1.raw));
+  const __m128i high = _mm_packs_epi32(_mm_cvtps_epi32(v2.raw), _mm_cvtps_epi32(v3.raw));
+  return VU{_mm_packus_epi16(low, high)};
+}
+
+#endif
+
+}  // namespace HWY_NAMESPACE
+}  // namespace Lumvane
+HWY_AFTER_NAMESPACE();
+
+#endif  // LUMVANE_HAVE_VECTORS
+#endif  // include guard
