@@ -2,7 +2,7 @@
 
 #include <opencv2/core/utility.hpp>
 
-#include "bench/frames.h"
+#include "bench/counters.h"
 #include "lumvane.h"
 
 namespace {

@@ -5,7 +5,7 @@
 #include <chrono>
 #include <opencv2/core/utility.hpp>
 
-#include "bench/frames.h"
+#include "bench/counters.h"
 #include "bench/lut_files.h"
 #include "lumvane.h"
 

@@ -6,7 +6,7 @@
 #include <opencv2/core/utility.hpp>
 #include <stdexcept>
 
-#include "bench/frames.h"
+#include "bench/counters.h"
 #include "bench/hdr_bench.h"
 #include "bench/lut_files.h"
 #include "lumvane.h"

@@ -1,6 +1,6 @@
 // Times of white balance, through the export of the shared object.
 
-#include "bench/frames.h"
+#include "bench/counters.h"
 #include "lumvane.h"
 
 namespace {
