@@ -44,4 +44,17 @@ class LutFile {
   std::filesystem::path path_;
 };
 
+/// The two files that HDR loads, with one look, in a folder of their own.
+class HdrLutFiles {
+ public:
+  explicit HdrLutFiles(int size) : hlg_(size, "HDR_HLG.cube") {
+    std::filesystem::copy_file(hlg_.path(), folder() / "HDR_PQ.cube");
+  }
+  std::filesystem::path folder() const { return hlg_.path().parent_path(); }
+  const std::filesystem::path& hlg() const { return hlg_.path(); }
+
+ private:
+  LutFile hlg_;
+};
+
 }  // namespace bench

@@ -6,5 +6,11 @@
 namespace bench {
 
 void lutCases(Report& report);
+void whiteBalanceCases(Report& report);
+void clarityCases(Report& report);
+void hdrCases(Report& report);
+void loadCases(Report& report);
+void firstCallCases(Report& report);
+void memoryCases(Report& report);
 
 }  // namespace bench

@@ -27,11 +27,7 @@ class Grading {
                                   src_.width, src_.height, 0, strength);
   }
   Side side(int strength, int threads) {
-    return {[this, strength] { run(strength); },
-            [this, strength, threads] {
-              cv::setNumThreads(threads);
-              run(strength);  // the new threads start
-            }};
+    return frames([this, strength] { run(strength); }, threads);
   }
   const Picture& src() const { return src_; }
   const Picture& dst() const { return dst_; }
@@ -51,7 +47,7 @@ void againstPeer(Report& report, const Case& what, Grading& ours, std::unique_pt
   // Ours rounds up, and to even bytes where the table has whole ones.
   const bool floats = theirs.format != "bgra";
   if (!report.agree(what, peer->name(), ours.dst(), floats ? fromFloatPlanes(theirs) : theirs, 1.0, 2)) return;
-  report.compare(what, ours.side(100, what.threads), {[&] { peer->run(); }}, peer->name());
+  report.compare(what, ours.side(100, what.threads), frames([&] { peer->run(); }), peer->name());
 }
 
 struct Limits {

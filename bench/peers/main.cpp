@@ -1,5 +1,10 @@
 // Times of the library side by side with those of other programs on the same frames, and with bars that it has to
-// reach: lumvane_peers [--repeats N] [--only REGEX] [--tsv FILE] [--smoke]
+// reach. Options:
+//   --repeats N     blocks of calls of each side, by default 15
+//   --only REGEX    the cases in whose names it is found
+//   --tsv FILE      the results in fields, too: see Report
+//   --commit TEXT   what was measured, for the results
+//   --smoke         small frames, once: whether everything runs, not how fast
 
 #include <algorithm>
 #include <cstdio>
@@ -9,13 +14,14 @@
 #include <string>
 
 #include "bench/peers/cases.h"
-#include "bench/peers/peer.h"
+#include "bench/peers/child.h"
+#include "bench/peers/facts.h"
 
 namespace {
 
 struct Arguments {
   bench::Settings settings;
-  std::string tsv;
+  std::string tsv, commit;
 };
 
 Arguments parsed(int argc, char** argv) {
@@ -32,12 +38,14 @@ Arguments parsed(int argc, char** argv) {
       out.settings.only = value();
     } else if (option == "--tsv") {
       out.tsv = value();
+    } else if (option == "--commit") {
+      out.commit = value();
     } else if (option == "--smoke") {
       out.settings.smoke = true;
       out.settings.repeats = 1;
       out.settings.blockMs = 0.0;
     } else {
-      throw std::runtime_error("usage: lumvane_peers [--repeats N] [--only REGEX] [--tsv FILE] [--smoke]");
+      throw std::runtime_error("unknown option " + option);
     }
   }
   return out;
@@ -45,7 +53,11 @@ Arguments parsed(int argc, char** argv) {
 
 void run(const Arguments& arguments) {
   bench::Report report(arguments.settings, arguments.tsv);
-  bench::lutCases(report);
+  bench::stateFacts(report, arguments.commit);
+  for (const auto cases : {bench::lutCases, bench::whiteBalanceCases, bench::clarityCases, bench::hdrCases,
+                           bench::loadCases, bench::firstCallCases, bench::memoryCases}) {
+    cases(report);
+  }
   if (report.refusals() > 0) throw std::runtime_error("results that differ were not timed");
 }
 
@@ -53,6 +65,10 @@ void run(const Arguments& arguments) {
 
 int main(int argc, char** argv) {
   try {
+    if (argc > 2 && std::string(argv[1]) == "--child") {
+      bench::childWork({argv + 2, argv + argc});
+      return EXIT_SUCCESS;
+    }
     run(parsed(argc, argv));
   } catch (const std::exception& error) {
     std::fprintf(stderr, "lumvane_peers: %s\n", error.what());

@@ -38,6 +38,29 @@ Picture fromFloatPlanes(const Picture& floats) {
   return out;
 }
 
+Picture toYuv420(const Picture& bgra) {
+  const int width = bgra.width, height = bgra.height;
+  const size_t chromaWidth = (width + 1) / 2, chromaBytes = chromaWidth * ((height + 1) / 2);
+  std::vector<uint8_t> luma(size_t{1} * width * height);
+  std::vector<float> cb(chromaBytes), cr(chromaBytes), count(chromaBytes);
+  for (size_t i = 0; i < luma.size(); ++i) {
+    const uint8_t* pixel = &bgra.planes[0][4 * i];
+    const float blue = pixel[0] / 255.0f, red = pixel[2] / 255.0f;
+    const float y = 0.2627f * red + 0.6780f * (pixel[1] / 255.0f) + 0.0593f * blue;
+    luma[i] = static_cast<uint8_t>(std::lround(16.0f + 219.0f * y));
+    const size_t place = i / width / 2 * chromaWidth + i % width / 2;
+    cb[place] += (blue - y) / 1.8814f;
+    cr[place] += (red - y) / 1.4746f;
+    count[place] += 1.0f;
+  }
+  Picture out = {"yuv420p", width, height, {luma, {}, {}}};
+  for (size_t i = 0; i < chromaBytes; ++i) {
+    out.planes[1].push_back(static_cast<uint8_t>(std::lround(128.0f + 224.0f * cb[i] / count[i])));
+    out.planes[2].push_back(static_cast<uint8_t>(std::lround(128.0f + 224.0f * cr[i] / count[i])));
+  }
+  return out;
+}
+
 Difference differenceOf(const Picture& a, const Picture& b) {
   Difference out;
   size_t bytes = 0;

@@ -18,6 +18,9 @@ struct Picture {
 Picture toFloatPlanes(const Picture& bgra);
 Picture fromFloatPlanes(const Picture& floats);
 
+/// From BGRA pixels: Y, Cb and Cr of limited range by the matrix of BT.2020, chroma the mean of four pixels.
+Picture toYuv420(const Picture& bgra);
+
 /// How far the bytes of two pictures of one shape are apart, over all planes.
 struct Difference {
   double mean = 0.0;

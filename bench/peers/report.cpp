@@ -55,7 +55,7 @@ void Report::add(const Case& what, const Timing& ours, const Timing& other, cons
     bar = number(*limit);
     met = (kind == Bar::timesAsFast ? value >= *limit : value <= *limit) ? "met" : "missed";
   }
-  std::printf("%-64s %s%s  other %s  %6.2f %s%s  (%s)\n", titleOf(what).c_str(), milliseconds(ours).c_str(),
+  std::printf("%-64s %s%s  peer %s  %6.2f %s%s  (%s)\n", titleOf(what).c_str(), milliseconds(ours).c_str(),
               speed.empty() ? "" : (" " + speed + " Mpx/s").c_str(), milliseconds(other).c_str(), value, kUnits[kind],
               !met.empty() ? (", bar " + bar + " " + met).c_str() : "", otherName.c_str());
   std::fflush(stdout);
@@ -63,6 +63,11 @@ void Report::add(const Case& what, const Timing& ours, const Timing& other, cons
         << number(ours.spread) << '\t' << speed << '\t' << otherName << '\t' << number(other.milliseconds) << '\t'
         << number(other.spread) << '\t' << kKeys[kind] << '\t' << number(value) << '\t' << bar << '\t' << met << '\n';
   file_.flush();
+}
+
+void Report::memory(const std::string& effect, const std::string& size, double megabytes) {
+  std::printf("memory of %s, one %s frame: %.1f MB\n", effect.c_str(), size.c_str(), megabytes);
+  file_ << "memory\t" << effect << '\t' << size << '\t' << number(megabytes) << '\n';
 }
 
 void Report::missing(const Case& what, const std::string& why) {
@@ -73,10 +78,15 @@ bool Report::agree(const Case& what, const std::string& otherName, const Picture
                    double mean, int most) {
   const Difference difference = differenceOf(ours, other);
   if (difference.mean <= mean && difference.most <= most) return true;
-  std::printf("%-64s refused: mean difference %.3f, largest %d (%s)\n", titleOf(what).c_str(), difference.mean,
-              difference.most, otherName.c_str());
-  ++refusals_;
+  char why[128];
+  std::snprintf(why, sizeof why, "mean difference %.3f, largest %d", difference.mean, difference.most);
+  refuse(what, why + (" from " + otherName));
   return false;
+}
+
+void Report::refuse(const Case& what, const std::string& why) {
+  std::printf("%-64s refused: %s\n", titleOf(what).c_str(), why.c_str());
+  ++refusals_;
 }
 
 }  // namespace bench

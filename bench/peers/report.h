@@ -48,10 +48,12 @@ class Report {
   /// Times the two sides and adds what comes of it.
   void compare(const Case& what, const Side& ours, const Side& other, const std::string& otherName);
   void add(const Case& what, const Timing& ours, const Timing& other, const std::string& otherName);
+  void memory(const std::string& effect, const std::string& size, double megabytes);
   void missing(const Case& what, const std::string& why);
   /// Whether two results are the same but for roundings; if not, the case is refused.
   bool agree(const Case& what, const std::string& otherName, const Picture& ours, const Picture& other, double mean,
              int most);
+  void refuse(const Case& what, const std::string& why);
   int refusals() const { return refusals_; }
 
  private:

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
+#include <opencv2/core/utility.hpp>
 
 namespace bench {
 namespace {
@@ -17,7 +18,9 @@ double blockOf(const Side& side, int calls) {
 
 int callsPerBlock(const Side& side, double blockMs) {
   blockOf(side, 1);  // takes its memory and fills its tables
-  return std::clamp(static_cast<int>(std::ceil(blockMs / std::max(blockOf(side, 1), 1e-3))), 1, 1000);
+  if (side.prepareEachCall) return 1;
+  const double calls = blockMs / std::max(blockOf(side, 1), 1e-3);
+  return std::clamp(static_cast<int>(std::ceil(calls)), 1, 1000);
 }
 
 // Between the values left and right of the place, in proportion.
@@ -29,6 +32,13 @@ double quantile(const std::vector<double>& sorted, double part) {
 }
 
 }  // namespace
+
+Side frames(const std::function<void()>& run, int threads) {
+  return {run, [run, threads] {
+            cv::setNumThreads(threads);
+            run();
+          }};
+}
 
 Timing summary(std::vector<double> milliseconds) {
   if (milliseconds.empty()) return {};

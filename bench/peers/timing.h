@@ -6,11 +6,15 @@
 
 namespace bench {
 
-/// One of the two. `prepare`, where there is one, runs untimed before each block of calls.
+/// One of the two. `prepare`, where there is one, runs untimed before each block of calls, or before each call.
 struct Side {
   std::function<void()> run;
   std::function<void()> prepare = {};
+  bool prepareEachCall = false;
 };
+
+/// Work on frames with this number of OpenCV's threads. A call ahead of each block wakes them and fills the caches.
+Side frames(const std::function<void()>& run, int threads = 1);
 
 /// Of one call: the median over the repeats, and half the distance between their quartiles.
 struct Timing {
