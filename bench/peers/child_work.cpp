@@ -16,6 +16,12 @@ namespace {
 
 std::u16string utf16(const std::string& path) { return std::filesystem::path(path).u16string(); }
 
+void* loadedLut(const std::string& path, int width, int height) {
+  void* effect = Create3DLutColorAdjustEffect(utf16(path).c_str(), width, height);
+  if (effect == nullptr) throw std::runtime_error("cannot load " + path);
+  return effect;
+}
+
 /// A host's two frames, both in memory for good.
 struct Frames {
   int width, height;
@@ -26,7 +32,7 @@ struct Frames {
 };
 
 void lut(Frames& f, const std::string& folder) {
-  void* effect = Create3DLutColorAdjustEffect(utf16(folder + "/HDR_HLG.cube").c_str(), f.width, f.height);
+  void* effect = loadedLut(folder + "/HDR_HLG.cube", f.width, f.height);
   Lut3DColorAdjustEffectProcess(effect, f.dst.data(), f.width, f.height, 0, f.src.data(), 0, 0, 0, 100);
   Destory3DLutColorAdjustEffect(effect);
 }
@@ -63,16 +69,16 @@ double peakMegabytes() {
 
 void memory(const std::string& effect, int width, int height, const std::string& folder) {
   Frames frames(width, height);
-  if (effect == "lut") lut(frames, folder);
+  if (effect == "LUT") lut(frames, folder);
   if (effect == "clarity") clarity(frames, folder);
   if (effect == "white balance") whiteBalance(frames, folder);
-  if (effect == "hdr") hdr(frames, folder);
+  if (effect == "HDR") hdr(frames, folder);
   std::printf("%.3f\n", peakMegabytes());
 }
 
 // The first frame, and the median of the next ones.
 void firstFrame(const std::string& path, int width, int height) {
-  void* effect = Create3DLutColorAdjustEffect(utf16(path).c_str(), width, height);
+  void* effect = loadedLut(path, width, height);
   const std::vector<uint8_t> src = photoLikeFrame(width, height);
   std::vector<uint8_t> dst(src.size());
   const auto frame = [&] {

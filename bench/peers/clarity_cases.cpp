@@ -23,7 +23,7 @@ void againstUnsharp(Report& report, const Case& what, const Picture& src, const 
   if (!peer) return report.missing(what, "FFmpeg is not installed");
   peer->run();
   Picture chroma = yuv, theirChroma = peer->output();
-  if (differenceOf(yuv, theirChroma).mean < 0.1) return report.refuse(what, "the peer leaves the luma as it is");
+  if (differenceOf(yuv, theirChroma).mean < 0.1) return report.refuse(peer->name() + ": leaves the luma as it is");
   chroma.planes.erase(chroma.planes.begin());
   theirChroma.planes.erase(theirChroma.planes.begin());
   if (!report.agree(what, peer->name(), chroma, theirChroma, 0.0, 0)) return;

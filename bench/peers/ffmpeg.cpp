@@ -27,7 +27,7 @@ struct Free {
 template <class T>
 using Owned = std::unique_ptr<T, Free>;
 
-// All filters between the two ends of a graph: parsing takes the list over and gives back what stays unconnected.
+// An end of the graph that the chain's text leaves open, under the name by which FFmpeg joins it to a filter.
 Owned<AVFilterInOut> endOf(const char* name, AVFilterContext* filter) {
   Owned<AVFilterInOut> end(avfilter_inout_alloc());
   *end = {av_strdup(name), filter, 0, nullptr};
@@ -54,10 +54,11 @@ class Filters : public Peer {
     check(
         avfilter_graph_create_filter(&sink_, avfilter_get_by_name("buffersink"), "out", nullptr, nullptr, graph_.get()),
         "buffersink");
-    AVFilterInOut* open = endOf("out", sink_).release();
+    // The parser takes both ends over and gives back what it could not join.
+    AVFilterInOut* inputs = endOf("out", sink_).release();
     AVFilterInOut* outputs = endOf("in", source_).release();
-    const int parsed = avfilter_graph_parse_ptr(graph_.get(), chain.c_str(), &open, &outputs, nullptr);
-    Owned<AVFilterInOut> left(open), leftOutputs(outputs);
+    const int parsed = avfilter_graph_parse_ptr(graph_.get(), chain.c_str(), &inputs, &outputs, nullptr);
+    const Owned<AVFilterInOut> inputsLeft(inputs), outputsLeft(outputs);
     check(parsed, chain);
     check(avfilter_graph_config(graph_.get(), nullptr), chain);
     fill(src);

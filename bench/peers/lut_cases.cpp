@@ -1,6 +1,7 @@
 // LUT grading against others' tetrahedral interpolation of the same file, and against itself.
 
 #include <opencv2/core/utility.hpp>
+#include <stdexcept>
 
 #include "bench/frames.h"
 #include "bench/lut_files.h"
@@ -17,7 +18,9 @@ class Grading {
   Grading(const LutFile& file, Picture src)
       : effect_(Create3DLutColorAdjustEffect(file.path().u16string().c_str(), src.width, src.height)),
         src_(std::move(src)),
-        dst_(src_) {}
+        dst_(src_) {
+    if (effect_ == nullptr) throw std::runtime_error("cannot load " + file.path().string());
+  }
   ~Grading() { Destory3DLutColorAdjustEffect(effect_); }
   Grading(const Grading&) = delete;
   Grading& operator=(const Grading&) = delete;

@@ -16,7 +16,7 @@ std::string openColorIoLoadName() {
 }
 
 void firstFrame(Report& report, const LutFile& file, int threads) {
-  const Case what = {"first lut3d 1080p frame of a process: later ones", threads, 0.0, {Bar::moreTime, 20.0}};
+  const Case what = {"first lut3d 1080p frame of a process: a later one", threads, 0.0, {Bar::moreTime, 20.0}};
   if (!report.wants(what.name)) return;
   const bool smoke = report.settings.smoke;
   std::vector<double> first, later;
@@ -26,7 +26,7 @@ void firstFrame(Report& report, const LutFile& file, int threads) {
     first.push_back(times.at(0));
     later.push_back(times.at(1));
   }
-  report.add(what, summary(first), summary(later), "a later frame");
+  report.add(what, summary(first), summary(later), "a later one");
 }
 
 void firstHdrCreate(Report& report, const HdrLutFiles& files, int threads) {
@@ -86,7 +86,7 @@ void memoryCases(Report& report) {
           .at(0);
     };
     const double nothing = peak("nothing");
-    for (const char* effect : {"lut", "clarity", "white balance", "hdr"}) {
+    for (const char* effect : {"LUT", "clarity", "white balance", "HDR"}) {
       report.memory(effect, size.name, peak(effect) - nothing);
     }
   }

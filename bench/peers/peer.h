@@ -18,9 +18,10 @@ class Peer {
   virtual std::string name() const = 0;  ///< library, version, options
 };
 
-/// Null where a library or something that the work needs of it is missing; throws std::runtime_error where the library
-/// is there and refuses.
-/// FFmpeg's filters, as its command line takes them; each sliced over `threads`.
+// Both give null where the library, or something that the work needs of it, is missing, and throw std::runtime_error
+// where the library is there and refuses.
+
+/// FFmpeg's filters, as its command line takes them, each sliced over `threads`.
 std::unique_ptr<Peer> ffmpegFilters(const std::string& chain, const Picture& src, int threads);
 /// OpenColorIO's processor for a LUT file and BGRA pixels, on the calling thread.
 std::unique_ptr<Peer> openColorIo(const std::filesystem::path& lut, const Picture& src);

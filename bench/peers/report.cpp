@@ -1,5 +1,7 @@
 #include "bench/peers/report.h"
 
+#include <fnmatch.h>
+
 #include <cstdio>
 #include <stdexcept>
 
@@ -27,10 +29,14 @@ std::string milliseconds(const Timing& timing) {
 
 }  // namespace
 
-Report::Report(const Settings& given, const std::string& file) : settings(given), only_(given.only) {
+Report::Report(const Settings& given, const std::string& file) : settings(given) {
   if (file.empty()) return;
   file_.open(file);
   if (!file_) throw std::runtime_error("cannot write '" + file + "'");
+}
+
+bool Report::wants(const std::string& name) const {
+  return fnmatch(("*" + settings.only + "*").c_str(), name.c_str(), 0) == 0;
 }
 
 void Report::fact(const std::string& name, const std::string& value) {
@@ -55,7 +61,7 @@ void Report::add(const Case& what, const Timing& ours, const Timing& other, cons
     bar = number(*limit);
     met = (kind == Bar::timesAsFast ? value >= *limit : value <= *limit) ? "met" : "missed";
   }
-  std::printf("%-64s %s%s  peer %s  %6.2f %s%s  (%s)\n", titleOf(what).c_str(), milliseconds(ours).c_str(),
+  std::printf("%-70s %s%s  peer %s  %6.2f %s%s  (%s)\n", titleOf(what).c_str(), milliseconds(ours).c_str(),
               speed.empty() ? "" : (" " + speed + " Mpx/s").c_str(), milliseconds(other).c_str(), value, kUnits[kind],
               !met.empty() ? (", bar " + bar + " " + met).c_str() : "", otherName.c_str());
   std::fflush(stdout);
@@ -71,7 +77,7 @@ void Report::memory(const std::string& effect, const std::string& size, double m
 }
 
 void Report::missing(const Case& what, const std::string& why) {
-  if (wants(what.name)) std::printf("%-64s not measured: %s\n", titleOf(what).c_str(), why.c_str());
+  if (wants(what.name)) std::printf("%-70s not measured: %s\n", titleOf(what).c_str(), why.c_str());
 }
 
 bool Report::agree(const Case& what, const std::string& otherName, const Picture& ours, const Picture& other,
@@ -80,12 +86,12 @@ bool Report::agree(const Case& what, const std::string& otherName, const Picture
   if (difference.mean <= mean && difference.most <= most) return true;
   char why[128];
   std::snprintf(why, sizeof why, "mean difference %.3f, largest %d", difference.mean, difference.most);
-  refuse(what, why + (" from " + otherName));
+  refuse(titleOf(what) + ": " + why + " from " + otherName);
   return false;
 }
 
-void Report::refuse(const Case& what, const std::string& why) {
-  std::printf("%-64s refused: %s\n", titleOf(what).c_str(), why.c_str());
+void Report::refuse(const std::string& why) {
+  std::printf("refused: %s\n", why.c_str());
   ++refusals_;
 }
 
