@@ -1,5 +1,7 @@
 #include "bench/peers/facts.h"
 
+#include <cstdio>
+#include <cstdlib>
 #include <fstream>
 #include <opencv2/core/utility.hpp>
 #include <opencv2/core/version.hpp>
@@ -31,6 +33,12 @@ void stateFacts(Report& report, const std::string& commit) {
   report.fact("OpenCV", CV_VERSION);
   report.fact("FFmpeg", orAbsent(ffmpegVersion()));
   report.fact("OpenColorIO", orAbsent(openColorIoVersion()));
+  // Where others are busy, two threads of ours may have to share one core.
+  if (double load; getloadavg(&load, 1) == 1) {
+    char text[32];
+    std::snprintf(text, sizeof text, "%.2f", load);
+    report.fact("Load before the run", text);
+  }
   if (!commit.empty()) report.fact("Commit", commit);
 }
 

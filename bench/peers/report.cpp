@@ -66,8 +66,9 @@ void Report::add(const Case& what, const Timing& ours, const Timing& other, cons
               !met.empty() ? (", bar " + bar + " " + met).c_str() : "", otherName.c_str());
   std::fflush(stdout);
   file_ << "case\t" << what.name << '\t' << what.threads << '\t' << number(ours.milliseconds) << '\t'
-        << number(ours.spread) << '\t' << speed << '\t' << otherName << '\t' << number(other.milliseconds) << '\t'
-        << number(other.spread) << '\t' << kKeys[kind] << '\t' << number(value) << '\t' << bar << '\t' << met << '\n';
+        << number(ours.spread, "%.2g") << '\t' << speed << '\t' << otherName << '\t' << number(other.milliseconds)
+        << '\t' << number(other.spread, "%.2g") << '\t' << kKeys[kind] << '\t' << number(value) << '\t' << bar << '\t'
+        << met << '\n';
   file_.flush();
 }
 
