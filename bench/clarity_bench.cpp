@@ -2,29 +2,22 @@
 
 #include <opencv2/core/utility.hpp>
 
-#include "bench/frames.h"
+#include "bench/counters.h"
 #include "lumvane.h"
 
 namespace {
 
 void clarityFrame(benchmark::State& state) {
-  cv::setNumThreads(static_cast<int>(state.range(0)));
-  void* effect = CreateNLEPureCClarity(bench::kWidth, bench::kHeight, 0, 20, 70);
-  const std::vector<uint8_t> src = bench::photoLikeFrame();
+  const auto [width, height] = bench::sizeOfHeight(state.range(0));
+  cv::setNumThreads(static_cast<int>(state.range(1)));
+  void* effect = CreateNLEPureCClarity(width, height, 0, 20, 70);
+  const std::vector<uint8_t>& src = bench::frameOf(bench::FrameKind::photo, width, height);
   std::vector<uint8_t> dst(src.size());
-  for (auto _ : state) {
-    NLEPureCClarityProcess(effect, dst.data(), bench::kWidth, bench::kHeight, 0, src.data(), 0, 0, 0);
-  }
+  for (auto _ : state) NLEPureCClarityProcess(effect, dst.data(), width, height, 0, src.data(), 0, 0, 0);
   DestoryNLEPureCClarity(effect);
-  bench::countPixels(state);
+  bench::countPixels(state, width, height);
 }
 
-BENCHMARK(clarityFrame)
-    ->Name("clarity/1080p")
-    ->ArgName("threads")
-    ->Arg(1)
-    ->Arg(2)
-    ->UseRealTime()
-    ->Unit(benchmark::kMillisecond);
+BENCHMARK(clarityFrame)->Name("clarity")->Apply(bench::everySizeAndThreads);
 
 }  // namespace

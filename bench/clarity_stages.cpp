@@ -2,7 +2,7 @@
 
 #include <opencv2/core.hpp>
 
-#include "bench/frames.h"
+#include "bench/counters.h"
 #include "clarity/clarity_passes.h"
 #include "clarity/clarity_pyramid.h"
 

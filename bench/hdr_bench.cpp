@@ -1,56 +1,35 @@
 // Times of HDR to BT.709, through the exports of the shared object.
 
-#include "bench/hdr_bench.h"
-
-#include <chrono>
 #include <opencv2/core/utility.hpp>
 
-#include "bench/frames.h"
+#include "bench/counters.h"
 #include "bench/lut_files.h"
 #include "lumvane.h"
 
-namespace bench {
 namespace {
 
-constexpr int kChromaWidth = kWidth / 2;
-constexpr size_t kLumaBytes = size_t{kWidth} * kHeight;
+// The first object of the process loads the files; the later ones take any directory.
+void* create(int width, int height) {
+  static const bench::HdrLutFiles luts(65);
+  return CreateVideoAdjustColor(luts.folder().u16string().c_str(), 0, 1, 0, width, height);
+}
 
 void hdrFrame(benchmark::State& state) {
-  cv::setNumThreads(static_cast<int>(state.range(0)));
-  void* effect = CreateVideoAdjustColor(u"loaded already", 0, 1, 0, kWidth, kHeight);
-  const std::vector<uint8_t> src = photoLikeFrame();  // more than the bytes of three planes
+  const auto [width, height] = bench::sizeOfHeight(state.range(0));
+  cv::setNumThreads(static_cast<int>(state.range(1)));
+  void* effect = create(width, height);
+  const std::vector<uint8_t>& src = bench::frameOf(bench::FrameKind::photo, width, height);
   std::vector<uint8_t> dst(src.size());
-  const auto plane = [](auto* frame, int number) {
-    return frame + kLumaBytes * (number > 0) + kLumaBytes / 4 * (number > 1);
-  };
+  // The planes lie in the first bytes of frames that are larger.
+  const size_t v = size_t{1} * width * height, u = v + v / 4;
   for (auto _ : state) {
-    VideoAdjustColorProcess(effect, plane(src.data(), 0), plane(src.data(), 1), plane(src.data(), 2), kWidth,
-                            kChromaWidth, kChromaWidth, 0, 0, plane(dst.data(), 0), plane(dst.data(), 1),
-                            plane(dst.data(), 2));
+    VideoAdjustColorProcess(effect, &src[0], &src[v], &src[u], width, width / 2, width / 2, 0, 0, &dst[0], &dst[v],
+                            &dst[u]);
   }
   DestroyVideoAdjustColor(effect);
-  countPixels(state);
+  bench::countPixels(state, width, height);
 }
 
-BENCHMARK(hdrFrame)
-    ->Name("hdr/1080p")
-    ->ArgName("threads")
-    ->Arg(1)
-    ->Arg(2)
-    ->UseRealTime()
-    ->Unit(benchmark::kMillisecond);
+BENCHMARK(hdrFrame)->Name("hdr")->Apply(bench::everySizeAndThreads);
 
 }  // namespace
-
-double millisecondsOfFirstHdrCreate() {
-  const LutFile hlg(65, "HDR_HLG.cube");
-  const std::filesystem::path folder = hlg.path().parent_path();
-  std::filesystem::copy_file(hlg.path(), folder / "HDR_PQ.cube");
-  const auto start = std::chrono::steady_clock::now();
-  void* effect = CreateVideoAdjustColor(folder.u16string().c_str(), 0, 1, 0, kWidth, kHeight);
-  const std::chrono::duration<double, std::milli> time = std::chrono::steady_clock::now() - start;
-  DestroyVideoAdjustColor(effect);
-  return time.count();
-}
-
-}  // namespace bench

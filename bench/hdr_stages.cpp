@@ -4,7 +4,7 @@
 #include <opencv2/core.hpp>
 
 #include "apply/row_kernels.h"
-#include "bench/frames.h"
+#include "bench/counters.h"
 #include "hdr/yv12_conversions.h"
 
 namespace {

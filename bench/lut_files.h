@@ -3,26 +3,32 @@
 
 #include <unistd.h>
 
+#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <string>
 
 namespace bench {
 
-/// A .cube file of the given size with a plain contrast curve, in a temporary folder of its own, gone with the object.
+/// A .cube file of the given size in a temporary folder of its own, gone with the object. The look is smooth, so that
+/// programs with different arithmetic agree on it, and differs in its three channels, so that swapped ones show: a
+/// contrast curve, less or more of it by channel, with some of the next channel mixed in.
 class LutFile {
  public:
   explicit LutFile(int size, const std::string& name = "bench.cube") : path_(folder_ / name) {
     std::filesystem::create_directories(folder_);
     std::ofstream out(path_);
     out << "LUT_3D_SIZE " << size << '\n';
-    const auto value = [size](int i) {
-      const double x = static_cast<double>(i) / (size - 1);
-      return std::to_string(x * x * (3.0 - 2.0 * x));
-    };
+    const double step = 1.0 / (size - 1);
+    const auto curve = [](double x, double amount) { return x + amount * (x * x * (3.0 - 2.0 * x) - x); };
+    char row[64];
     for (int blue = 0; blue < size; ++blue) {
       for (int green = 0; green < size; ++green) {
-        for (int red = 0; red < size; ++red) out << value(red) << ' ' << value(green) << ' ' << value(blue) << '\n';
+        for (int red = 0; red < size; ++red) {
+          const double r = curve(red * step, 1.0), g = curve(green * step, 0.5), b = curve(blue * step, 0.0);
+          std::snprintf(row, sizeof row, "%.6f %.6f %.6f\n", 0.9 * r + 0.1 * g, 0.9 * g + 0.1 * b, 0.8 * b + 0.2 * r);
+          out << row;
+        }
       }
     }
   }
@@ -36,6 +42,19 @@ class LutFile {
   std::filesystem::path folder_ = std::filesystem::temp_directory_path() /
                                   ("lumvane_bench_" + std::to_string(getpid()) + "_" + std::to_string(count_++));
   std::filesystem::path path_;
+};
+
+/// The two files that HDR loads, with one look, in a folder of their own.
+class HdrLutFiles {
+ public:
+  explicit HdrLutFiles(int size) : hlg_(size, "HDR_HLG.cube") {
+    std::filesystem::copy_file(hlg_.path(), folder() / "HDR_PQ.cube");
+  }
+  std::filesystem::path folder() const { return hlg_.path().parent_path(); }
+  const std::filesystem::path& hlg() const { return hlg_.path(); }
+
+ private:
+  LutFile hlg_;
 };
 
 }  // namespace bench

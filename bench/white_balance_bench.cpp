@@ -1,19 +1,23 @@
 // Times of white balance, through the export of the shared object.
 
-#include "bench/frames.h"
+#include <opencv2/core/utility.hpp>
+
+#include "bench/counters.h"
 #include "lumvane.h"
 
 namespace {
 
 void whiteBalanceFrame(benchmark::State& state) {
-  const std::vector<uint8_t> src = bench::photoLikeFrame();
+  const auto [width, height] = bench::sizeOfHeight(state.range(0));
+  cv::setNumThreads(static_cast<int>(state.range(1)));
+  const std::vector<uint8_t>& src = bench::frameOf(bench::FrameKind::photo, width, height);
   std::vector<uint8_t> dst(src.size());
   for (auto _ : state) {
-    WhiteBalanceFun(src.data(), dst.data(), 0.0f, 0.0f, 0.0f, 0.2f, -0.05f, bench::kWidth, bench::kHeight);
+    WhiteBalanceFun(src.data(), dst.data(), 0.0f, 0.0f, 0.0f, 0.2f, -0.05f, width, height);
   }
-  bench::countPixels(state);
+  bench::countPixels(state, width, height);
 }
 
-BENCHMARK(whiteBalanceFrame)->Name("whitebalance/1080p")->Unit(benchmark::kMillisecond);
+BENCHMARK(whiteBalanceFrame)->Name("whitebalance")->Apply(bench::everySizeAndThreads);
 
 }  // namespace

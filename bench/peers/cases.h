@@ -1,0 +1,16 @@
+// What is compared, by effect.
+#pragma once
+
+#include "bench/peers/report.h"
+
+namespace bench {
+
+void lutCases(Report& report);
+void whiteBalanceCases(Report& report);
+void clarityCases(Report& report);
+void hdrCases(Report& report);
+void loadCases(Report& report);
+void firstCallCases(Report& report);
+void memoryCases(Report& report);
+
+}  // namespace bench

@@ -1,0 +1,79 @@
+#include "bench/peers/plain_clarity.h"
+
+#include <opencv2/core.hpp>
+#include <opencv2/imgproc.hpp>
+#include <vector>
+
+#include "clarity/clarity_rows.h"
+
+namespace bench {
+namespace {
+
+namespace plain = Lumvane::plain;
+
+// As the effect has them.
+constexpr int kLevels = 8;
+constexpr float kCoefficient = 22.222221f;
+constexpr float kGain = 0.55f;
+constexpr float kPercent = 0.01f;
+constexpr float kSaturationSpan = 0.15f;
+
+cv::Mat up(const cv::Mat& coarse, cv::Size size) {
+  cv::Mat out;
+  cv::pyrUp(coarse, out, size, cv::BORDER_REFLECT_101);
+  return out;
+}
+
+cv::Mat details(const cv::Mat& fine, const cv::Mat& coarse) {
+  const cv::Mat brought = up(coarse, fine.size());
+  cv::Mat out(fine.size(), fine.type());
+  for (int y = 0; y < fine.rows; ++y) {
+    plain::detailRow(fine.ptr<float>(y), brought.ptr<float>(y), kCoefficient, kGain, out.ptr<float>(y),
+                     static_cast<size_t>(fine.cols));
+  }
+  return out;
+}
+
+cv::Mat enhanced(const cv::Mat& value) {
+  std::vector<cv::Mat> gaussian = {value};
+  std::vector<cv::Mat> detail;
+  for (int i = 1; i < kLevels; ++i) {
+    cv::Mat coarse;
+    cv::pyrDown(gaussian.back(), coarse, cv::Size(), cv::BORDER_REFLECT_101);
+    gaussian.push_back(coarse);
+  }
+  for (int i = 0; i + 1 < kLevels; ++i) detail.push_back(details(gaussian[i], gaussian[i + 1]));
+  cv::Mat current = gaussian.back();
+  for (int i = kLevels - 1; i-- > 0;) current = up(current, gaussian[i].size()) + detail[i];
+  return current;
+}
+
+void clampToUnit(cv::Mat& plane) {
+  cv::min(plane, 1.0, plane);
+  cv::max(plane, 0.0, plane);
+}
+
+}  // namespace
+
+void plainClarity(const uint8_t* src, uint8_t* dst, int width, int height, int saturation, int intensity) {
+  cv::Mat planes[3];
+  for (cv::Mat& plane : planes) plane.create(height, width, CV_32FC1);
+  const auto pixels = static_cast<size_t>(width);
+  const float factor = static_cast<float>(saturation) * kPercent * kSaturationSpan + 1.0f;
+  for (int y = 0; y < height; ++y) {
+    plain::analysisRow(src + 4 * pixels * y, factor, planes[0].ptr<float>(y), planes[1].ptr<float>(y),
+                       planes[2].ptr<float>(y), pixels);
+  }
+  cv::Mat raised = enhanced(planes[2]);
+  clampToUnit(raised);
+  const float amount = static_cast<float>(intensity) * kPercent;
+  cv::Mat blended;
+  cv::addWeighted(planes[2], 1.0f - amount, raised, amount, 0.0, blended, -1);
+  clampToUnit(blended);
+  for (int y = 0; y < height; ++y) {
+    plain::synthesisRow(planes[0].ptr<float>(y), planes[1].ptr<float>(y), blended.ptr<float>(y), src + 4 * pixels * y,
+                        dst + 4 * pixels * y, pixels);
+  }
+}
+
+}  // namespace bench
