@@ -5,7 +5,6 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "apply/hdr_lattice.h"
 #include "apply/lattice_view.h"
 
 namespace Lumvane::plain {
@@ -22,13 +21,5 @@ void gradeRowToPlane(const LatticeView& lattice, const uint8_t* src, uint8_t* ds
 /// Replaces each byte d of dst by mix[s][d][t], s being the byte of src at the same place and t from 0 to 255 its
 /// weight.
 void fadeRow(const uint8_t (*mix)[256][265], int32_t t, const uint8_t* src, uint8_t* dst, size_t pixels);
-
-/// What an HDR LUT makes of one colour: components red, green, blue of tetrahedralLookup through truncToByte.
-RGB8 hdrColour(const HdrLatticeView& lattice, uint8_t r, uint8_t g, uint8_t b);
-
-/// Maps BGRA pixels through an HDR lattice, by hdrColour, or through the cache of its results. Byte 3 is copied. dst
-/// may be src.
-void hdrLatticeRow(const HdrLatticeView& lattice, const uint8_t* src, uint8_t* dst, size_t pixels);
-void hdrCacheRow(const RGB8* cache, const uint8_t* src, uint8_t* dst, size_t pixels);
 
 }  // namespace Lumvane::plain

@@ -3,7 +3,7 @@
 
 #include <opencv2/core.hpp>
 
-#include "apply/row_kernels.h"
+#include "apply/hdr_kernels.h"
 #include "bench/frames.h"
 #include "hdr/yv12_conversions.h"
 
@@ -29,7 +29,7 @@ void mapping(benchmark::State& state) {
   std::vector<Lumvane::RGB8> cache(size_t{1} << 24);
   std::mt19937 random(2);
   for (Lumvane::RGB8& entry : cache) entry.component[0] = static_cast<uint8_t>(random());
-  for (auto _ : state) Lumvane::plain::hdrCacheRow(cache.data(), src.data(), dst.data(), kLumaBytes);
+  for (auto _ : state) Lumvane::hdrCacheRow(cache.data(), src.data(), dst.data(), kLumaBytes);
 }
 
 void conversionOut(benchmark::State& state) {

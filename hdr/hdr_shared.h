@@ -9,8 +9,6 @@
 
 namespace Lumvane {
 
-inline constexpr size_t kCacheEntries = size_t{1} << 24;
-
 /// What belongs to one transfer function.
 struct HdrTransferData {
   HdrLattice& lattice;       ///< null before the load
