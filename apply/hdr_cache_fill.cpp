@@ -27,7 +27,6 @@ using DF = hn::ScalableTag<float>;  // a lane is a blue value
 using VF = hn::Vec<DF>;
 using DU = hn::RebindToUnsigned<DF>;
 using VU = hn::Vec<DU>;
-using DI = hn::RebindToSigned<DF>;
 using DU8 = hn::Repartition<uint8_t, DF>;
 
 constexpr size_t kMaxLanes = hn::MaxLanes(DF());
@@ -67,8 +66,11 @@ class BlueAxis {
       first_[b] = lattice.cell[b / lanes * lanes];
       lower_[b] = lattice.cell[b] - first_[b];
       upper_[b] = std::min(lattice.cell[b] + 1, lattice.latticeSize - 1) - first_[b];
+      fits_ = fits_ && std::min(lower_[b], upper_[b]) >= 0 && std::max(lower_[b], upper_[b]) < lanes;
     }
   }
+  // False when a vector of blues reaches further than a vector of points, or back from its first one.
+  bool fits() const { return fits_; }
   HWY_INLINE VF fraction(size_t b) const { return hn::LoadU(DF(), fraction_ + b); }
   // The points at the lower and at the upper ends of the cells of the blues from b on.
   HWY_INLINE VF lower(const float* row, size_t b) const { return dealt(row, b, lower_); }
@@ -80,6 +82,7 @@ class BlueAxis {
     return hn::TableLookupLanes(hn::LoadU(d, row + first_[b]), hn::SetTableIndices(d, order + b));
   }
   const float* fraction_;
+  bool fits_ = true;
   int32_t first_[256];
   HWY_ALIGN int32_t lower_[256], upper_[256];
 };
@@ -166,6 +169,7 @@ void hdrCacheFill(const HdrLatticeView& lattice, uint8_t r, RGB8* entries) {
   const int32_t top = lattice.latticeSize - 1;
   const int32_t x = lattice.cell[r], x1 = std::min(x + 1, top);
   const BlueAxis axis(lattice);
+  if (!axis.fits()) return plain::hdrCacheFill(lattice, r, entries);
   const EntryPacker packer;
   PlanarRow read[4];
   PlanarRow *lower = &read[0], *redUpper = &read[1], *greenUpper = &read[2], *bothUpper = &read[3];

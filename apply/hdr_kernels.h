@@ -13,7 +13,7 @@ namespace Lumvane {
 void hdrCacheRow(const RGB8* cache, const uint8_t* src, uint8_t* dst, size_t pixels);
 
 /// Computes the 65536 entries of a cache whose colours have the red value `r`: hdrColour of each. The tables of
-/// `lattice` are those of fillInterpolationTables.
+/// `lattice` may be those of another size, up to 65: a faulty file after a good one leaves that.
 void hdrCacheFill(const HdrLatticeView& lattice, uint8_t r, RGB8* entries);
 
 namespace plain {

@@ -54,6 +54,7 @@ class Lattice {
   Lattice(const Lattice&) = delete;
   Lattice& operator=(const Lattice&) = delete;
   HdrLatticeView view() { return {size_, fraction_, cell_, reds_}; }
+  void makeTablesOf(int32_t size) { fillInterpolationTables(size, fraction_, cell_); }
 
  private:
   int32_t size_;
@@ -92,19 +93,31 @@ const Kind kKinds[] = {
      }},
 };
 
-TEST_P(HdrKernels, FillTheSameCache) {
+void expectSameFill(const HdrLatticeView& lattice, const std::string& what) {
   std::vector<RGB8> expected(65536), found(65536);
+  for (int r = 0; r < 256; ++r) {
+    plain::hdrCacheFill(lattice, static_cast<uint8_t>(r), expected.data());
+    hdrCacheFill(lattice, static_cast<uint8_t>(r), found.data());
+    ASSERT_EQ(std::memcmp(expected.data(), found.data(), expected.size() * sizeof(RGB8)), 0) << what << ", red " << r;
+  }
+}
+
+TEST_P(HdrKernels, FillTheSameCache) {
   for (const Kind& kind : kKinds) {
     for (const int32_t size : kind.sizes) {
       std::mt19937 random(static_cast<unsigned>(size));
       Lattice lattice(size, [&] { return kind.value(static_cast<uint32_t>(random())); });
-      for (int r = 0; r < 256; ++r) {
-        plain::hdrCacheFill(lattice.view(), static_cast<uint8_t>(r), expected.data());
-        hdrCacheFill(lattice.view(), static_cast<uint8_t>(r), found.data());
-        ASSERT_EQ(std::memcmp(expected.data(), found.data(), expected.size() * sizeof(RGB8)), 0)
-            << kind.name << ", " << size << " points, red " << r;
-      }
+      expectSameFill(lattice.view(), kind.name + (", points " + std::to_string(size)));
     }
+  }
+}
+
+TEST_P(HdrKernels, FillTheSameCacheWithTheTablesOfAnotherSize) {
+  std::mt19937 random(1);
+  Lattice lattice(4, [&] { return static_cast<float>(random() % 255); });
+  for (const int32_t size : {2, 5, 65}) {
+    lattice.makeTablesOf(size);
+    expectSameFill(lattice.view(), "tables of " + std::to_string(size));
   }
 }
 
