@@ -16,7 +16,9 @@ struct RGB8 {
 };
 static_assert(sizeof(RGB8) == 3);
 
-/// The number of the colour's entry in a cache of all 2^24 of them.
+inline constexpr uint32_t kCacheEntries = 1u << 24;
+
+/// The number of the colour's entry in a cache of all of them.
 inline uint32_t cacheEntry(uint8_t r, uint8_t g, uint8_t b) { return uint32_t{r} * 65536 + uint32_t{g} * 256 + b; }
 
 /// LatticeView over an HdrLattice.

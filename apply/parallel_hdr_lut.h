@@ -2,9 +2,8 @@
 #pragma once
 
 #include <opencv2/core.hpp>
-#include <vector>
 
-#include "apply/hdr_lattice.h"
+#include "apply/hdr_cache.h"
 
 namespace Lumvane {
 
@@ -31,7 +30,7 @@ class parallelCubeLut_ : public cv::ParallelLoopBody {
   const float* fraction;
   const int32_t* cell;
   HdrLattice lattice;
-  const std::vector<RGB8>* cache;
+  const HdrCache* cache;
 
   void operator()(const cv::Range& range) const override;
 };

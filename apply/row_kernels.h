@@ -5,7 +5,6 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "apply/hdr_lattice.h"
 #include "apply/lattice_view.h"
 
 namespace Lumvane {
@@ -42,14 +41,6 @@ void gradeAndFadeRow(const LatticeView& lattice, const BlendTables& blends, int3
 /// One byte a pixel of dst from BGRA pixels of src: component 0 of what gradeRow looks up, through roundToByte. Alpha
 /// is not read.
 void gradeRowToPlane(const LatticeView& lattice, const uint8_t* src, uint8_t* dst, size_t pixels);
-
-/// What an HDR LUT makes of one colour: components red, green, blue of tetrahedralLookup through truncToByte.
-RGB8 hdrColour(const HdrLatticeView& lattice, uint8_t r, uint8_t g, uint8_t b);
-
-/// Maps BGRA pixels through an HDR lattice, by hdrColour, or through the cache of its results. Byte 3 is copied. dst
-/// may be src.
-void hdrLatticeRow(const HdrLatticeView& lattice, const uint8_t* src, uint8_t* dst, size_t pixels);
-void hdrCacheRow(const RGB8* cache, const uint8_t* src, uint8_t* dst, size_t pixels);
 
 }  // namespace plain
 }  // namespace Lumvane

@@ -3,9 +3,12 @@
 
 #include <opencv2/core.hpp>
 
-#include "apply/row_kernels.h"
+#include "apply/hdr_cache.h"
+#include "apply/hdr_kernels.h"
 #include "bench/counters.h"
+#include "bench/frames.h"
 #include "hdr/yv12_conversions.h"
+#include "lut/interpolation_tables.h"
 
 namespace {
 
@@ -23,13 +26,39 @@ void conversionIn(benchmark::State& state) {
   }
 }
 
+// Colours of a photo lie close together, those of noise all over the cache: the worst there is.
+template <bool noise>
 void mapping(benchmark::State& state) {
-  const std::vector<uint8_t> src = bench::photoLikeFrame();
+  std::vector<uint8_t> src = bench::photoLikeFrame();
   std::vector<uint8_t> dst(src.size());
-  std::vector<Lumvane::RGB8> cache(size_t{1} << 24);
   std::mt19937 random(2);
+  if (noise) {
+    for (uint8_t& byte : src) byte = static_cast<uint8_t>(random());
+  }
+  Lumvane::HdrCache cache(Lumvane::kCacheEntries);
   for (Lumvane::RGB8& entry : cache) entry.component[0] = static_cast<uint8_t>(random());
-  for (auto _ : state) Lumvane::plain::hdrCacheRow(cache.data(), src.data(), dst.data(), kLumaBytes);
+  for (auto _ : state) Lumvane::hdrCacheRow(cache.data(), src.data(), dst.data(), kLumaBytes);
+}
+
+// One cache of two, on one thread, into memory that is in place already.
+void cacheFill(benchmark::State& state) {
+  constexpr int32_t kPoints = 65;
+  std::vector<float> points(size_t{kPoints} * kPoints * kPoints * 3);
+  for (size_t i = 0; i < points.size(); ++i) points[i] = static_cast<float>(i % 256);
+  std::vector<float*> rows(kPoints * kPoints);
+  for (size_t i = 0; i < rows.size(); ++i) rows[i] = &points[i * kPoints * 3];
+  std::vector<float**> planes(kPoints);
+  for (size_t i = 0; i < planes.size(); ++i) planes[i] = &rows[i * kPoints];
+  float fraction[256];
+  int32_t cell[256];
+  Lumvane::fillInterpolationTables(kPoints, fraction, cell);
+  Lumvane::HdrCache cache(Lumvane::kCacheEntries);
+  for (auto _ : state) {
+    for (int r = 0; r < 256; ++r) {
+      const auto red = static_cast<uint8_t>(r);
+      Lumvane::hdrCacheFill({kPoints, fraction, cell, planes.data()}, red, &cache[Lumvane::cacheEntry(red, 0, 0)]);
+    }
+  }
 }
 
 void conversionOut(benchmark::State& state) {
@@ -42,7 +71,9 @@ void conversionOut(benchmark::State& state) {
 }
 
 BENCHMARK(conversionIn)->Name("hdr/conversion in")->Unit(benchmark::kMillisecond);
-BENCHMARK(mapping)->Name("hdr/mapping")->Unit(benchmark::kMillisecond);
+BENCHMARK(mapping<false>)->Name("hdr/mapping")->Unit(benchmark::kMillisecond);
+BENCHMARK(mapping<true>)->Name("hdr/mapping of noise")->Unit(benchmark::kMillisecond);
 BENCHMARK(conversionOut)->Name("hdr/conversion out")->Unit(benchmark::kMillisecond);
+BENCHMARK(cacheFill)->Name("hdr/cache fill")->Unit(benchmark::kMillisecond);
 
 }  // namespace

@@ -2,8 +2,8 @@
 
 #include <opencv2/core.hpp>
 
+#include "apply/hdr_kernels.h"
 #include "apply/parallel_hdr_lut.h"
-#include "apply/row_kernels.h"
 #include "hdr/hdr_shared.h"
 #include "hdr/yv12_conversions.h"
 #include "lut/interpolation_tables.h"

@@ -28,18 +28,18 @@ bool loadHdrCube(VideoAdjustColor& object, const std::u16string& path, int trans
 bool readHdrCube(VideoAdjustColor& object, std::istream& stream, int transfer) {
   const HdrTransferData shared = hdrTransferData(transfer != 0);
   LutStatus status = statusOk;
-  const char separator = detectLineSeparator(stream, status);
-  const CubeHeader header = readCubeHeader(stream, separator, status);
+  LineBuffer text(stream);
+  const char separator = detectLineSeparator(text, status);
+  const CubeHeader header = readCubeHeader(text, separator, status);
   // A file without a size takes over the one that the object read last.
   if (header.latticeSize != 0) object.latticeSize = header.latticeSize;
   if (header.hasLines) shared.latticeSize = object.latticeSize;
   if (object.latticeSize > kLatticeStride) return object.loadOk = false;
 
   if (status == statusOk) fillInterpolationTables(object.latticeSize, object.fraction, object.cell);
-  readCubeRows(stream, separator, header, status,
-               [&](int32_t red, int32_t green, int32_t blue, const float(&values)[3]) {
-                 std::memcpy(shared.lattice[red][green] + blue * 3, values, sizeof values);
-               });
+  readCubeRows(text, separator, header, status, [&](int32_t red, int32_t green, int32_t blue, const float(&values)[3]) {
+    std::memcpy(shared.lattice[red][green] + blue * 3, values, sizeof values);
+  });
   fillHdrCache(object, transfer);
   return object.loadOk = status == statusOk;
 }

@@ -8,8 +8,8 @@ namespace {
 // Both lattices stay until the process ends, the caches until the library is unloaded.
 HdrLattice hlgLattice = nullptr;
 HdrLattice pqLattice = nullptr;
-std::vector<RGB8> hlgCache;
-std::vector<RGB8> pqCache;
+HdrCache hlgCache;
+HdrCache pqCache;
 int32_t hlgLatticeSize = 0;
 int32_t pqLatticeSize = 0;
 
@@ -57,8 +57,8 @@ void dropHdrData() {
   dropLattice(hlgLattice);
   dropLattice(pqLattice);
   hlgLatticeSize = pqLatticeSize = 0;
-  std::vector<RGB8>().swap(hlgCache);
-  std::vector<RGB8>().swap(pqCache);
+  HdrCache().swap(hlgCache);
+  HdrCache().swap(pqCache);
 }
 
 }  // namespace Lumvane

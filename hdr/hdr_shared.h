@@ -3,19 +3,16 @@
 #pragma once
 
 #include <cstdint>
-#include <vector>
 
-#include "apply/hdr_lattice.h"
+#include "apply/hdr_cache.h"
 
 namespace Lumvane {
 
-inline constexpr size_t kCacheEntries = size_t{1} << 24;
-
 /// What belongs to one transfer function.
 struct HdrTransferData {
-  HdrLattice& lattice;       ///< null before the load
-  int32_t& latticeSize;      ///< points per axis as the file's header says; 0 without a file, above 65 when refused
-  std::vector<RGB8>& cache;  ///< empty before the load, then one entry for each colour
+  HdrLattice& lattice;   ///< null before the load
+  int32_t& latticeSize;  ///< points per axis as the file's header says; 0 without a file, above 65 when refused
+  HdrCache& cache;       ///< empty before the load, then one entry for each colour
 };
 
 /// The data of PQ, or of HLG.

@@ -24,22 +24,23 @@ bool CubeLut::load(const std::u16string& path) {
 int32_t CubeLut::readCube(std::istream& stream) {
   status = statusOk;
   std::memset(lattice, 0, sizeof lattice);
-  const char separator = detectLineSeparator(stream);
-  const CubeHeader header = readCubeHeader(stream, separator, status);
+  LineBuffer text(stream);
+  const char separator = detectLineSeparator(text);
+  const CubeHeader header = readCubeHeader(text, separator, status);
   if (header.latticeSize != 0) latticeSize = header.latticeSize;
   if (latticeSize > kLatticeStride) return status = statusSizeInvalid;
   fillInterpolationTables();
-  readCubeRows(stream, separator, header, status,
+  readCubeRows(text, separator, header, status,
                [this](int32_t red, int32_t green, int32_t blue, const float(&values)[3]) {
                  std::memcpy(lattice[red][green][blue], values, sizeof values);
                });
   return status;
 }
 
-char CubeLut::detectLineSeparator(std::istream& stream) { return Lumvane::detectLineSeparator(stream, status); }
+char CubeLut::detectLineSeparator(LineBuffer& text) { return Lumvane::detectLineSeparator(text, status); }
 
-std::string CubeLut::readLine(std::istream& stream, char separator) {
-  return Lumvane::readLine(stream, separator, status);
+std::string_view CubeLut::readLine(LineBuffer& text, char separator) {
+  return Lumvane::readLine(text, separator, status);
 }
 
 void CubeLut::fillInterpolationTables() {

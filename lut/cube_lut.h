@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <istream>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "apply/lattice_view.h"
@@ -13,6 +14,8 @@ class Mat;
 }
 
 namespace Lumvane {
+
+class LineBuffer;
 
 /// One 3D colour table in the form in which frames use it. Some 3.3 MB: lives on the heap.
 class CubeLut {
@@ -43,8 +46,8 @@ class CubeLut {
   int32_t readCube(std::istream& stream);
   int32_t read3dl(std::istream& stream);
 
-  char detectLineSeparator(std::istream& stream);
-  std::string readLine(std::istream& stream, char separator);
+  char detectLineSeparator(LineBuffer& text);
+  std::string_view readLine(LineBuffer& text, char separator);
 
   /// Appends the pieces of `line` between single blanks to `fields`, empty ones too: one more than there are blanks.
   static void splitFields(const std::string& line, std::vector<std::string>& fields);

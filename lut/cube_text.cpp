@@ -12,14 +12,13 @@ constexpr int kLargestSizeInHeader = 256;  // what a header may ask for; each ta
 
 }  // namespace
 
-CubeHeader readCubeHeader(std::istream& stream, char separator, LutStatus& status) {
+CubeHeader readCubeHeader(LineBuffer& text, char separator, LutStatus& status) {
   CubeHeader header;
   bool sizeSeen = false;
   bool minSeen = false;
   bool maxSeen = false;
   while (status == statusOk) {
-    const auto lineStart = stream.tellg();
-    const std::string line = readLine(stream, separator, status);
+    const std::string line(readLine(text, separator, status));
     if (status != statusOk) break;
 
     std::istringstream words(line);
@@ -27,7 +26,7 @@ CubeHeader readCubeHeader(std::istream& stream, char separator, LutStatus& statu
     std::string keyword;
     words >> keyword;
     if (beginsTable(keyword)) {
-      stream.seekg(lineStart);
+      text.putBack();
       break;
     }
     if (keyword == "DOMAIN_MIN" && !std::exchange(minSeen, true)) {

@@ -11,7 +11,6 @@
 #pragma once
 
 #include <cstdint>
-#include <istream>
 
 #include "lut/lut_text.h"
 
@@ -24,22 +23,22 @@ struct CubeHeader {
   float domainMax[3] = {1.0f, 1.0f, 1.0f};
 };
 
-/// Reads the header and leaves the stream ahead of the first row. What is wrong with it goes to `status`, in this order
-/// of precedence: a line that fails, no size keyword, an inverted domain. Nothing is read when `status` is set already.
-CubeHeader readCubeHeader(std::istream& stream, char separator, LutStatus& status);
+/// Reads the header and leaves `text` ahead of the first row. What is wrong with it goes to `status`, in this order of
+/// precedence: a line that fails, no size keyword, an inverted domain. Nothing is read when `status` is set already.
+CubeHeader readCubeHeader(LineBuffer& text, char separator, LutStatus& status);
 
 /// Reads the rows that belong to `header` and calls storePoint(red, green, blue, values) for each, with the indices of
 /// the lattice point and its three values on the scale of 0.0 to 255.0. Stops as soon as `status` is set.
 template <class StorePoint>
-void readCubeRows(std::istream& stream, char separator, const CubeHeader& header, LutStatus& status,
+void readCubeRows(LineBuffer& text, char separator, const CubeHeader& header, LutStatus& status,
                   const StorePoint& storePoint) {
   float scale[3];
   for (int c = 0; c < 3; ++c) scale[c] = (header.domainMax[c] - header.domainMin[c]) * 255.0f;
-  const int32_t n = header.latticeSize;
-  readRows(stream, separator, n * n * n, status, [&](int32_t number, const float(&row)[3]) {
-    const float values[3] = {row[0] * scale[0], row[1] * scale[1], row[2] * scale[2]};
-    storePoint(number % n, number / n % n, number / (n * n), values);
-  });
+  readRows(text, separator, header.latticeSize, status,
+           [&](int32_t blue, int32_t green, int32_t red, const float(&row)[3]) {
+             const float values[3] = {row[0] * scale[0], row[1] * scale[1], row[2] * scale[2]};
+             storePoint(red, green, blue, values);
+           });
 }
 
 }  // namespace Lumvane

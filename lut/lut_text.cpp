@@ -6,12 +6,15 @@
 #include <charconv>
 #include <cstdio>
 #include <optional>
+#include <string>
+
+#include "lut/decimal.h"
 
 namespace Lumvane {
 namespace {
 
 // Bytes that the first line may hold ahead of its terminator, less one.
-constexpr int kLastFirstLinePosition = 250;
+constexpr size_t kLastFirstLinePosition = 250;
 
 bool isSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
@@ -47,49 +50,42 @@ class CLocaleScope {
 
 }  // namespace
 
-char detectLineSeparator(std::istream& stream, LutStatus& status) {
-  char separator = '\n';
-  for (int position = 0;; ++position) {
-    const int byte = stream.get();
-    if (byte == '\n') break;
-    if (byte == '\r') {
-      if (stream.get() != '\n') separator = '\r';
-      break;
-    }
-    if (position > kLastFirstLinePosition) {
-      status = statusLineTooLong;
-      break;
-    }
+char detectLineSeparator(LineBuffer& text, LutStatus& status) {
+  for (size_t position = 0;; ++position) {
+    const int byte = text.peek(position);
+    if (byte == '\n') return '\n';
+    if (byte == '\r') return text.peek(position + 1) == '\n' ? '\n' : '\r';
+    if (position > kLastFirstLinePosition) break;
   }
-  stream.clear();
-  stream.seekg(0);
-  return separator;
+  status = statusLineTooLong;
+  return '\n';
 }
 
-std::string readLine(std::istream& stream, char separator, LutStatus& status) {
-  std::string line;
+std::string_view readLine(LineBuffer& text, char separator, LutStatus& status) {
+  std::string_view line;
   while (line.empty() || line[0] == '#' || line == "\r") {
-    if (stream.eof()) {
-      status = statusEndOfFile;
-      break;
-    }
-    std::getline(stream, line, separator);
-    if (stream.fail()) {
-      status = statusReadFailed;
-      break;
+    switch (text.takeLine(separator, line)) {
+      case LineBuffer::Result::kLine:
+        break;
+      case LineBuffer::Result::kFailed:
+        status = statusReadFailed;
+        return line;
+      case LineBuffer::Result::kEnded:
+        status = statusEndOfFile;
+        return line;
     }
   }
   return line;
 }
 
-std::string firstToken(const std::string& line) {
+std::string_view firstToken(std::string_view line) {
   const auto start = std::find_if_not(line.begin(), line.end(), isSpace);
   return {start, std::find_if(start, line.end(), isSpace)};
 }
 
-bool beginsTable(const std::string& token) { return token > "+" && token < ":"; }
+bool beginsTable(std::string_view token) { return token > "+" && token < ":"; }
 
-void scanRow(const std::string& line, float (&values)[3]) {
+void scanRow(std::string_view line, float (&values)[3]) {
   const char* text = line.data();
   const char* const end = text + line.size();
   const auto red = scanPlainDecimal(text, end);
@@ -102,7 +98,26 @@ void scanRow(const std::string& line, float (&values)[3]) {
     return;
   }
   const CLocaleScope cLocale;
-  std::sscanf(line.c_str(), "%f %f %f", &values[0], &values[1], &values[2]);
+  std::sscanf(std::string(line).c_str(), "%f %f %f", &values[0], &values[1], &values[2]);
+}
+
+bool takePlainRow(LineBuffer& text, char separator, float (&values)[3]) {
+  const char* p = text.ahead();
+  const auto skipBlanks = [&] {
+    while (*p == ' ' || *p == '\t') ++p;
+  };
+  float row[3];
+  for (float& value : row) {
+    skipBlanks();
+    p = scanDecimal(p, value);
+    if (p == nullptr) return false;
+  }
+  skipBlanks();
+  if (*p == '\r' && separator == '\n') ++p;
+  if (*p != separator) return false;
+  text.moveTo(p + 1);
+  std::copy_n(row, 3, values);
+  return true;
 }
 
 }  // namespace Lumvane

@@ -8,44 +8,56 @@
 // - Numbers are read as in the C locale, whatever locale the host has set.
 #pragma once
 
-#include <istream>
-#include <string>
+#include <string_view>
 
+#include "lut/line_buffer.h"
 #include "lut/lut_status.h"
 
 namespace Lumvane {
 
-/// Reads the first line byte by byte and returns what ends the lines of the file, LF or CR; sets `status` to
-/// statusLineTooLong when no terminator stands within the first 252 bytes, also when the file is shorter than that. The
-/// stream is back at its start afterwards.
-char detectLineSeparator(std::istream& stream, LutStatus& status);
+/// Returns what ends the lines of the text, LF or CR, from the first one; sets `status` to statusLineTooLong when no
+/// terminator stands within the first 252 bytes, also when the text is shorter than that. To be called ahead of all
+/// reading, and reads nothing.
+char detectLineSeparator(LineBuffer& text, LutStatus& status);
 
-/// Returns the next line that is not skipped, without its separator and otherwise untrimmed. Sets `status` to
-/// statusEndOfFile when the last line, one without a separator, has been returned before, and to statusReadFailed when
-/// the stream fails, which it also does right behind a last line that had its separator.
-std::string readLine(std::istream& stream, char separator, LutStatus& status);
+/// Returns the next line that is not skipped, without its separator and otherwise untrimmed; it holds until more is
+/// read. Sets `status` to statusEndOfFile when the last line, one without a separator, has been returned before, and to
+/// statusReadFailed when the stream fails or ends right behind a separator.
+std::string_view readLine(LineBuffer& text, char separator, LutStatus& status);
 
 /// The first word of a line between white space; empty when there is none.
-std::string firstToken(const std::string& line);
+std::string_view firstToken(std::string_view line);
 
 /// True for the first token of a table row: "+" < token < ":" in byte order. That takes whatever begins with a digit,
 /// comma, minus, point or slash, and a "+" with something behind it.
-bool beginsTable(const std::string& token);
+bool beginsTable(std::string_view token);
 
 /// Scans up to three numbers from a table row, as a C scan with "%f %f %f" does. A column that does not convert, and
 /// all behind it, keep what `values` held: a short row repeats the one before it.
-void scanRow(const std::string& line, float (&values)[3]);
+void scanRow(std::string_view line, float (&values)[3]);
 
-/// Reads `count` table rows and calls storeRow(number, values) for each, counting from 0. Columns that do not convert
-/// repeat those of the row before, in the first row 0.0. Stops as soon as `status` is set.
+/// scanRow of the line that is next in `text`, if it is three numbers in plain decimal form and nothing else. Otherwise
+/// false, with nothing read and nothing changed.
+bool takePlainRow(LineBuffer& text, char separator, float (&values)[3]);
+
+/// Reads size^3 table rows and calls storeRow(slow, middle, fast, values) for each, with indices that count from 0 to
+/// size - 1, `fast` in every row. Columns that do not convert repeat those of the row before, in the first row 0.0.
+/// Stops as soon as `status` is set.
 template <class StoreRow>
-void readRows(std::istream& stream, char separator, int32_t count, LutStatus& status, const StoreRow& storeRow) {
+void readRows(LineBuffer& text, char separator, int32_t size, LutStatus& status, const StoreRow& storeRow) {
   float values[3] = {0.0f, 0.0f, 0.0f};
-  for (int32_t number = 0; number < count && status == statusOk; ++number) {
-    const std::string line = readLine(stream, separator, status);
-    if (status != statusOk) return;
-    scanRow(line, values);
-    storeRow(number, values);
+  for (int32_t slow = 0; slow < size; ++slow) {
+    for (int32_t middle = 0; middle < size; ++middle) {
+      for (int32_t fast = 0; fast < size; ++fast) {
+        if (status != statusOk) return;
+        if (!takePlainRow(text, separator, values)) {
+          const std::string_view line = readLine(text, separator, status);
+          if (status != statusOk) return;
+          scanRow(line, values);
+        }
+        storeRow(slow, middle, fast, values);
+      }
+    }
   }
 }
 

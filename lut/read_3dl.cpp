@@ -22,8 +22,8 @@ constexpr size_t kFewestPoints = 3;
 constexpr float kFullScale = 4095.0f;
 
 // "3DMESH" begins with a digit but is a keyword.
-bool isMeshLine(const std::string& line) {
-  const std::string token = firstToken(line);
+bool isMeshLine(std::string_view line) {
+  const std::string_view token = firstToken(line);
   return token != "3DMESH" && beginsTable(token);
 }
 
@@ -32,13 +32,14 @@ bool isMeshLine(const std::string& line) {
 int32_t CubeLut::read3dl(std::istream& stream) {
   status = statusOk;
   std::memset(lattice, 0, sizeof lattice);
-  const char separator = detectLineSeparator(stream);
+  LineBuffer text(stream);
+  const char separator = detectLineSeparator(text);
 
-  std::string line;
-  while (status == statusOk && !isMeshLine(line)) line = readLine(stream, separator);
+  std::string_view line;
+  while (status == statusOk && !isMeshLine(line)) line = readLine(text, separator);
   if (status == statusOk) {
     std::vector<std::string> mesh;
-    splitFields(line, mesh);
+    splitFields(std::string(line), mesh);
     if (mesh.size() < kFewestPoints) {
       status = statusTooFewColumns;
     } else if (mesh.size() > kLatticeStride) {
@@ -49,10 +50,8 @@ int32_t CubeLut::read3dl(std::istream& stream) {
   }
 
   fillInterpolationTables();
-  const int32_t n = latticeSize;
-  readRows(stream, separator, n * n * n, status, [&](int32_t number, const float(&row)[3]) {
-    float* point = lattice[number / (n * n)][number / n % n][number % n];
-    for (int c = 0; c < 3; ++c) point[c] = row[c] / kFullScale * 255.0f;
+  readRows(text, separator, latticeSize, status, [&](int32_t red, int32_t green, int32_t blue, const float(&row)[3]) {
+    for (int c = 0; c < 3; ++c) lattice[red][green][blue][c] = row[c] / kFullScale * 255.0f;
   });
   return status;
 }

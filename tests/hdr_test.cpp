@@ -143,8 +143,8 @@ void expectFrames(const std::u16string& directory, const reference::Lut* hlg, co
   }
 }
 
-bool isZero(const std::vector<RGB8>& cache) {
-  static const std::vector<RGB8> zeros(kCacheEntries);
+bool isZero(const HdrCache& cache) {
+  static const HdrCache zeros(kCacheEntries);
   return cache.size() == kCacheEntries && std::memcmp(cache.data(), zeros.data(), kCacheEntries * 3) == 0;
 }
 
@@ -324,7 +324,7 @@ TEST_F(Hdr, LeavesColoursAloneInAnIdentity) {
   }
   const Directory directory(text, "");
   const Object object(directory.path, 0, 0, 8, 8);
-  const std::vector<RGB8>& cache = hdrTransferData(false).cache;
+  const HdrCache& cache = hdrTransferData(false).cache;
   size_t differences = 0;
   for (uint32_t i = 0; i < 1u << 24; ++i) {
     const auto& entry = cache[i].component;
@@ -368,7 +368,7 @@ TEST_P(HdrEveryColour, IsTheSameFromCacheAndLattice) {
   }
   EXPECT_EQ(differences, 0u);
 
-  const std::vector<RGB8> noCache;
+  const HdrCache noCache;
   for (const bool withCache : {true, false}) {
     parallelCubeLut_ worker;
     worker.dst = withCache ? &cached : &direct;

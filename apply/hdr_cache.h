@@ -1,0 +1,41 @@
+#pragma once
+
+#include <cstdlib>
+#include <new>
+#include <vector>
+
+#include "apply/hdr_lattice.h"
+
+namespace Lumvane {
+
+/// Asks the system for large pages behind what is only just allocated; does nothing where there are none. A cache is
+/// read all over the place, and so misses the processor's table of ordinary pages at nearly every pixel.
+void adviseLargePages(void* memory, size_t bytes);
+
+/// Memory that is zero as the system hands it out: a table comes to hold zeros without a byte of it being touched.
+template <class T>
+struct ZeroMemory {
+  using value_type = T;
+  ZeroMemory() = default;
+  template <class U>
+  explicit ZeroMemory(const ZeroMemory<U>&) {}
+
+  T* allocate(size_t count) {
+    void* memory = std::calloc(count, sizeof(T));
+    if (memory == nullptr) throw std::bad_alloc();
+    adviseLargePages(memory, count * sizeof(T));
+    return static_cast<T*>(memory);
+  }
+  void deallocate(T* memory, size_t) { std::free(memory); }
+
+  /// Of entries without a value: zero already.
+  template <class U>
+  void construct(U*) {}
+
+  bool operator==(const ZeroMemory&) const = default;
+};
+
+/// What an HDR LUT makes of every colour, by cacheEntry; or empty. Is resized once, from empty: see ZeroMemory.
+using HdrCache = std::vector<RGB8, ZeroMemory<RGB8>>;
+
+}  // namespace Lumvane
