@@ -7,7 +7,7 @@
 #define LUMVANE_APPLY_BYTE_BLENDS_INL_H
 #endif
 
-#include "apply/vector_types-inl.h"
+#include "vector/bgra-inl.h"
 
 #if LUMVANE_HAVE_VECTORS
 

@@ -19,7 +19,7 @@
 
 #include "apply/byte_blends-inl.h"
 #include "apply/tetrahedra-inl.h"
-#include "apply/vector_types-inl.h"
+#include "vector/bgra-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace Lumvane {
@@ -56,8 +56,9 @@ HWY_INLINE VF interpolate(const float* lattice, const Tetrahedra& t) {
 
 // Byte 3 of each pixel is something else.
 HWY_INLINE VU lookUp(const float* lattice, const Tetrahedra& t) {
-  const VU components = toBytes(withHalf(interpolate<0>(lattice, t)), withHalf(interpolate<1>(lattice, t)),
-                                withHalf(interpolate<2>(lattice, t)), withHalf(interpolate<3>(lattice, t)));
+  const VU components =
+      packed(rounded(withHalf(interpolate<0>(lattice, t))), rounded(withHalf(interpolate<1>(lattice, t))),
+             rounded(withHalf(interpolate<2>(lattice, t))), rounded(withHalf(interpolate<3>(lattice, t))));
   alignas(16) static constexpr uint8_t kBlueGreenRed[16] = {2,  1, 0, 0x80, 6,  5,  4,  0x80,
                                                             10, 9, 8, 0x80, 14, 13, 12, 0x80};
   return shuffled(components, kBlueGreenRed);

@@ -81,6 +81,20 @@ TEST_P(WhiteBalanceRow, MatchesThePlainForm) {
   }
 }
 
+// From 16 MiB on frames are written past the cache, in whole vectors at aligned places.
+TEST_P(WhiteBalanceRow, MatchesThePlainFormInLargeFrames) {
+  const Lumvane::WhiteBalanceGains gains = {0.7f, 1.05f, 1.3f};
+  const auto bound = [&](auto kernel) {
+    return [kernel, &gains](const uint8_t* src, uint8_t* dst, size_t pixels) { kernel(gains, src, dst, pixels); };
+  };
+  const std::vector<uint8_t> large = test::noise((size_t{16} << 20) + 148, 1);
+  for (const size_t start : {0, 1, 4, 60}) {
+    EXPECT_EQ(
+        test::rowDifferences(bound(Lumvane::plain::whiteBalanceRow), bound(Lumvane::whiteBalanceRow), large, start), "")
+        << start;
+  }
+}
+
 TEST(WhiteBalance, TakesEveryWidthAlsoInPlace) {
   for (int width = 1; width <= 19; ++width) {
     Frame src(width, 3), dst(width, 3);

@@ -10,8 +10,7 @@ bool WhiteBalanceFun(const uint8_t* src, uint8_t* dst, float /*reserved1*/, floa
   cv::Mat dstMat(height, width, CV_8UC4, dst);
   const float base = tint * 0.5f + 1.0f;
   const Lumvane::WhiteBalanceGains gains = {base - temperature, 1.0f - tint, base + temperature};
-  for (int y = 0; y < height; ++y) {
-    Lumvane::whiteBalanceRow(gains, srcMat.ptr(y), dstMat.ptr(y), static_cast<size_t>(width));
-  }
+  // Rows lie packed, so that the frame is one long row.
+  Lumvane::whiteBalanceRow(gains, srcMat.ptr(), dstMat.ptr(), srcMat.total());
   return true;
 }

@@ -4,55 +4,59 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
+#include <cstdint>
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "whitebalance/white_balance_row.cpp"
+#include <hwy/cache_control.h>
 #include <hwy/foreach_target.h>  // must come before highway.h
 #include <hwy/highway.h>
+
+#include "vector/bgra-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace Lumvane {
 namespace HWY_NAMESPACE {
 
-#if HWY_TARGET == HWY_SCALAR
+#if !LUMVANE_HAVE_VECTORS
 using plain::whiteBalanceRow;
 #else
 
-namespace hn = hwy::HWY_NAMESPACE;
-
-// One 32-bit lane is one pixel.
-template <class D, class V = hn::Vec<D> >
-HWY_INLINE V balance(D d, const WhiteBalanceGains& gains, V pixels) {
-  const hn::RebindToFloat<D> df;
-  const hn::RebindToSigned<D> di;
-  const auto lowByte = hn::Set(d, 0xFF);
-  const auto scaled = [&](V bytes, float gain) HWY_ATTR {
-    const auto product = hn::Mul(hn::ConvertTo(df, hn::BitCast(di, bytes)), hn::Set(df, gain));
-    const auto held = hn::Min(hn::Max(product, hn::Zero(df)), hn::Set(df, 255.0f));
-    return hn::BitCast(d, hn::ConvertTo(di, held));  // truncates
-  };
-  const V blue = scaled(hn::And(pixels, lowByte), gains.blue);
-  const V green = scaled(hn::And(hn::ShiftRight<8>(pixels), lowByte), gains.green);
-  const V red = scaled(hn::And(hn::ShiftRight<16>(pixels), lowByte), gains.red);
-  const V alpha = hn::AndNot(hn::Set(d, 0x00FFFFFF), pixels);
-  return hn::Or(hn::Or(blue, hn::ShiftLeft<8>(green)), hn::Or(hn::ShiftLeft<16>(red), alpha));
-}
+// Frames from this size on do not stay in a cache until somebody reads them: they are written past it, which spares
+// reading every line of the destination first.
+constexpr size_t kStreamedBytes = size_t{16} << 20;
 
 // Beyond these ends a gain does the same to every byte, and so a product never overflows; a NaN does what 0 does.
 float sanitized(float gain) { return std::isnan(gain) ? 0.0f : std::clamp(gain, -1.0f, 256.0f); }
 
+// Pixel i of each block of four, a component a lane, times the gains.
+template <uint8_t i>
+HWY_INLINE VF scaled(VU pixels, VF gains) {
+  alignas(16) static constexpr uint8_t kPixel[16] = {4 * i,     0x80, 0x80, 0x80, 4 * i + 1, 0x80, 0x80, 0x80,
+                                                     4 * i + 2, 0x80, 0x80, 0x80, 4 * i + 3, 0x80, 0x80, 0x80};
+  return hn::Mul(hn::ConvertTo(F(), hn::BitCast(I(), shuffled(pixels, kPixel))), gains);
+}
+
 void whiteBalanceRow(const WhiteBalanceGains& gains, const uint8_t* src, uint8_t* dst, size_t pixels) {
-  const hn::ScalableTag<uint32_t> d;
-  const hn::Repartition<uint8_t, decltype(d)> du8;
-  const WhiteBalanceGains tame = {sanitized(gains.blue), sanitized(gains.green), sanitized(gains.red)};
-  const size_t lanes = hn::Lanes(d);
-  const auto step = [&](const uint8_t* from, uint8_t* to) HWY_ATTR {
-    const auto in = hn::BitCast(d, hn::LoadU(du8, from));
-    hn::StoreU(hn::BitCast(du8, balance(d, tame, in)), du8, to);
+  alignas(16) const float four[4] = {sanitized(gains.blue), sanitized(gains.green), sanitized(gains.red), 1.0f};
+  const VF factors = hn::LoadDup128(F(), four);
+  const auto balanced = [&](size_t i) HWY_ATTR {
+    const VU in = loadPixels(src + 4 * i);
+    return packed(truncated(scaled<0>(in, factors)), truncated(scaled<1>(in, factors)),
+                  truncated(scaled<2>(in, factors)), truncated(scaled<3>(in, factors)));
   };
+
   size_t i = 0;
-  for (; i + lanes <= pixels; i += lanes) step(src + 4 * i, dst + 4 * i);
+  if (4 * pixels >= kStreamedBytes && src != dst && reinterpret_cast<uintptr_t>(dst) % 4 == 0) {
+    constexpr size_t kAlignment = 4 * kLanes;
+    i = (kAlignment - reinterpret_cast<uintptr_t>(dst) % kAlignment) % kAlignment / 4;
+    plain::whiteBalanceRow(gains, src, dst, i);
+    for (; i + kLanes <= pixels; i += kLanes) {
+      hn::Stream(hn::BitCast(Bytes(), balanced(i)), Bytes(), dst + 4 * i);
+    }
+    hwy::FlushStream();
+  }
+  for (; i + kLanes <= pixels; i += kLanes) storePixels(balanced(i), dst + 4 * i);
   plain::whiteBalanceRow(gains, src + 4 * i, dst + 4 * i, pixels - i);
 }
 

@@ -1,11 +1,11 @@
-// The vectors of the grading kernels, and the few operations for which x86 has one instruction that means just what is
-// wanted, where portable code would take several.
+// Vectors of BGRA pixels and of their components, and the few operations for which x86 has one instruction that means
+// just what is wanted, where portable code would take several.
 
-#if defined(LUMVANE_APPLY_VECTOR_TYPES_INL_H) == defined(HWY_TARGET_TOGGLE)
-#ifdef LUMVANE_APPLY_VECTOR_TYPES_INL_H
-#undef LUMVANE_APPLY_VECTOR_TYPES_INL_H
+#if defined(LUMVANE_VECTOR_BGRA_INL_H) == defined(HWY_TARGET_TOGGLE)
+#ifdef LUMVANE_VECTOR_BGRA_INL_H
+#undef LUMVANE_VECTOR_BGRA_INL_H
 #else
-#define LUMVANE_APPLY_VECTOR_TYPES_INL_H
+#define LUMVANE_VECTOR_BGRA_INL_H
 #endif
 
 #include <hwy/highway.h>
@@ -49,8 +49,9 @@ HWY_INLINE VU shuffled(VU v, const uint8_t (&order)[16]) {
 }
 
 // gatherPoints: four floats from each of base + places[0], base + places[4], ..., a block each.
-// toBytes: rounds to the nearest, ties to even, and holds to 0 to 255; what an int32_t cannot hold, and a NaN, gives 0.
-// Byte 4 * i + c of a block comes from lane c of that block of vector i.
+// rounded, truncated: to the nearest whole number, ties to even, or towards zero. What an int32_t cannot hold, and a NaN,
+// gives the smallest int32_t.
+// packed: held to 0 to 255; byte 4 * i + c of a block comes from lane c of that block of vector i.
 #if HWY_TARGET <= HWY_AVX3
 
 HWY_INLINE VF gatherPoints(const float* base, const uint32_t* places) {
@@ -60,10 +61,10 @@ HWY_INLINE VF gatherPoints(const float* base, const uint32_t* places) {
   return VF{_mm512_mask_broadcast_f32x4(v, 0xF000, _mm_loadu_ps(base + places[12]))};
 }
 
-HWY_INLINE VU toBytes(VF v0, VF v1, VF v2, VF v3) {
-  const __m512i low = _mm512_packs_epi32(_mm512_cvtps_epi32(v0.raw), _mm512_cvtps_epi32(v1.raw));
-  const __m512i high = _mm512_packs_epi32(_mm512_cvtps_epi32(v2.raw), _mm512_cvtps_epi32(v3.raw));
-  return VU{_mm512_packus_epi16(low, high)};
+HWY_INLINE VI rounded(VF v) { return VI{_mm512_cvtps_epi32(v.raw)}; }
+HWY_INLINE VI truncated(VF v) { return VI{_mm512_cvttps_epi32(v.raw)}; }
+HWY_INLINE VU packed(VI v0, VI v1, VI v2, VI v3) {
+  return VU{_mm512_packus_epi16(_mm512_packs_epi32(v0.raw, v1.raw), _mm512_packs_epi32(v2.raw, v3.raw))};
 }
 
 #elif HWY_TARGET == HWY_AVX2
@@ -73,20 +74,20 @@ HWY_INLINE VF gatherPoints(const float* base, const uint32_t* places) {
   return VF{_mm256_insertf128_ps(v, _mm_loadu_ps(base + places[4]), 1)};
 }
 
-HWY_INLINE VU toBytes(VF v0, VF v1, VF v2, VF v3) {
-  const __m256i low = _mm256_packs_epi32(_mm256_cvtps_epi32(v0.raw), _mm256_cvtps_epi32(v1.raw));
-  const __m256i high = _mm256_packs_epi32(_mm256_cvtps_epi32(v2.raw), _mm256_cvtps_epi32(v3.raw));
-  return VU{_mm256_packus_epi16(low, high)};
+HWY_INLINE VI rounded(VF v) { return VI{_mm256_cvtps_epi32(v.raw)}; }
+HWY_INLINE VI truncated(VF v) { return VI{_mm256_cvttps_epi32(v.raw)}; }
+HWY_INLINE VU packed(VI v0, VI v1, VI v2, VI v3) {
+  return VU{_mm256_packus_epi16(_mm256_packs_epi32(v0.raw, v1.raw), _mm256_packs_epi32(v2.raw, v3.raw))};
 }
 
 #else
 
 HWY_INLINE VF gatherPoints(const float* base, const uint32_t* places) { return hn::LoadU(F(), base + places[0]); }
 
-HWY_INLINE VU toBytes(VF v0, VF v1, VF v2, VF v3) {
-  const __m128i low = _mm_packs_epi32(_mm_cvtps_epi32(v0.raw), _mm_cvtps_epi32(v1.raw));
-  const __m128i high = _mm_packs_epi32(_mm_cvtps_epi32(v2.raw), _mm_cvtps_epi32(v3.raw));
-  return VU{_mm_packus_epi16(low, high)};
+HWY_INLINE VI rounded(VF v) { return VI{_mm_cvtps_epi32(v.raw)}; }
+HWY_INLINE VI truncated(VF v) { return VI{_mm_cvttps_epi32(v.raw)}; }
+HWY_INLINE VU packed(VI v0, VI v1, VI v2, VI v3) {
+  return VU{_mm_packus_epi16(_mm_packs_epi32(v0.raw, v1.raw), _mm_packs_epi32(v2.raw, v3.raw))};
 }
 
 #endif
