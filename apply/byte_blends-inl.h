@@ -28,15 +28,14 @@ HWY_INLINE VU divideBy255(VW even, VW odd) {
   return hn::BitCast(U(), hn::Or(low, high));
 }
 
-// The colour bytes of `graded` times the alpha of `pixels` / 255, to the nearest; byte 3 comes from `pixels`.
+// The colour bytes of `graded` times the alpha of `pixels` / 255, to the nearest; byte 3 is that of `pixels`.
 HWY_INLINE VU multiplyByAlpha(VU graded, VU pixels) {
   const VU alphaBits = hn::Set(U(), 0xFF000000);
-  const VU alphas = hn::And(pixels, alphaBits);
-  if (HWY_LIKELY(hn::AllTrue(U(), hn::Eq(alphas, alphaBits)))) return hn::Or(hn::AndNot(alphaBits, graded), alphas);
+  const VU colours = hn::Or(graded, alphaBits);
+  if (HWY_LIKELY(hn::AllTrue(U(), hn::Gt(pixels, hn::Set(U(), 0xFEFFFFFF))))) return colours;
   alignas(16) static constexpr uint8_t kAlphas[16] = {3,  0x80, 3,  0x80, 7,  0x80, 7,  0x80,
                                                       11, 0x80, 11, 0x80, 15, 0x80, 15, 0x80};
   const VW alpha = hn::BitCast(Words(), shuffled(pixels, kAlphas));
-  const VU colours = hn::Or(graded, alphaBits);  // 255 * alpha / 255 is alpha
   const VW half = hn::Set(Words(), 127);
   return divideBy255(hn::Add(hn::Mul(evenBytes(colours), alpha), half),
                      hn::Add(hn::Mul(oddBytes(colours), alpha), half));

@@ -65,11 +65,10 @@ HWY_INLINE void findTetrahedra(const Axes& axes, VU pixels, Tetrahedra& out) {
   const Coordinate g = locate<1>(axes, pixels, kStrideY);
   const Coordinate b = locate<0>(axes, pixels, kStrideZ);
 
-  // Whole numbers below 2^23, exact in single precision: added to 2^23 they stand in the low bits of the sum.
+  // Whole numbers below 2^24, and so exact.
   const VF redGreen =
       hn::Add(hn::Mul(r.cell, hn::Set(F(), float{kStrideX})), hn::Mul(g.cell, hn::Set(F(), float{kStrideY})));
-  const VF blue = hn::Add(hn::Mul(b.cell, hn::Set(F(), float{kStrideZ})), hn::Set(F(), 8388608.0f));
-  const VI p000 = hn::And(hn::BitCast(I(), hn::Add(redGreen, blue)), hn::Set(I(), 0x7FFFFF));
+  const VI p000 = truncated(hn::Add(redGreen, hn::Mul(b.cell, hn::Set(F(), float{kStrideZ}))));
   const VI p111 = hn::Add(p000, hn::Add(hn::Add(r.toUpper, g.toUpper), b.toUpper));
 
   const auto rg = hn::RebindMask(I(), hn::Gt(r.fraction, g.fraction));
