@@ -11,24 +11,24 @@ StripeRows::StripeRows(const cv::Range& range, int rows, int stripes)
 void clarityAnalysisPass::operator()(const cv::Range& range) const {
   const StripeRows band(range, rows, stripes);
   for (int y = band.first; y < band.end; ++y) {
-    plain::analysisRow(src.ptr(y), saturationFactor, planes[0].ptr<float>(y), planes[1].ptr<float>(y),
-                       planes[2].ptr<float>(y), static_cast<size_t>(src.cols));
+    analysisRow(src.ptr(y), saturationFactor, planes[0].ptr<float>(y), planes[1].ptr<float>(y), planes[2].ptr<float>(y),
+                static_cast<size_t>(src.cols));
   }
 }
 
 void clarityDetailPass::operator()(const cv::Range& range) const {
   const StripeRows band(range, rows, stripes);
   for (int y = band.first; y < band.end; ++y) {
-    plain::detailRow(fine.ptr<float>(y), up.ptr<float>(y), coefficient, gain, out.ptr<float>(y),
-                     static_cast<size_t>(fine.cols));
+    detailRow(fine.ptr<float>(y), up.ptr<float>(y), coefficient, gain, out.ptr<float>(y),
+              static_cast<size_t>(fine.cols));
   }
 }
 
 void claritySynthesisPass::operator()(const cv::Range& range) const {
   const StripeRows band(range, rows, stripes);
   for (int y = band.first; y < band.end; ++y) {
-    plain::synthesisRow(planes[0].ptr<float>(y), planes[1].ptr<float>(y), planes[2].ptr<float>(y), src.ptr(y),
-                        dst.ptr(y), static_cast<size_t>(dst.cols));
+    synthesisRow(planes[0].ptr<float>(y), planes[1].ptr<float>(y), planes[2].ptr<float>(y), src.ptr(y), dst.ptr(y),
+                 static_cast<size_t>(dst.cols));
   }
 }
 

@@ -55,6 +55,15 @@ void detailRow(const float* fine, const float* coarse, float coefficient, float 
   }
 }
 
+void blendRow(const float* value, float valueWeight, const float* coarse, const float* detail, float sumWeight,
+              float* out, size_t samples) {
+  for (size_t i = 0; i < samples; ++i) {
+    const float sum = std::clamp(coarse[i] + detail[i], 0.0f, 1.0f);
+    const double mix = double{value[i]} * double{valueWeight} + double{sum} * double{sumWeight};
+    out[i] = std::clamp(static_cast<float>(mix), 0.0f, 1.0f);
+  }
+}
+
 void synthesisRow(const float* hue, const float* saturation, const float* value, const uint8_t* src, uint8_t* dst,
                   size_t pixels) {
   for (size_t i = 0; i < pixels; ++i, src += 4, dst += 4) {

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+
+namespace Lumvane {
+
+/// exp(-k / kStepsPerUnit) for k = 0, 1, ..., rounded to double precision.
+class ExponentialTable {
+ public:
+  static constexpr int kStepsPerUnit = 64;
+  static constexpr size_t kSize = 2048;  // up to 32, where the exponential has long stopped to matter
+
+  // By repeated multiplication with some 100 bits, so that no error of the products reaches a table entry.
+  constexpr ExponentialTable() {
+    constexpr double kFactor = 0x1.f80feabfeefa5p-1;  // exp(-1 / 64)
+    constexpr double kFactorRest = -0x1.b60bbd08aac55p-55;
+    double entry = 1.0, rest = 0.0;
+    for (double& stored : entries_) {
+      stored = entry;
+      const double product = entry * kFactor;
+      const double error = productError(entry, kFactor, product) + (entry * kFactorRest + rest * kFactor);
+      entry = product + error;
+      rest = error - (entry - product);
+    }
+  }
+
+  constexpr const double* data() const { return entries_.data(); }
+
+ private:
+  // What a product lost by rounding, after Dekker: each factor is cut into halves whose products are exact.
+  static constexpr double productError(double a, double b, double product) {
+    const double upperA = upperHalf(a), lowerA = a - upperA;
+    const double upperB = upperHalf(b), lowerB = b - upperB;
+    return lowerA * lowerB - (((product - upperA * upperB) - lowerA * upperB) - upperA * lowerB);
+  }
+  static constexpr double upperHalf(double a) {
+    const double scaled = a * 134217729.0;  // 2^27 + 1
+    return scaled - (scaled - a);
+  }
+
+  std::array<double, kSize> entries_ = {};
+};
+
+}  // namespace Lumvane

@@ -1,0 +1,137 @@
+// The vector forms of clarity's row kernels, held against the plain forms bit for bit.
+
+#include <gtest/gtest.h>
+
+#include <bit>
+#include <cmath>
+
+#include "clarity/clarity_rows.h"
+#include "tests/float_rows.h"
+#include "tests/row_comparer.h"
+#include "tests/targets.h"
+
+namespace {
+
+using namespace Lumvane;
+using test::firstDifference;
+using test::neighbours;
+
+constexpr float kCoefficient = 22.222221f;
+constexpr float kGain = 0.55f;
+
+class ClarityRow : public test::EveryTarget {};
+INSTANTIATE_TEST_SUITE_P(On, ClarityRow, test::everyTarget(), test::targetName);
+
+TEST_P(ClarityRow, DecodesEveryColour) {
+  const std::vector<uint8_t> pixels = test::everyColour([](uint32_t i) { return static_cast<uint8_t>(i * 7); });
+  const size_t count = pixels.size() / 4;
+  std::vector<float> expected[3], found[3];
+  for (auto* planes : {expected, found})
+    for (int i = 0; i < 3; ++i) planes[i].resize(count);
+  for (const float factor : {0.85f, 1.15f}) {
+    plain::analysisRow(pixels.data(), factor, expected[0].data(), expected[1].data(), expected[2].data(), count);
+    analysisRow(pixels.data(), factor, found[0].data(), found[1].data(), found[2].data(), count);
+    for (int i = 0; i < 3; ++i) ASSERT_EQ(firstDifference(expected[i], found[i]), "") << "plane " << i;
+  }
+}
+
+TEST_P(ClarityRow, RaisesDetails) {
+  std::vector<float> fine, coarse;
+  const auto add = [&](float a, float b) {
+    fine.push_back(a);
+    coarse.push_back(b);
+  };
+  for (int a = 0; a < 256; ++a) {
+    for (int b = 0; b < 256; ++b) add(static_cast<float>(a) / 255.0f, static_cast<float>(b) / 255.0f);
+  }
+  // Differences of all sizes of both signs, from those whose square is lost to those whose exponential is.
+  for (float d = 1.0f; d > 1e-25f; d *= 0.99951f) {
+    add(d, 0.0f);
+    add(0.0f, d);
+  }
+  for (const float d : {0.0f, 1e-45f, 1e-38f, 1.0001f, 1.5f, 2.0f, 100.0f, 1e19f, 3e38f}) {
+    add(d, 0.0f);
+    add(-d, 0.0f);
+  }
+  // Arguments of the exponential around the places where its table goes from one step to the next.
+  for (int step = 1; step <= 30 * 128; ++step) {
+    for (const float d : neighbours(std::sqrt(static_cast<float>(step) / 128.0f / kCoefficient))) add(d, 0.0f);
+  }
+  std::vector<float> expected(fine.size()), found(fine.size());
+  plain::detailRow(fine.data(), coarse.data(), kCoefficient, kGain, expected.data(), fine.size());
+  detailRow(fine.data(), coarse.data(), kCoefficient, kGain, found.data(), fine.size());
+  EXPECT_EQ(firstDifference(expected, found), "");
+}
+
+// Every difference of samples from 0 to 1 whose weight is not 1, and beyond that as far as resampling may overshoot.
+TEST_P(ClarityRow, RaisesEveryDifferenceAsThePlainFormDoes) {
+  constexpr uint32_t kBlock = 1 << 16;
+  std::vector<float> fine(kBlock), coarse(kBlock), expected(kBlock), found(kBlock);
+  const auto first = std::bit_cast<uint32_t>(0x1p-15f), end = std::bit_cast<uint32_t>(1.01f);
+  for (uint32_t bits = first; bits < end; bits += kBlock) {
+    for (uint32_t i = 0; i < kBlock; ++i) fine[i] = std::bit_cast<float>(bits + i);
+    plain::detailRow(fine.data(), coarse.data(), kCoefficient, kGain, expected.data(), kBlock);
+    detailRow(fine.data(), coarse.data(), kCoefficient, kGain, found.data(), kBlock);
+    ASSERT_EQ(firstDifference(expected, found), "") << fine[0];
+  }
+}
+
+TEST_P(ClarityRow, Blends) {
+  const std::vector<float> specials = {0.0f, 1e-45f, 1e-38f, 1e-7f, 0.25f, 0.5f, 0.99999994f, 1.0f};
+  std::vector<float> value, coarse, detail;
+  for (const float v : specials) {
+    for (const float c : specials) {
+      for (const float d : specials) {
+        for (const float sign : {1.0f, -1.0f}) {
+          value.push_back(v);
+          coarse.push_back(c);
+          detail.push_back(sign * d);
+        }
+      }
+    }
+  }
+  const std::vector<float> random = test::randomFloats(3 << 16, 1);
+  for (size_t i = 0; i < random.size(); i += 3) {
+    value.push_back(random[i]);
+    coarse.push_back(random[i + 1]);
+    detail.push_back(1.1f * random[i + 2] - 0.55f);
+  }
+  std::vector<float> expected(value.size()), found(value.size());
+  for (const float share : {0.01f, 0.3f, 0.7f, 0.99f, 1.0f}) {
+    plain::blendRow(value.data(), 1.0f - share, coarse.data(), detail.data(), share, expected.data(), value.size());
+    blendRow(value.data(), 1.0f - share, coarse.data(), detail.data(), share, found.data(), value.size());
+    ASSERT_EQ(firstDifference(expected, found), "") << share;
+  }
+}
+
+TEST_P(ClarityRow, EncodesHuesAllAround) {
+  std::vector<float> hues;
+  for (float hue = 0.0f; hue < 360.0f; hue += 0.73f) hues.push_back(hue);
+  for (int degrees = 0; degrees <= 360; degrees += 30) {
+    for (const float hue : neighbours(static_cast<float>(degrees))) {
+      if (hue >= 0.0f && hue <= 360.0f) hues.push_back(hue);
+    }
+  }
+  std::vector<float> units = {1e-45f, 1e-20f, 1e-7f, 0.99999994f};
+  for (int i = 0; i <= 17; ++i) {
+    for (const float unit : neighbours(static_cast<float>(i) / 17.0f)) units.push_back(unit);
+  }
+  std::vector<float> hue, saturation, value;
+  for (const float h : hues) {
+    for (const float s : units) {
+      for (const float v : units) {
+        hue.push_back(h);
+        saturation.push_back(std::clamp(s, 0.0f, 1.0f));
+        value.push_back(v);  // also a little above 1 and below 0
+      }
+    }
+  }
+  const std::vector<uint8_t> src = test::noise(4 * hue.size(), 5);
+  std::vector<uint8_t> expected(src.size()), found(src.size());
+  plain::synthesisRow(hue.data(), saturation.data(), value.data(), src.data(), expected.data(), hue.size());
+  synthesisRow(hue.data(), saturation.data(), value.data(), src.data(), found.data(), hue.size());
+  for (size_t i = 0; i < src.size(); ++i)
+    ASSERT_EQ(expected[i], found[i]) << hue[i / 4] << " " << saturation[i / 4] << " " << value[i / 4] << " " << i % 4;
+}
+
+}  // namespace
