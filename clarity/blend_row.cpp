@@ -17,15 +17,13 @@ using plain::blendRow;
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-void blendRow(const float* value, float valueWeight, const float* coarse, const float* detail, float sumWeight,
-              float* out, size_t samples) {
+void blendRow(const float* value, float valueWeight, const float* enhanced, float enhancedWeight, float* out,
+              size_t samples) {
   const hn::ScalableTag<float> df;
   const hn::Half<decltype(df)> dh;
   const hn::Repartition<double, decltype(df)> dd;
   using V = hn::Vec<decltype(df)>;
-  const auto firstWeight = hn::Set(dd, double{valueWeight}), secondWeight = hn::Set(dd, double{sumWeight});
-  const V zero = hn::Zero(df), one = hn::Set(df, 1.0f);
-  const auto held = [&](V v) HWY_ATTR { return hn::Max(hn::Min(v, one), zero); };
+  const auto firstWeight = hn::Set(dd, double{valueWeight}), secondWeight = hn::Set(dd, double{enhancedWeight});
   const auto mixed = [&](auto first, auto second) HWY_ATTR {
     return hn::DemoteTo(
         dh, hn::Add(hn::Mul(hn::PromoteTo(dd, first), firstWeight), hn::Mul(hn::PromoteTo(dd, second), secondWeight)));
@@ -34,12 +32,13 @@ void blendRow(const float* value, float valueWeight, const float* coarse, const 
   size_t i = 0;
   for (; i + lanes <= samples; i += lanes) {
     const V v = hn::LoadU(df, value + i);
-    const V sum = held(hn::Add(hn::LoadU(df, coarse + i), hn::LoadU(df, detail + i)));
-    const auto lower = mixed(hn::LowerHalf(dh, v), hn::LowerHalf(dh, sum));
-    const auto upper = mixed(hn::UpperHalf(dh, v), hn::UpperHalf(dh, sum));
-    hn::StoreU(held(hn::Combine(df, upper, lower)), df, out + i);
+    const V e = hn::Max(hn::Min(hn::LoadU(df, enhanced + i), hn::Set(df, 1.0f)), hn::Zero(df));
+    const auto lower = mixed(hn::LowerHalf(dh, v), hn::LowerHalf(dh, e));
+    const auto upper = mixed(hn::UpperHalf(dh, v), hn::UpperHalf(dh, e));
+    // What is mixed lies from 0 to 1, and so does the mix: the weights' sum is off from 1 by less than a float can tell.
+    hn::StoreU(hn::Combine(df, upper, lower), df, out + i);
   }
-  plain::blendRow(value + i, valueWeight, coarse + i, detail + i, sumWeight, out + i, samples - i);
+  plain::blendRow(value + i, valueWeight, enhanced + i, enhancedWeight, out + i, samples - i);
 }
 
 #endif
@@ -53,9 +52,9 @@ namespace Lumvane {
 
 HWY_EXPORT(blendRow);
 
-void blendRow(const float* value, float valueWeight, const float* coarse, const float* detail, float sumWeight,
-              float* out, size_t samples) {
-  HWY_DYNAMIC_DISPATCH(blendRow)(value, valueWeight, coarse, detail, sumWeight, out, samples);
+void blendRow(const float* value, float valueWeight, const float* enhanced, float enhancedWeight, float* out,
+              size_t samples) {
+  HWY_DYNAMIC_DISPATCH(blendRow)(value, valueWeight, enhanced, enhancedWeight, out, samples);
 }
 
 }  // namespace Lumvane

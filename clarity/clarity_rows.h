@@ -16,17 +16,18 @@ namespace Lumvane {
 void analysisRow(const uint8_t* src, float saturationFactor, float* hue, float* saturation, float* value,
                  size_t pixels);
 
-/// Raises what a sample differs from its surroundings: with d = fine - coarse, out = (d * gain) * w + d, where the
-/// weight w = exp(-(d * d * coefficient)), rounded correctly, falls from 1 for small differences to nearly 0 for strong
-/// edges. The coefficient is that of the effect or a smaller one, the samples are finite. out may be fine or coarse.
-void detailRow(const float* fine, const float* coarse, float coefficient, float gain, float* out, size_t samples);
+/// Adds to base what samples differ from their surroundings, raised: with d = fine - coarse that is (d * gain) * w + d,
+/// where the weight w = exp(-(d * d * coefficient)), rounded correctly, falls from 1 for small differences to nearly 0
+/// for strong edges. out may be one of the inputs.
+void detailRow(const float* fine, const float* coarse, float coefficient, float gain, const float* base, float* out,
+               size_t samples);
 
-/// The value plane mixed with the rebuilt one, coarse + detail. Both this sum and the mix are held to 0 to 1. The mix is
-/// worked out in double precision, value * valueWeight + sum * sumWeight, and rounded. out may be any of the inputs.
-void blendRow(const float* value, float valueWeight, const float* coarse, const float* detail, float sumWeight,
-              float* out, size_t samples);
+/// Values from 0 to 1 mixed with enhanced ones, which are held to 0 to 1 before. Worked out in double precision,
+/// value * valueWeight + enhanced * enhancedWeight, and then rounded. The weights make 1 together. out may be value.
+void blendRow(const float* value, float valueWeight, const float* enhanced, float enhancedWeight, float* out,
+              size_t samples);
 
-/// Hue from 0 to 360, saturation from 0 to 1 and value back to the bytes 0, 1 and 2 of BGRA pixels, rounded; byte 3
+/// Hue from 0 to 360, saturation and value from 0 to 1 back to the bytes 0, 1 and 2 of BGRA pixels, rounded; byte 3
 /// comes from src. dst may be src.
 void synthesisRow(const float* hue, const float* saturation, const float* value, const uint8_t* src, uint8_t* dst,
                   size_t pixels);
@@ -36,9 +37,10 @@ namespace plain {
 
 void analysisRow(const uint8_t* src, float saturationFactor, float* hue, float* saturation, float* value,
                  size_t pixels);
-void detailRow(const float* fine, const float* coarse, float coefficient, float gain, float* out, size_t samples);
-void blendRow(const float* value, float valueWeight, const float* coarse, const float* detail, float sumWeight,
-              float* out, size_t samples);
+void detailRow(const float* fine, const float* coarse, float coefficient, float gain, const float* base, float* out,
+               size_t samples);
+void blendRow(const float* value, float valueWeight, const float* enhanced, float enhancedWeight, float* out,
+              size_t samples);
 void synthesisRow(const float* hue, const float* saturation, const float* value, const uint8_t* src, uint8_t* dst,
                   size_t pixels);
 

@@ -67,7 +67,8 @@ HWY_INLINE V exponentialOfMinus(D df, V x) {
   return hn::Combine(df, upper, lower);
 }
 
-void detailRow(const float* fine, const float* coarse, float coefficient, float gain, float* out, size_t samples) {
+void detailRow(const float* fine, const float* coarse, float coefficient, float gain, const float* base, float* out,
+               size_t samples) {
   const hn::ScalableTag<float> df;
   using V = hn::Vec<decltype(df)>;
   const size_t lanes = hn::Lanes(df);
@@ -75,9 +76,10 @@ void detailRow(const float* fine, const float* coarse, float coefficient, float 
   for (; i + lanes <= samples; i += lanes) {
     const V d = hn::Sub(hn::LoadU(df, fine + i), hn::LoadU(df, coarse + i));
     const V w = exponentialOfMinus(df, hn::Mul(hn::Mul(d, d), hn::Set(df, coefficient)));
-    hn::StoreU(hn::Add(hn::Mul(hn::Mul(d, hn::Set(df, gain)), w), d), df, out + i);
+    const V raised = hn::Add(hn::Mul(hn::Mul(d, hn::Set(df, gain)), w), d);
+    hn::StoreU(hn::Add(hn::LoadU(df, base + i), raised), df, out + i);
   }
-  plain::detailRow(fine + i, coarse + i, coefficient, gain, out + i, samples - i);
+  plain::detailRow(fine + i, coarse + i, coefficient, gain, base + i, out + i, samples - i);
 }
 
 #endif
@@ -91,8 +93,9 @@ namespace Lumvane {
 
 HWY_EXPORT(detailRow);
 
-void detailRow(const float* fine, const float* coarse, float coefficient, float gain, float* out, size_t samples) {
-  HWY_DYNAMIC_DISPATCH(detailRow)(fine, coarse, coefficient, gain, out, samples);
+void detailRow(const float* fine, const float* coarse, float coefficient, float gain, const float* base, float* out,
+               size_t samples) {
+  HWY_DYNAMIC_DISPATCH(detailRow)(fine, coarse, coefficient, gain, base, out, samples);
 }
 
 }  // namespace Lumvane

@@ -39,10 +39,10 @@ void synthesisRow(const float* hue, const float* saturation, const float* value,
   const hn::RebindToSigned<decltype(df)> di;
   const hn::Repartition<uint8_t, decltype(df)> du8;
   using V = hn::Vec<decltype(df)>;
-  const V zero = hn::Zero(df), one = hn::Set(df, 1.0f), turn = hn::Set(df, 6.0f);
+  const V one = hn::Set(df, 1.0f), turn = hn::Set(df, 6.0f);
   const auto toByte = [&](V colour) HWY_ATTR {
-    const V scaled = hn::Mul(hn::Min(hn::Max(colour, zero), one), hn::Set(df, 255.0f));
-    return hn::ConvertTo(di, hn::Add(scaled, hn::Set(df, 0.5f)));  // truncates
+    // Truncates. From 0 to 1 as it is, the colour need not be held there.
+    return hn::ConvertTo(di, hn::Add(hn::Mul(colour, hn::Set(df, 255.0f)), hn::Set(df, 0.5f)));
   };
   const size_t lanes = hn::Lanes(df);
   size_t i = 0;
@@ -53,7 +53,7 @@ void synthesisRow(const float* hue, const float* saturation, const float* value,
     const V x = hn::IfThenElse(hn::Ge(hexagon, turn), hn::Sub(hexagon, turn), hexagon);
     const auto sector = hn::ConvertTo(di, x);
     const V f = hn::Sub(x, hn::ConvertTo(df, sector));
-    const auto isOdd = hn::MaskFromVec(hn::BitCast(df, hn::Neg(hn::And(sector, hn::Set(di, 1)))));
+    const auto isOdd = hn::RebindMask(df, hn::TestBit(sector, hn::Set(di, 1)));
     const V share = hn::IfThenElse(isOdd, f, hn::Sub(one, f));
     // Without saturation these two are the value, as it should be.
     const V lowest = hn::Mul(hn::Sub(one, s), v);

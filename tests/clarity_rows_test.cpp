@@ -4,6 +4,7 @@
 
 #include <bit>
 #include <cmath>
+#include <opencv2/core.hpp>
 
 #include "clarity/clarity_rows.h"
 #include "tests/float_rows.h"
@@ -57,50 +58,48 @@ TEST_P(ClarityRow, RaisesDetails) {
   for (int step = 1; step <= 30 * 128; ++step) {
     for (const float d : neighbours(std::sqrt(static_cast<float>(step) / 128.0f / kCoefficient))) add(d, 0.0f);
   }
-  std::vector<float> expected(fine.size()), found(fine.size());
-  plain::detailRow(fine.data(), coarse.data(), kCoefficient, kGain, expected.data(), fine.size());
-  detailRow(fine.data(), coarse.data(), kCoefficient, kGain, found.data(), fine.size());
-  EXPECT_EQ(firstDifference(expected, found), "");
+  for (const float offset : {0.0f, 0.7f}) {
+    const std::vector<float> base(fine.size(), offset);
+    std::vector<float> expected(fine.size()), found(fine.size());
+    plain::detailRow(fine.data(), coarse.data(), kCoefficient, kGain, base.data(), expected.data(), fine.size());
+    detailRow(fine.data(), coarse.data(), kCoefficient, kGain, base.data(), found.data(), fine.size());
+    EXPECT_EQ(firstDifference(expected, found), "") << offset;
+  }
 }
 
 // Every difference of samples from 0 to 1 whose weight is not 1, and beyond that as far as resampling may overshoot.
 TEST_P(ClarityRow, RaisesEveryDifferenceAsThePlainFormDoes) {
   constexpr uint32_t kBlock = 1 << 16;
-  std::vector<float> fine(kBlock), coarse(kBlock), expected(kBlock), found(kBlock);
+  std::vector<float> fine(kBlock), zeros(kBlock), expected(kBlock), found(kBlock);
   const auto first = std::bit_cast<uint32_t>(0x1p-15f), end = std::bit_cast<uint32_t>(1.01f);
   for (uint32_t bits = first; bits < end; bits += kBlock) {
     for (uint32_t i = 0; i < kBlock; ++i) fine[i] = std::bit_cast<float>(bits + i);
-    plain::detailRow(fine.data(), coarse.data(), kCoefficient, kGain, expected.data(), kBlock);
-    detailRow(fine.data(), coarse.data(), kCoefficient, kGain, found.data(), kBlock);
+    plain::detailRow(fine.data(), zeros.data(), kCoefficient, kGain, zeros.data(), expected.data(), kBlock);
+    detailRow(fine.data(), zeros.data(), kCoefficient, kGain, zeros.data(), found.data(), kBlock);
     ASSERT_EQ(firstDifference(expected, found), "") << fine[0];
   }
 }
 
-TEST_P(ClarityRow, Blends) {
-  const std::vector<float> specials = {0.0f, 1e-45f, 1e-38f, 1e-7f, 0.25f, 0.5f, 0.99999994f, 1.0f};
-  std::vector<float> value, coarse, detail;
+TEST_P(ClarityRow, BlendsInEveryProportion) {
+  const std::vector<float> specials = {-1.0f, -1e-45f, 0.0f, 1e-45f, 1e-38f, 1e-7f, 0.25f, 0.99999994f, 1.0f, 1.5f};
+  std::vector<float> value = test::randomFloats(5000, 1), enhanced = test::randomFloats(5000, 2);
   for (const float v : specials) {
-    for (const float c : specials) {
-      for (const float d : specials) {
-        for (const float sign : {1.0f, -1.0f}) {
-          value.push_back(v);
-          coarse.push_back(c);
-          detail.push_back(sign * d);
-        }
-      }
+    for (const float e : specials) {
+      value.push_back(std::clamp(v, 0.0f, 1.0f));
+      enhanced.push_back(e);
     }
   }
-  const std::vector<float> random = test::randomFloats(3 << 16, 1);
-  for (size_t i = 0; i < random.size(); i += 3) {
-    value.push_back(random[i]);
-    coarse.push_back(random[i + 1]);
-    detail.push_back(1.1f * random[i + 2] - 0.55f);
-  }
   std::vector<float> expected(value.size()), found(value.size());
-  for (const float share : {0.01f, 0.3f, 0.7f, 0.99f, 1.0f}) {
-    plain::blendRow(value.data(), 1.0f - share, coarse.data(), detail.data(), share, expected.data(), value.size());
-    blendRow(value.data(), 1.0f - share, coarse.data(), detail.data(), share, found.data(), value.size());
-    ASSERT_EQ(firstDifference(expected, found), "") << share;
+  for (int percent = 1; percent <= 100; ++percent) {
+    const float share = static_cast<float>(percent) * 0.01f;
+    plain::blendRow(value.data(), 1.0f - share, enhanced.data(), share, expected.data(), value.size());
+    blendRow(value.data(), 1.0f - share, enhanced.data(), share, found.data(), value.size());
+    ASSERT_EQ(firstDifference(expected, found), "") << percent;
+    // And as OpenCV does it.
+    const cv::Mat limited = cv::min(cv::max(cv::Mat(enhanced), 0.0), 1.0);
+    cv::Mat mixed;
+    cv::addWeighted(cv::Mat(value), 1.0f - share, limited, share, 0.0, mixed, -1);
+    ASSERT_EQ(firstDifference(cv::Mat(cv::min(cv::max(mixed, 0.0), 1.0)), found), "") << percent;
   }
 }
 
@@ -122,7 +121,7 @@ TEST_P(ClarityRow, EncodesHuesAllAround) {
       for (const float v : units) {
         hue.push_back(h);
         saturation.push_back(std::clamp(s, 0.0f, 1.0f));
-        value.push_back(v);  // also a little above 1 and below 0
+        value.push_back(std::clamp(v, 0.0f, 1.0f));
       }
     }
   }
