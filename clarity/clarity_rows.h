@@ -18,7 +18,7 @@ void analysisRow(const uint8_t* src, float saturationFactor, float* hue, float* 
 
 /// Adds to base what samples differ from their surroundings, raised: with d = fine - coarse that is (d * gain) * w + d,
 /// where the weight w = exp(-(d * d * coefficient)), rounded correctly, falls from 1 for small differences to nearly 0
-/// for strong edges. out may be one of the inputs.
+/// for strong edges. fine and coarse lie from 0 to 1 or hardly beyond. out may be one of the inputs.
 void detailRow(const float* fine, const float* coarse, float coefficient, float gain, const float* base, float* out,
                size_t samples);
 

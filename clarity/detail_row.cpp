@@ -25,45 +25,38 @@ using plain::detailRow;
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-// exp(r - step / 64) for r within 1 / 128 around 0, rounded to single precision. With one entry of the table and a
-// polynomial it is off by little more than the last bit of double precision before it is rounded, and that is less than
-// what any exponential that occurs lies away from where its rounding changes.
-template <class DI, class V>
-HWY_INLINE auto exponentialNear(DI d64, hn::VFromD<hn::Rebind<int32_t, DI> > step, V r32) {
-  const hn::RebindToFloat<DI> dd;
-  // The Taylor series after the first two terms, its fourth-order and fifth-order terms spread over the lower ones as
-  // Chebyshev polynomials do it: least error over the whole range.
-  constexpr double kSquare = 1.0 / (128.0 * 128.0);
-  const auto c2 = hn::Set(dd, 1.0 / 2 - kSquare * kSquare / (8 * 720.0));
-  const auto c3 = hn::Set(dd, 1.0 / 6 - kSquare * kSquare * 5 / (16 * 5040.0));
-  const auto c4 = hn::Set(dd, 1.0 / 24 + kSquare / 720);
-  const auto c5 = hn::Set(dd, 1.0 / 120 + kSquare * 5 / (4 * 5040.0));
+// exp(r - step / 256) for r within 1 / 512 around 0, rounded to single precision. One entry of the table and a polynomial
+// make it, off by little more than the last bit of double precision before it is rounded. That is less than what lies
+// between any exponential that occurs and the nearest place where its rounding changes.
+template <class D64, class V32>
+HWY_INLINE hn::VFromD<hn::Rebind<float, D64> > exponentialNear(D64 d64, hn::VFromD<hn::Rebind<int32_t, D64> > step,
+                                                               V32 offset) {
+  const hn::RebindToFloat<D64> dd;
+  // The Taylor series, with most of its fifth-order term in the third-order one, where the two differ least.
+  const auto c4 = hn::Set(dd, 1.0 / 24);
+  const auto c3 = hn::Set(dd, 1.0 / 6 + 0.8695 / (512.0 * 512.0) / 120);
+  const auto c2 = hn::Set(dd, 1.0 / 2);
+  const auto r = hn::PromoteTo(dd, offset);
+  const auto higher = hn::Add(hn::Mul(hn::Add(hn::Mul(c4, r), c3), r), c2);
+  const auto growth = hn::Add(hn::Mul(higher, hn::Mul(r, r)), r);
   const auto base = hn::GatherIndex(dd, kExponentials.data(), hn::PromoteTo(d64, step));
-  const auto r = hn::PromoteTo(dd, r32);
-  const auto rr = hn::Mul(r, r);
-  auto sum = hn::Add(hn::Mul(c5, r), c4);
-  sum = hn::Add(hn::Mul(sum, r), c3);
-  sum = hn::Add(hn::Mul(sum, r), c2);
-  sum = hn::Add(hn::Mul(sum, rr), r);
-  return hn::DemoteTo(hn::Rebind<float, DI>(), hn::Add(hn::Mul(base, sum), base));
+  return hn::DemoteTo(hn::Rebind<float, D64>(), hn::Add(hn::Mul(base, growth), base));
 }
 
-// exp(-x) for x from 0; from 32 on something as small as makes no difference to a detail.
+// exp(-x) for x from 0 to 32. Other numbers give something wrong, but do no harm.
 template <class D, class V = hn::Vec<D> >
 HWY_INLINE V exponentialOfMinus(D df, V x) {
   const hn::RebindToSigned<D> di;
-  const hn::Repartition<int64_t, D> d64;
-  constexpr float kLargest = static_cast<float>(ExponentialTable::kSize - 1) / ExponentialTable::kStepsPerUnit;
-  // In a float of this size the last bit stands for one step, so that adding it rounds to whole steps.
-  const V shift = hn::Set(df, static_cast<float>((1 << 23) / ExponentialTable::kStepsPerUnit));
-  const V held = hn::Min(x, hn::Set(df, kLargest));
-  const V shifted = hn::Add(held, shift);
-  const V r = hn::Sub(hn::Sub(shifted, shift), held);  // exact
-  const auto step = hn::And(hn::BitCast(di, shifted), hn::Set(di, ExponentialTable::kSize - 1));
   const hn::Half<D> dh;
   const hn::Half<decltype(di)> dih;
-  const auto lower = exponentialNear(d64, hn::LowerHalf(dih, step), hn::LowerHalf(dh, r));
-  const auto upper = exponentialNear(d64, hn::UpperHalf(dih, step), hn::UpperHalf(dh, r));
+  const hn::Repartition<int64_t, D> d64;
+  // In a float of this size the last bit stands for one step, so that adding it rounds to whole steps.
+  const V shift = hn::Set(df, static_cast<float>((1 << 23) / ExponentialTable::kStepsPerUnit));
+  const V shifted = hn::Add(x, shift);
+  const V offset = hn::Sub(hn::Sub(shifted, shift), x);  // exact
+  const auto step = hn::And(hn::BitCast(di, shifted), hn::Set(di, ExponentialTable::kSize - 1));
+  const auto lower = exponentialNear(d64, hn::LowerHalf(dih, step), hn::LowerHalf(dh, offset));
+  const auto upper = exponentialNear(d64, hn::UpperHalf(dih, step), hn::UpperHalf(dh, offset));
   return hn::Combine(df, upper, lower);
 }
 

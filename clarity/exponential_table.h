@@ -8,13 +8,13 @@ namespace Lumvane {
 /// exp(-k / kStepsPerUnit) for k = 0, 1, ..., rounded to double precision.
 class ExponentialTable {
  public:
-  static constexpr int kStepsPerUnit = 64;
-  static constexpr size_t kSize = 2048;  // up to 32, where the exponential has long stopped to matter
+  static constexpr int kStepsPerUnit = 256;
+  static constexpr size_t kSize = 8192;  // up to 32, where the exponential has long stopped to matter
 
   // By repeated multiplication with some 100 bits, so that no error of the products reaches a table entry.
   constexpr ExponentialTable() {
-    constexpr double kFactor = 0x1.f80feabfeefa5p-1;  // exp(-1 / 64)
-    constexpr double kFactorRest = -0x1.b60bbd08aac55p-55;
+    constexpr double kFactor = 0x1.fe00ffaabffbcp-1;  // exp(-1 / 256)
+    constexpr double kFactorRest = -0x1.c72970f73da82p-56;
     double entry = 1.0, rest = 0.0;
     for (double& stored : entries_) {
       stored = entry;

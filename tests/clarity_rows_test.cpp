@@ -45,18 +45,18 @@ TEST_P(ClarityRow, RaisesDetails) {
   for (int a = 0; a < 256; ++a) {
     for (int b = 0; b < 256; ++b) add(static_cast<float>(a) / 255.0f, static_cast<float>(b) / 255.0f);
   }
-  // Differences of all sizes of both signs, from those whose square is lost to those whose exponential is.
+  // Differences of all sizes of both signs, down to those whose square is lost.
   for (float d = 1.0f; d > 1e-25f; d *= 0.99951f) {
     add(d, 0.0f);
     add(0.0f, d);
   }
-  for (const float d : {0.0f, 1e-45f, 1e-38f, 1.0001f, 1.5f, 2.0f, 100.0f, 1e19f, 3e38f}) {
+  for (const float d : {0.0f, 1e-45f, 1e-38f, 1.0001f, 1.1f}) {
     add(d, 0.0f);
     add(-d, 0.0f);
   }
   // Arguments of the exponential around the places where its table goes from one step to the next.
-  for (int step = 1; step <= 30 * 128; ++step) {
-    for (const float d : neighbours(std::sqrt(static_cast<float>(step) / 128.0f / kCoefficient))) add(d, 0.0f);
+  for (int step = 1; step <= 22 * 512; ++step) {
+    for (const float d : neighbours(std::sqrt(static_cast<float>(step) / 512.0f / kCoefficient))) add(d, 0.0f);
   }
   for (const float offset : {0.0f, 0.7f}) {
     const std::vector<float> base(fine.size(), offset);
