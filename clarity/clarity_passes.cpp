@@ -5,6 +5,11 @@
 #include "clarity/clarity_rows.h"
 
 namespace Lumvane {
+namespace {
+
+constexpr int kChunk = 512;
+
+}  // namespace
 
 StripeRows::StripeRows(const cv::Range& range, int rows, int stripes)
     : first(static_cast<int>(int64_t{range.start} * rows / stripes)),
@@ -29,23 +34,19 @@ void clarityDetailPass::operator()(const cv::Range& range) const {
 void claritySynthesisPass::operator()(const cv::Range& range) const {
   const StripeRows band(range, rows, stripes);
   for (int y = band.first; y < band.end; ++y) {
-    if (amount > 0.0f) enhance(y);
-    synthesisRow(planes[0].ptr<float>(y), planes[1].ptr<float>(y), planes[2].ptr<float>(y), src.ptr(y), dst.ptr(y),
-                 static_cast<size_t>(dst.cols));
+    for (int x = 0; x < dst.cols; x += kChunk) encode(y, x, static_cast<size_t>(std::min(kChunk, dst.cols - x)));
   }
 }
 
-void claritySynthesisPass::enhance(int y) const {
-  constexpr size_t kChunk = 1024;
-  float enhanced[kChunk];
-  const auto width = static_cast<size_t>(dst.cols);
-  for (size_t x = 0; x < width; x += kChunk) {
-    const size_t samples = std::min(kChunk, width - x);
-    float* const value = planes[2].ptr<float>(y) + x;
-    detailRow(value, pyramid.coarse[0].ptr<float>(y) + x, kDetailCoefficient, kDetailGain,
-              pyramid.rebuilt[0].ptr<float>(y) + x, enhanced, samples);
-    blendRow(value, 1.0f - amount, enhanced, amount, value, samples);
+void claritySynthesisPass::encode(int y, int x, size_t pixels) const {
+  float* const value = planes[2].ptr<float>(y, x);
+  if (amount > 0.0f) {
+    float enhanced[kChunk];
+    detailRow(value, pyramid.coarse[0].ptr<float>(y, x), kDetailCoefficient, kDetailGain,
+              pyramid.rebuilt[0].ptr<float>(y, x), enhanced, pixels);
+    blendRow(value, 1.0f - amount, enhanced, amount, value, pixels);
   }
+  synthesisRow(planes[0].ptr<float>(y, x), planes[1].ptr<float>(y, x), value, src.ptr(y, x), dst.ptr(y, x), pixels);
 }
 
 }  // namespace Lumvane

@@ -55,7 +55,7 @@ struct claritySynthesisPass {
   void operator()(const cv::Range& range) const;
 
  private:
-  void enhance(int y) const;
+  void encode(int y, int x, size_t pixels) const;
 };
 
 }  // namespace Lumvane

@@ -17,6 +17,21 @@ using plain::synthesisRow;
 
 namespace hn = hwy::HWY_NAMESPACE;
 
+// The whole part of numbers far from the ends of 32 bits. On x86, ConvertTo minds those ends too, which takes a third of
+// the time of the whole row.
+template <class DI, class V>
+HWY_INLINE hn::Vec<DI> wholePart([[maybe_unused]] DI di, V v) {
+#if HWY_ARCH_X86 && HWY_TARGET <= HWY_AVX3
+  return {_mm512_cvttps_epi32(v.raw)};
+#elif HWY_ARCH_X86 && HWY_TARGET == HWY_AVX2
+  return {_mm256_cvttps_epi32(v.raw)};
+#elif HWY_ARCH_X86
+  return {_mm_cvttps_epi32(v.raw)};
+#else
+  return hn::ConvertTo(di, v);
+#endif
+}
+
 // Puts the bytes of each lane, which are the value, the lowest and the middle colour and alpha, where the sector of the
 // hue wants them. There are two cycles, one for the even and one for the odd sectors, and the bytes 0, 1 and 2 of a
 // pixel come from three neighbours in one of them.
@@ -41,8 +56,8 @@ void synthesisRow(const float* hue, const float* saturation, const float* value,
   using V = hn::Vec<decltype(df)>;
   const V one = hn::Set(df, 1.0f), turn = hn::Set(df, 6.0f);
   const auto toByte = [&](V colour) HWY_ATTR {
-    // Truncates. From 0 to 1 as it is, the colour need not be held there.
-    return hn::ConvertTo(di, hn::Add(hn::Mul(colour, hn::Set(df, 255.0f)), hn::Set(df, 0.5f)));
+    // From 0 to 1 as it is, the colour need not be held there.
+    return wholePart(di, hn::Add(hn::Mul(colour, hn::Set(df, 255.0f)), hn::Set(df, 0.5f)));
   };
   const size_t lanes = hn::Lanes(df);
   size_t i = 0;
@@ -51,7 +66,7 @@ void synthesisRow(const float* hue, const float* saturation, const float* value,
     const V v = hn::LoadU(df, value + i);
     const V hexagon = hn::Mul(hn::LoadU(df, hue + i), hn::Set(df, 0.016666668f));
     const V x = hn::IfThenElse(hn::Ge(hexagon, turn), hn::Sub(hexagon, turn), hexagon);
-    const auto sector = hn::ConvertTo(di, x);
+    const auto sector = wholePart(di, x);
     const V f = hn::Sub(x, hn::ConvertTo(df, sector));
     const auto isOdd = hn::RebindMask(df, hn::TestBit(sector, hn::Set(di, 1)));
     const V share = hn::IfThenElse(isOdd, f, hn::Sub(one, f));

@@ -2,9 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <bit>
 #include <cmath>
 #include <opencv2/core.hpp>
+#include <tuple>
 
 #include "clarity/clarity_rows.h"
 #include "tests/float_rows.h"
@@ -131,6 +133,47 @@ TEST_P(ClarityRow, EncodesHuesAllAround) {
   synthesisRow(hue.data(), saturation.data(), value.data(), src.data(), found.data(), hue.size());
   for (size_t i = 0; i < src.size(); ++i)
     ASSERT_EQ(expected[i], found[i]) << hue[i / 4] << " " << saturation[i / 4] << " " << value[i / 4] << " " << i % 4;
+}
+
+// All widths up to three of the widest vectors and a little, at starts off any vector's bounds, in place too.
+TEST_P(ClarityRow, KeepsToItsRowInEveryWidth) {
+  constexpr size_t kLongest = 3 * 16 + 3, kStarts = 3;
+  const std::vector<float> random = test::randomFloats(4 * (kLongest + kStarts), 3);
+  const std::vector<uint8_t> bytes = test::noise(4 * (kLongest + kStarts), 4);
+  using Floats = std::array<std::vector<float>, 3>;  // with samples that must stay on both sides of the row
+  struct Kernels {
+    decltype(&analysisRow) analysis;
+    decltype(&detailRow) detail;
+    decltype(&blendRow) blend;
+    decltype(&synthesisRow) synthesis;
+  };
+  const auto run = [&](const Kernels& kernels, size_t start, size_t width) {
+    // Of exactly their size, so that the address sanitizer sees what is read beyond it.
+    const std::vector<uint8_t> src(bytes.begin(), bytes.begin() + static_cast<ptrdiff_t>(4 * width + start));
+    const std::vector<float> fine(random.begin(), random.begin() + static_cast<ptrdiff_t>(width + start));
+    const std::vector<float> coarse(random.end() - static_cast<ptrdiff_t>(width + start), random.end());
+    Floats planes;
+    for (auto& plane : planes) plane.assign(width + start + 32, -1.0f);
+    float* const row[] = {&planes[0][start + 16], &planes[1][start + 16], &planes[2][start + 16]};
+    kernels.analysis(src.data() + start, 1.1f, row[0], row[1], row[2], width);
+    kernels.detail(row[2], coarse.data() + start, kCoefficient, kGain, fine.data() + start, row[2], width);
+    kernels.blend(fine.data() + start, 0.25f, row[2], 0.75f, row[2], width);
+    std::vector<uint8_t> dst(4 * width + start + 128, 0xA5), inPlace = dst;
+    std::copy(src.begin() + static_cast<ptrdiff_t>(start), src.end(),
+              inPlace.begin() + static_cast<ptrdiff_t>(start + 64));
+    kernels.synthesis(row[0], row[1], row[2], src.data() + start, &dst[start + 64], width);
+    kernels.synthesis(row[0], row[1], row[2], &inPlace[start + 64], &inPlace[start + 64], width);
+    return std::tuple{planes, dst, inPlace};
+  };
+  for (size_t width = 0; width <= kLongest; ++width) {
+    for (size_t start = 0; start < kStarts; ++start) {
+      const auto expected =
+          run({plain::analysisRow, plain::detailRow, plain::blendRow, plain::synthesisRow}, start, width);
+      const auto found = run({analysisRow, detailRow, blendRow, synthesisRow}, start, width);
+      ASSERT_TRUE(found == expected) << width << " from " << start;
+      ASSERT_TRUE(std::get<1>(found) == std::get<2>(found)) << width << " in place";
+    }
+  }
 }
 
 }  // namespace
