@@ -38,7 +38,9 @@ void buildClarityPyramid(const cv::Mat& value, int levels, ClarityPyramid& pyram
 }
 
 void collapseClarityPyramid(ClarityPyramid& pyramid) {
-  auto& [gaussian, coarse, rebuilt] = pyramid;
+  const auto& gaussian = pyramid.gaussian;
+  auto& coarse = pyramid.coarse;
+  auto& rebuilt = pyramid.rebuilt;
   const size_t last = gaussian.size() - 1;
   // The coarsest level is its own surroundings, and so without detail.
   gaussian[last].copyTo(coarse[last]);

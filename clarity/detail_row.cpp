@@ -8,13 +8,6 @@
 #include <hwy/foreach_target.h>  // must come before highway.h
 #include <hwy/highway.h>
 
-#ifndef LUMVANE_CLARITY_EXPONENTIALS  // once for all targets
-#define LUMVANE_CLARITY_EXPONENTIALS
-namespace Lumvane {
-static constexpr ExponentialTable kExponentials;
-}
-#endif
-
 HWY_BEFORE_NAMESPACE();
 namespace Lumvane {
 namespace HWY_NAMESPACE {

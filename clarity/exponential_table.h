@@ -9,9 +9,10 @@ namespace Lumvane {
 class ExponentialTable {
  public:
   static constexpr int kStepsPerUnit = 256;
-  static constexpr size_t kSize = 8192;  // up to 32, where the exponential has long stopped to matter
+  static constexpr size_t kSize = 8192;  // up to 32; a power of 2, which a mask keeps every number below
 
-  // By repeated multiplication with some 100 bits, so that no error of the products reaches a table entry.
+  // By repeated multiplication with some 100 bits, so that no error of the products reaches a table entry. By itself,
+  // as a C library's exponential cannot be called at compile time.
   constexpr ExponentialTable() {
     constexpr double kFactor = 0x1.fe00ffaabffbcp-1;  // exp(-1 / 256)
     constexpr double kFactorRest = -0x1.c72970f73da82p-56;
@@ -41,5 +42,7 @@ class ExponentialTable {
 
   std::array<double, kSize> entries_ = {};
 };
+
+inline constexpr ExponentialTable kExponentials;
 
 }  // namespace Lumvane

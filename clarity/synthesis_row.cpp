@@ -23,9 +23,9 @@ template <class DI, class V>
 HWY_INLINE hn::Vec<DI> wholePart([[maybe_unused]] DI di, V v) {
 #if HWY_ARCH_X86 && HWY_TARGET <= HWY_AVX3
   return {_mm512_cvttps_epi32(v.raw)};
-#elif HWY_ARCH_X86 && HWY_TARGET == HWY_AVX2
+#elif HWY_TARGET == HWY_AVX2
   return {_mm256_cvttps_epi32(v.raw)};
-#elif HWY_ARCH_X86
+#elif HWY_TARGET == HWY_SSE4 || HWY_TARGET == HWY_SSSE3
   return {_mm_cvttps_epi32(v.raw)};
 #else
   return hn::ConvertTo(di, v);

@@ -84,7 +84,10 @@ TEST(Clarity, RendersFramesOfChangingSizes) {
   const Clarity clarity(640, 360, 40, 80);
   for (const auto& [width, height] : {std::pair{64, 48}, {48, 64}, {48, 90}, {200, 100}, {1, 1}, {64, 48}}) {
     // As after a frame whose planes did not all find memory.
-    static_cast<Lumvane::NLEPureCClarity*>(clarity.handle)->planes[1].release();
+    auto* const effect = static_cast<Lumvane::NLEPureCClarity*>(clarity.handle);
+    effect->planes[1].release();
+    if (!effect->pyramid.rebuilt.empty()) effect->pyramid.rebuilt[2].release();
+    effect->pyramid.gaussian.resize(2);
     Frame src(width, height), dst(width, height);
     fillWithWaves(src);
     EXPECT_EQ(clarity.process(dst, src), 1);
