@@ -31,12 +31,12 @@ void blendRow(const float* value, float valueWeight, const float* enhanced, floa
   const size_t lanes = hn::Lanes(df);
   size_t i = 0;
   for (; i + lanes <= samples; i += lanes) {
-    const V v = hn::LoadU(df, value + i);
     const V e = hn::Max(hn::Min(hn::LoadU(df, enhanced + i), hn::Set(df, 1.0f)), hn::Zero(df));
-    const auto lower = mixed(hn::LowerHalf(dh, v), hn::LowerHalf(dh, e));
-    const auto upper = mixed(hn::UpperHalf(dh, v), hn::UpperHalf(dh, e));
+    const auto lower = mixed(hn::LoadU(dh, value + i), hn::LowerHalf(dh, e));
+    const auto upper = mixed(hn::LoadU(dh, value + i + lanes / 2), hn::UpperHalf(dh, e));
     // What is mixed lies from 0 to 1, and so does the mix: the weights' sum is off from 1 by less than a float can tell.
-    hn::StoreU(hn::Combine(df, upper, lower), df, out + i);
+    hn::StoreU(lower, dh, out + i);
+    hn::StoreU(upper, dh, out + i + lanes / 2);
   }
   plain::blendRow(value + i, valueWeight, enhanced + i, enhancedWeight, out + i, samples - i);
 }
