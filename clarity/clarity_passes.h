@@ -4,6 +4,8 @@
 
 #include <opencv2/core.hpp>
 
+#include "clarity/clarity_pyramid.h"
+
 namespace Lumvane {
 
 /// The rows that belong to the stripes of a range: from first up to, not including, end.
@@ -25,28 +27,35 @@ struct clarityAnalysisPass {
   void operator()(const cv::Range& range) const;
 };
 
-/// Raises the differences between a level and the next coarser one, brought up to its size.
+/// Adds to a level the raised differences between it, as it was at first, and the next coarser one brought up to its
+/// size.
 struct clarityDetailPass {
   int rows;
   int stripes;
   const cv::Mat& fine;
-  const cv::Mat& up;
-  cv::Mat& out;
+  const cv::Mat& coarse;
+  cv::Mat& rebuilt;
   float coefficient;
   float gain;
 
   void operator()(const cv::Range& range) const;
 };
 
-/// Encodes hue, saturation and value planes into BGRA rows, with the alpha of src.
+/// Encodes hue, saturation and value planes into BGRA rows, with the alpha of src. Before that it mixes into the value
+/// plane, in place, the pyramid's finest level with its raised differences; an amount of 0 leaves the plane as it is.
 struct claritySynthesisPass {
   int rows;
   int stripes;
-  const cv::Mat (&planes)[3];
+  cv::Mat (&planes)[3];
   cv::Mat& dst;
   const cv::Mat& src;
+  const ClarityPyramid& pyramid;
+  float amount;
 
   void operator()(const cv::Range& range) const;
+
+ private:
+  void encode(int y, int x, size_t pixels) const;
 };
 
 }  // namespace Lumvane

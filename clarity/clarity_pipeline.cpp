@@ -1,7 +1,6 @@
 #include "clarity/clarity_pipeline.h"
 
 #include <algorithm>
-#include <vector>
 
 #include "clarity/clarity_passes.h"
 #include "clarity/clarity_pyramid.h"
@@ -13,11 +12,6 @@ namespace {
 constexpr int kMostStripes = 16;
 constexpr float kPercent = 0.01f;
 constexpr float kSaturationSpan = 0.15f;
-
-void clampToUnit(cv::Mat& plane) {
-  cv::min(plane, 1.0, plane);
-  cv::max(plane, 0.0, plane);
-}
 
 }  // namespace
 
@@ -34,22 +28,13 @@ int clarityPipeline(NLEPureCClarity& effect, const cv::Mat& src, cv::Mat& dst, i
   cv::parallel_for_(cv::Range(0, stripes), clarityAnalysisPass{src.rows, stripes, src, planes, saturationFactor},
                     threads);
 
-  const cv::Mat valueRef = planes[2];
-  std::vector<cv::Mat> gaussian;
-  std::vector<cv::Mat> detail;
-  buildClarityPyramid(valueRef, effect.levels, gaussian, detail);
-  cv::Mat enhanced = collapseClarityPyramid(gaussian, detail);
-  clampToUnit(enhanced);
-
   const float amount = std::clamp(static_cast<float>(intensity), 0.0f, 100.0f) * kPercent;
   if (amount > 0.0f) {
-    cv::Mat blended;
-    cv::addWeighted(valueRef, 1.0f - amount, enhanced, amount, 0.0, blended, -1);
-    clampToUnit(blended);
-    planes[2] = blended;
+    buildClarityPyramid(planes[2], effect.levels, effect.pyramid);
+    collapseClarityPyramid(effect.pyramid);
   }
-
-  cv::parallel_for_(cv::Range(0, stripes), claritySynthesisPass{dst.rows, stripes, planes, dst, src}, threads);
+  cv::parallel_for_(cv::Range(0, stripes),
+                    claritySynthesisPass{dst.rows, stripes, planes, dst, src, effect.pyramid, amount}, threads);
   return 0;
 }
 

@@ -10,8 +10,8 @@ namespace Lumvane {
 namespace {
 
 constexpr int kMostLevels = 8;
-constexpr float kCoefficient = 22.222221f;  // 1 / (2 * sigma * sigma) for sigma = 0.15
-constexpr float kGain = 0.55f;
+constexpr int kLeastShared =
+    1 << 15;  // samples of a plane below which waking another thread takes longer than the work
 
 }  // namespace
 
@@ -20,42 +20,44 @@ int clarityLevelCount(int width, int height) {
   return std::min(static_cast<int>(std::bit_width(shorterSide - 1)) + 1, kMostLevels);  // ceil(log2(side)) + 1
 }
 
-cv::Mat pyramidDown(const cv::Mat& input) {
-  if (input.cols < 2 || input.rows < 2) return input.clone();
-  cv::Mat output;
+void pyramidDown(const cv::Mat& input, cv::Mat& output) {
+  if (input.cols < 2 || input.rows < 2) return input.copyTo(output);
   cv::pyrDown(input, output, cv::Size(), cv::BORDER_REFLECT_101);
-  return output;
 }
 
-cv::Mat pyramidUp(const cv::Mat& input, cv::Size size) {
-  if (input.size() == size) return input.clone();
-  cv::Mat output;
+void pyramidUp(const cv::Mat& input, cv::Size size, cv::Mat& output) {
+  if (input.size() == size) return input.copyTo(output);
   cv::pyrUp(input, output, size, cv::BORDER_REFLECT_101);
-  return output;
 }
 
-void buildClarityPyramid(const cv::Mat& value, int levels, std::vector<cv::Mat>& gaussian,
-                         std::vector<cv::Mat>& detail) {
+void buildClarityPyramid(const cv::Mat& value, int levels, ClarityPyramid& pyramid) {
   const auto n = static_cast<size_t>(std::max(levels, 1));
-  gaussian.resize(n);
-  detail.resize(n);
-  gaussian[0] = value;
-  for (size_t i = 1; i < n; ++i) gaussian[i] = pyramidDown(gaussian[i - 1]);
-  detail[n - 1] = gaussian[n - 1].clone();
-  for (size_t i = 0; i + 1 < n; ++i) {
-    const cv::Mat& fine = gaussian[i];
-    const cv::Mat up = pyramidUp(gaussian[i + 1], fine.size());
-    cv::Mat out(fine.size(), fine.type());
-    const int stripes = std::max(1, 2 * cv::getNumThreads());
-    cv::parallel_for_(cv::Range(0, stripes), clarityDetailPass{fine.rows, stripes, fine, up, out, kCoefficient, kGain});
-    detail[i] = out;
-  }
+  for (auto* planes : {&pyramid.gaussian, &pyramid.coarse, &pyramid.rebuilt}) planes->resize(n);
+  pyramid.gaussian[0] = value;
+  for (size_t i = 1; i < n; ++i) pyramidDown(pyramid.gaussian[i - 1], pyramid.gaussian[i]);
 }
 
-cv::Mat collapseClarityPyramid(const std::vector<cv::Mat>& gaussian, const std::vector<cv::Mat>& detail) {
-  cv::Mat current = detail.back().clone();
-  for (size_t i = detail.size() - 1; i-- > 0;) current = pyramidUp(current, gaussian[i].size()) + detail[i];
-  return current;
+void collapseClarityPyramid(ClarityPyramid& pyramid) {
+  const auto& gaussian = pyramid.gaussian;
+  auto& coarse = pyramid.coarse;
+  auto& rebuilt = pyramid.rebuilt;
+  const size_t last = gaussian.size() - 1;
+  // The coarsest level is its own surroundings, and so without detail.
+  gaussian[last].copyTo(coarse[last]);
+  gaussian[last].copyTo(rebuilt[last]);
+  for (size_t i = last; i-- > 0;) {
+    const cv::Mat& fine = gaussian[i];
+    const auto bringUp = [&](const cv::Range& which) {
+      if (which.start == 0) pyramidUp(gaussian[i + 1], fine.size(), coarse[i]);
+      if (which.end == 2) pyramidUp(rebuilt[i + 1], fine.size(), rebuilt[i]);
+    };
+    const bool shared = fine.size().area() >= kLeastShared;
+    cv::parallel_for_(cv::Range(0, 2), bringUp, shared ? 2 : 1);
+    if (i == 0) break;
+    const int stripes = shared ? std::max(1, 2 * cv::getNumThreads()) : 1;
+    cv::parallel_for_(cv::Range(0, stripes), clarityDetailPass{fine.rows, stripes, fine, coarse[i], rebuilt[i],
+                                                               kDetailCoefficient, kDetailGain});
+  }
 }
 
 }  // namespace Lumvane

@@ -1,5 +1,5 @@
-// The heart of the effect: a plane is split into a Gaussian pyramid and the differences between its levels, the small
-// ones among these are raised, and the plane is put together again.
+// The heart of the effect: a plane is split into a Gaussian pyramid, the differences between its levels are raised, the
+// small ones among them most, and the plane is put together again.
 #pragma once
 
 #include <opencv2/core.hpp>
@@ -7,22 +7,33 @@
 
 namespace Lumvane {
 
+inline constexpr float kDetailCoefficient = 22.222221f;  // 1 / (2 * sigma * sigma) for sigma = 0.15
+inline constexpr float kDetailGain = 0.55f;
+
+/// The planes of a pyramid, CV_32FC1, finest level first. Nothing in them counts for the next frame but their memory:
+/// finding new memory for each frame takes longer than working on it.
+struct ClarityPyramid {
+  std::vector<cv::Mat> gaussian;  ///< what is left of the plane at half the size, a quarter, and so on
+  std::vector<cv::Mat> coarse;    ///< what the next coarser level of `gaussian` tells of each level, at its size
+  std::vector<cv::Mat> rebuilt;   ///< each level put together again from the coarser ones
+};
+
 /// Levels of the pyramid for frames of this size: one more than the shorter side can be halved, from 1 to 8.
 int clarityLevelCount(int width, int height);
 
 /// A plane of half the size, (side + 1) / 2; a copy where a side cannot be halved any more.
-cv::Mat pyramidDown(const cv::Mat& input);
+void pyramidDown(const cv::Mat& input, cv::Mat& output);
 
 /// A plane brought up to `size`, that of the finer level that it came from; a copy where it has that size.
-cv::Mat pyramidUp(const cv::Mat& input, cv::Size size);
+void pyramidUp(const cv::Mat& input, cv::Size size, cv::Mat& output);
 
-/// Fills both lists with `levels` entries, at least one: gaussian[0] shares the pixels of `value`, a CV_32FC1 plane,
-/// and each further entry is half the size. detail[i] holds the raised difference between gaussian[i] and what
-/// gaussian[i + 1] tells of it; the last one is a copy of the coarsest level.
-void buildClarityPyramid(const cv::Mat& value, int levels, std::vector<cv::Mat>& gaussian,
-                         std::vector<cv::Mat>& detail);
+/// Makes a pyramid of `levels` levels, at least one. pyramid.gaussian[0] shares the pixels of `value`, a CV_32FC1 plane,
+/// and each further entry has half the size of the one before.
+void buildClarityPyramid(const cv::Mat& value, int levels, ClarityPyramid& pyramid);
 
-/// The plane rebuilt from the details; `gaussian` gives the size of each level. The result can leave 0 to 1.
-cv::Mat collapseClarityPyramid(const std::vector<cv::Mat>& gaussian, const std::vector<cv::Mat>& detail);
+/// Puts the levels together again, coarsest first, and raises the details of all but the finest. There it leaves to the
+/// last pass over the frame to raise what gaussian[0] differs from coarse[0] and add it to rebuilt[0]. The sum can leave
+/// 0 to 1.
+void collapseClarityPyramid(ClarityPyramid& pyramid);
 
 }  // namespace Lumvane

@@ -47,11 +47,20 @@ void analysisRow(const uint8_t* src, float saturationFactor, float* hue, float* 
   }
 }
 
-void detailRow(const float* fine, const float* coarse, float coefficient, float gain, float* out, size_t samples) {
+void detailRow(const float* fine, const float* coarse, float coefficient, float gain, const float* base, float* out,
+               size_t samples) {
   for (size_t i = 0; i < samples; ++i) {
     const float d = fine[i] - coarse[i];
     const float w = exponential(-(d * d * coefficient));
-    out[i] = (d * gain) * w + d;
+    out[i] = base[i] + ((d * gain) * w + d);
+  }
+}
+
+void blendRow(const float* value, float valueWeight, const float* enhanced, float enhancedWeight, float* out,
+              size_t samples) {
+  for (size_t i = 0; i < samples; ++i) {
+    const double share = double{std::clamp(enhanced[i], 0.0f, 1.0f)} * double{enhancedWeight};
+    out[i] = std::clamp(static_cast<float>(double{value[i]} * double{valueWeight} + share), 0.0f, 1.0f);
   }
 }
 

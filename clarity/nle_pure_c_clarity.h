@@ -3,6 +3,7 @@
 #include <memory>
 #include <opencv2/core.hpp>
 
+#include "clarity/clarity_pyramid.h"
 #include "nle/nle_adjust_color_effect.h"
 
 namespace Lumvane {
@@ -15,8 +16,9 @@ class NLEPureCClarity : public NLEAdjustColorEffect {
 
   int width = 0;  ///< the size for which `levels` was computed
   int height = 0;
-  int levels = 0;     ///< pyramid levels, also for frames of another size; 0 counts as 1
-  cv::Mat planes[3];  ///< hue in degrees, saturation and value from 0 to 1 of the frame at hand; CV_32FC1
+  int levels = 0;          ///< pyramid levels, also for frames of another size; 0 counts as 1
+  cv::Mat planes[3];       ///< hue in degrees, saturation and value from 0 to 1 of the frame at hand; CV_32FC1
+  ClarityPyramid pyramid;  ///< of the value plane
 
   ~NLEPureCClarity() override = default;
 

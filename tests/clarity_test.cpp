@@ -84,7 +84,10 @@ TEST(Clarity, RendersFramesOfChangingSizes) {
   const Clarity clarity(640, 360, 40, 80);
   for (const auto& [width, height] : {std::pair{64, 48}, {48, 64}, {48, 90}, {200, 100}, {1, 1}, {64, 48}}) {
     // As after a frame whose planes did not all find memory.
-    static_cast<Lumvane::NLEPureCClarity*>(clarity.handle)->planes[1].release();
+    auto* const effect = static_cast<Lumvane::NLEPureCClarity*>(clarity.handle);
+    effect->planes[1].release();
+    if (!effect->pyramid.rebuilt.empty()) effect->pyramid.rebuilt[2].release();
+    effect->pyramid.gaussian.resize(2);
     Frame src(width, height), dst(width, height);
     fillWithWaves(src);
     EXPECT_EQ(clarity.process(dst, src), 1);
@@ -205,26 +208,32 @@ TEST(ClarityPyramid, HasALevelForEachHalvingOfTheShorterSide) {
 }
 
 TEST(ClarityPyramid, HalvesDownToItsCoarsestLevel) {
-  std::vector<cv::Mat> gaussian, detail;
-  Lumvane::buildClarityPyramid(cv::Mat(1080, 1920, CV_32FC1, cv::Scalar(0.5)), 8, gaussian, detail);
-  EXPECT_EQ(gaussian.back().size(), cv::Size(15, 9));
-  EXPECT_EQ(detail[3].size(), gaussian[3].size());
+  Lumvane::ClarityPyramid pyramid;
+  Lumvane::buildClarityPyramid(cv::Mat(1080, 1920, CV_32FC1, cv::Scalar(0.5)), 8, pyramid);
+  EXPECT_EQ(pyramid.gaussian.back().size(), cv::Size(15, 9));
+  Lumvane::collapseClarityPyramid(pyramid);
+  for (const auto* planes : {&pyramid.coarse, &pyramid.rebuilt}) {
+    for (size_t i = 0; i < 8; ++i) EXPECT_EQ((*planes)[i].size(), pyramid.gaussian[i].size()) << i;
+  }
   // A side of 1 stops it; what is not halved has no detail.
-  const cv::Mat column = cv::Mat(9, 1, CV_32FC1, cv::Scalar(0.25));
-  Lumvane::buildClarityPyramid(column, 3, gaussian, detail);
-  EXPECT_EQ(gaussian[2].size(), column.size());
-  EXPECT_EQ(cv::countNonZero(detail[0]), 0);
-  EXPECT_EQ(cv::countNonZero(Lumvane::collapseClarityPyramid(gaussian, detail) != column), 0);
+  for (const int levels : {3, 1, 0}) {
+    const cv::Mat column = cv::Mat(9, 1, CV_32FC1, cv::Scalar(0.25));
+    Lumvane::buildClarityPyramid(column, levels, pyramid);
+    EXPECT_EQ(pyramid.gaussian.back().size(), column.size());
+    Lumvane::collapseClarityPyramid(pyramid);
+    EXPECT_EQ(cv::countNonZero(pyramid.coarse[0] != column), 0);
+    EXPECT_EQ(cv::countNonZero(pyramid.rebuilt[0] != column), 0);
+  }
 }
 
 // Bit for bit: what a frame's bytes hide as long as it is small.
 TEST(ClarityRows, MatchTheReference) {
-  std::vector<float> fine(65536), coarse(65536), out(65536);
+  std::vector<float> fine(65536), coarse(65536), base(65536, 0.0f), out(65536);
   for (int i = 0; i < 65536; ++i) {
     fine[i] = static_cast<float>(i % 256) / 255.0f;
     coarse[i] = static_cast<float>(i / 256) / 255.0f;
   }
-  Lumvane::plain::detailRow(fine.data(), coarse.data(), 22.222221f, 0.55f, out.data(), out.size());
+  Lumvane::plain::detailRow(fine.data(), coarse.data(), 22.222221f, 0.55f, base.data(), out.data(), out.size());
   for (int i = 0; i < 65536; ++i)
     ASSERT_EQ(out[i], reference::raise(fine[i], coarse[i])) << fine[i] << " " << coarse[i];
 
@@ -246,9 +255,9 @@ TEST(ClarityRows, MatchTheReference) {
 TEST(ClarityRows, RaiseSmallDifferencesMost) {
   for (const auto& [d, factor] : {std::pair{0.001f, 1.55f}, {0.15f, 1.3336f}, {0.3f, 1.0744f}, {0.5f, 1.0021f}}) {
     for (const float sign : {1.0f, -1.0f}) {
-      const float fine = sign * d, coarse = 0.0f;
+      const float fine = sign * d, coarse = 0.0f, base = 0.0f;
       float out = 0.0f;
-      Lumvane::plain::detailRow(&fine, &coarse, 22.222221f, 0.55f, &out, 1);
+      Lumvane::plain::detailRow(&fine, &coarse, 22.222221f, 0.55f, &base, &out, 1);
       EXPECT_NEAR(out, fine * factor, 1e-4f * d) << d;
     }
   }
