@@ -4,8 +4,10 @@
 
 #include "apply/hdr_kernels.h"
 #include "apply/parallel_hdr_lut.h"
+#include "hdr/hdr_bands.h"
 #include "hdr/hdr_shared.h"
 #include "hdr/yv12_conversions.h"
+#include "hdr/yv12_planes.h"
 #include "lut/interpolation_tables.h"
 
 namespace Lumvane {
@@ -13,19 +15,26 @@ namespace {
 
 constexpr int64_t kFewestPixelsOnThreads = 10000;
 
-void mapLargeFrame(VideoAdjustColor& object, const HdrTransferData& shared) {
+parallelCubeLut_ mapOf(const VideoAdjustColor& object) {
+  parallelCubeLut_ map;
+  map.dst = nullptr;
+  map.src = nullptr;
+  map.bands = object.bandCount;
+  map.latticeSize = object.workLatticeSize;
+  map.fraction = object.fraction;
+  map.cell = object.cell;
+  map.lattice = object.lattice;
+  map.cache = &hdrTransferData(object.usePq != 0).cache;
+  return map;
+}
+
+void mapLargeFrame(VideoAdjustColor& object) {
   const cv::Mat src(object.height, object.width, CV_8UC4, object.rgbaIn.get());
   cv::Mat dst(object.height, object.width, CV_8UC4, object.rgbaOut.get());
-  parallelCubeLut_ worker;
-  worker.dst = &dst;
-  worker.src = &src;
-  worker.bands = object.bandCount;
-  worker.latticeSize = object.workLatticeSize;
-  worker.fraction = object.fraction;
-  worker.cell = object.cell;
-  worker.lattice = object.lattice;
-  worker.cache = &shared.cache;
-  cv::parallel_for_(cv::Range(0, object.bandCount), worker, static_cast<double>(cv::getNumThreads()));
+  parallelCubeLut_ map = mapOf(object);
+  map.dst = &dst;
+  map.src = &src;
+  cv::parallel_for_(cv::Range(0, map.bands), map, static_cast<double>(cv::getNumThreads()));
 }
 
 void mapSmallFrame(VideoAdjustColor& object, size_t pixels) {
@@ -42,24 +51,34 @@ bool adjustFrame(VideoAdjustColor& object, const uint8_t* srcPlane0, const uint8
                  uint8_t* dstPlane2) {
   const int64_t pixels = int64_t{object.width} * object.height;
   if (pixels == 0) return true;
-  const bool limited = object.limitedRange != 0;
-  const auto toRgb = limited ? imageYV12ToRGBBT2020_Limited : imageYV12ToRGBBT2020_FULL;
-  const auto fromRgb = limited ? imageRGBAToYV12BT709_Limited : imageRGBAToYV12BT709_Full;
-
-  toRgb(srcPlane0, stride0, srcPlane1, stride1, srcPlane2, stride2, object.rgbaIn.get(), object.width * 4, object.width,
-        object.height);
-
   const HdrTransferData shared = hdrTransferData(object.usePq != 0);
   object.lattice = shared.lattice;
   object.workLatticeSize = shared.latticeSize;
-  if (pixels >= kFewestPixelsOnThreads) {
-    mapLargeFrame(object, shared);
+  const bool large = pixels >= kFewestPixelsOnThreads;
+  const Yv12Planes<const uint8_t> src = {srcPlane0, stride0, srcPlane1,    stride1,
+                                         srcPlane2, stride2, object.width, object.height};
+  const Yv12Planes<uint8_t> dst = {dstPlane0, stride0, dstPlane1,    stride1,
+                                   dstPlane2, stride2, object.width, object.height};
+  if (large && !overlap(src, dst)) {
+    const parallelCubeLut_ map = mapOf(object);
+    const HdrBands bands(object, map, src, dst);
+    cv::parallel_for_(cv::Range(0, bands.count()), bands, static_cast<double>(cv::getNumThreads()));
+    return true;
+  }
+
+  // Stage by stage: what overlaps is read before anything is written.
+  const bool limited = object.limitedRange != 0;
+  const auto convertIn = limited ? imageYV12ToRGBBT2020_Limited : imageYV12ToRGBBT2020_FULL;
+  const auto convertOut = limited ? imageRGBAToYV12BT709_Limited : imageRGBAToYV12BT709_Full;
+  convertIn(srcPlane0, stride0, srcPlane1, stride1, srcPlane2, stride2, object.rgbaIn.get(), object.width * 4,
+            object.width, object.height);
+  if (large) {
+    mapLargeFrame(object);
   } else {
     mapSmallFrame(object, static_cast<size_t>(pixels));
   }
-
-  fromRgb(object.rgbaOut.get(), object.width * 4, dstPlane0, stride0, dstPlane1, stride1, dstPlane2, stride2,
-          object.width, object.height);
+  convertOut(object.rgbaOut.get(), object.width * 4, dstPlane0, stride0, dstPlane1, stride1, dstPlane2, stride2,
+             object.width, object.height);
   return true;
 }
 

@@ -11,41 +11,26 @@
 #include "hdr/yv12_conversions.h"
 
 #include <algorithm>
-#include <cstddef>
 
-#include "hdr/yv12_rows.h"
+#include "hdr/yv12_planes.h"
 
 namespace {
 
 using namespace Lumvane;
 
-template <class Byte>
-Byte* rowOf(Byte* plane, int stride, int y) {
-  return plane + static_cast<ptrdiff_t>(stride) * y;
-}
-
-void planesToRgb(const ToRgb& matrix, const uint8_t* srcY, int strideY, const uint8_t* srcV, int strideV,
-                 const uint8_t* srcU, int strideU, uint8_t* rgba, int rgbaStride, int width, int height) {
-  if (width <= 0 || height <= 0) return;
-  const int lastRow = (height - 1) / 2;
-  for (int y = 0; y < height; ++y) {
-    const int nearRow = y / 2;
-    const int farRow = std::clamp(y % 2 == 0 ? nearRow - 1 : nearRow + 1, 0, lastRow);
-    const Yv12Row row = {rowOf(srcY, strideY, y), rowOf(srcV, strideV, nearRow), rowOf(srcV, strideV, farRow),
-                         rowOf(srcU, strideU, nearRow), rowOf(srcU, strideU, farRow)};
-    rowToRgb(matrix, row, rowOf(rgba, rgbaStride, y), width);
+void planesToRgb(const ToRgb& matrix, const Yv12Planes<const uint8_t>& planes, uint8_t* rgba, int rgbaStride) {
+  if (planes.width <= 0) return;
+  for (int y = 0; y < planes.height; ++y) {
+    rowToRgb(matrix, sourceRow(planes, y), rowOf(rgba, rgbaStride, y), planes.width);
   }
 }
 
-void rgbToPlanes(const FromRgb& matrix, const uint8_t* rgba, int rgbaStride, uint8_t* dstY, int strideY, uint8_t* dstV,
-                 int strideV, uint8_t* dstU, int strideU, int width, int height) {
-  if (width <= 0 || height <= 0) return;
-  const auto clampedRow = [&](int y) { return rowOf(rgba, rgbaStride, std::clamp(y, 0, height - 1)); };
-  for (int y = 0; y < height; y += 2) {
-    const uint8_t* const rows[4] = {clampedRow(y - 1), clampedRow(y), clampedRow(y + 1), clampedRow(y + 2)};
-    const Yv12RowPair pair = {rowOf(dstY, strideY, y), rowOf(dstY, strideY, std::min(y + 1, height - 1)),
-                              rowOf(dstV, strideV, y / 2), rowOf(dstU, strideU, y / 2)};
-    rowPairFromRgb(matrix, rows, pair, width);
+void rgbToPlanes(const FromRgb& matrix, const uint8_t* rgba, int rgbaStride, const Yv12Planes<uint8_t>& planes) {
+  if (planes.width <= 0) return;
+  const auto clampedRow = [&](int y) { return rowOf(rgba, rgbaStride, std::clamp(y, 0, planes.height - 1)); };
+  for (int y = 0; y < planes.height; y += 2) {
+    rowPairFromRgb(matrix, {clampedRow(y - 1), clampedRow(y), clampedRow(y + 1), clampedRow(y + 2)},
+                   destinationRows(planes, y), planes.width);
   }
 }
 
@@ -55,23 +40,23 @@ void imageYV12ToRGBBT2020_Limited(const uint8_t* srcY, int strideY, const uint8_
                                   const uint8_t* srcU, int strideU, uint8_t* rgba, int rgbaStride, int width,
                                   int height) {
   static constexpr ToRgb kMatrix = toRgb(kBt2020, kLimited);
-  planesToRgb(kMatrix, srcY, strideY, srcV, strideV, srcU, strideU, rgba, rgbaStride, width, height);
+  planesToRgb(kMatrix, {srcY, strideY, srcV, strideV, srcU, strideU, width, height}, rgba, rgbaStride);
 }
 
 void imageYV12ToRGBBT2020_FULL(const uint8_t* srcY, int strideY, const uint8_t* srcV, int strideV, const uint8_t* srcU,
                                int strideU, uint8_t* rgba, int rgbaStride, int width, int height) {
   static constexpr ToRgb kMatrix = toRgb(kBt2020, kFull);
-  planesToRgb(kMatrix, srcY, strideY, srcV, strideV, srcU, strideU, rgba, rgbaStride, width, height);
+  planesToRgb(kMatrix, {srcY, strideY, srcV, strideV, srcU, strideU, width, height}, rgba, rgbaStride);
 }
 
 void imageRGBAToYV12BT709_Limited(const uint8_t* rgba, int rgbaStride, uint8_t* dstY, int strideY, uint8_t* dstV,
                                   int strideV, uint8_t* dstU, int strideU, int width, int height) {
   static constexpr FromRgb kMatrix = fromRgb(kBt709, kLimited);
-  rgbToPlanes(kMatrix, rgba, rgbaStride, dstY, strideY, dstV, strideV, dstU, strideU, width, height);
+  rgbToPlanes(kMatrix, rgba, rgbaStride, {dstY, strideY, dstV, strideV, dstU, strideU, width, height});
 }
 
 void imageRGBAToYV12BT709_Full(const uint8_t* rgba, int rgbaStride, uint8_t* dstY, int strideY, uint8_t* dstV,
                                int strideV, uint8_t* dstU, int strideU, int width, int height) {
   static constexpr FromRgb kMatrix = fromRgb(kBt709, kFull);
-  rgbToPlanes(kMatrix, rgba, rgbaStride, dstY, strideY, dstV, strideV, dstU, strideU, width, height);
+  rgbToPlanes(kMatrix, rgba, rgbaStride, {dstY, strideY, dstV, strideV, dstU, strideU, width, height});
 }

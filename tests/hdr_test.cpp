@@ -126,7 +126,7 @@ Planes expectedFrame(Planes& src, const reference::Lut* lut, bool limited, int p
 
 // Frames of either pass give the same bytes for every flag, with padding, and whatever the reserved arguments hold.
 void expectFrames(const std::u16string& directory, const reference::Lut* hlg, const reference::Lut* pq) {
-  for (const auto& [width, height] : {std::pair{99, 101}, {100, 100}, {2501, 4}, {1, 1}}) {
+  for (const auto& [width, height] : {std::pair{99, 101}, {100, 100}, {2501, 4}, {10001, 1}, {321, 143}, {1, 1}}) {
     for (const int flags : {0, 1, 2, 3}) {
       const int limited = flags & 1 ? -4 : 0, usePq = flags & 2 ? 7 : 0;
       const Object object(directory, limited, usePq, width, height);
@@ -136,7 +136,11 @@ void expectFrames(const std::u16string& directory, const reference::Lut* hlg, co
       ASSERT_NE(object.handle, nullptr) << where;
       EXPECT_TRUE(src.process(object.handle, dst, flags * 12345)) << where;
       const Planes expected = expectedFrame(src, usePq != 0 ? pq : hlg, limited != 0, 3);
-      for (int i = 0; i < 3; ++i) EXPECT_TRUE(dst.bytes[i] == expected.bytes[i]) << where << ", plane " << i;
+      src.process(object.handle, src, 0);  // in place: all of it is read before anything is written
+      for (int i = 0; i < 3; ++i) {
+        EXPECT_TRUE(dst.bytes[i] == expected.bytes[i]) << where << ", plane " << i;
+        EXPECT_TRUE(src.bytes[i] == expected.bytes[i]) << where << ", plane " << i << ", in place";
+      }
       // Which pass ran: the one for small frames leaves byte 3 alone.
       EXPECT_EQ(object.handle->rgbaOut[3], width * height >= 10000 ? 255 : 0) << where;
     }

@@ -24,27 +24,28 @@ cv::Mat up(const cv::Mat& coarse, cv::Size size) {
   return out;
 }
 
-cv::Mat details(const cv::Mat& fine, const cv::Mat& coarse) {
+// The details of `fine`, raised, on top of `base`.
+cv::Mat details(const cv::Mat& fine, const cv::Mat& coarse, const cv::Mat& base) {
   const cv::Mat brought = up(coarse, fine.size());
   cv::Mat out(fine.size(), fine.type());
   for (int y = 0; y < fine.rows; ++y) {
-    plain::detailRow(fine.ptr<float>(y), brought.ptr<float>(y), kCoefficient, kGain, out.ptr<float>(y),
-                     static_cast<size_t>(fine.cols));
+    plain::detailRow(fine.ptr<float>(y), brought.ptr<float>(y), kCoefficient, kGain, base.ptr<float>(y),
+                     out.ptr<float>(y), static_cast<size_t>(fine.cols));
   }
   return out;
 }
 
 cv::Mat enhanced(const cv::Mat& value) {
   std::vector<cv::Mat> gaussian = {value};
-  std::vector<cv::Mat> detail;
   for (int i = 1; i < kLevels; ++i) {
     cv::Mat coarse;
     cv::pyrDown(gaussian.back(), coarse, cv::Size(), cv::BORDER_REFLECT_101);
     gaussian.push_back(coarse);
   }
-  for (int i = 0; i + 1 < kLevels; ++i) detail.push_back(details(gaussian[i], gaussian[i + 1]));
   cv::Mat current = gaussian.back();
-  for (int i = kLevels - 1; i-- > 0;) current = up(current, gaussian[i].size()) + detail[i];
+  for (int i = kLevels - 1; i-- > 0;) {
+    current = details(gaussian[i], gaussian[i + 1], up(current, gaussian[i].size()));
+  }
   return current;
 }
 

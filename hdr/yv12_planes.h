@@ -1,0 +1,46 @@
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+
+#include "hdr/yv12_rows.h"
+
+namespace Lumvane {
+
+/// The planes of a YV12 frame, in memory that somebody else owns: Y, width x height, then V and U, half of that, rounded
+/// up. Strides are in bytes and may be negative.
+template <class Byte>
+struct Yv12Planes {
+  Byte* y;
+  int strideY;
+  Byte* v;
+  int strideV;
+  Byte* u;
+  int strideU;
+  int width, height;
+};
+
+template <class Byte>
+Byte* rowOf(Byte* plane, int stride, int y) {
+  return plane + static_cast<ptrdiff_t>(stride) * y;
+}
+
+/// What row y of the frame is converted from.
+inline Yv12Row sourceRow(const Yv12Planes<const uint8_t>& f, int y) {
+  const int near = y / 2;
+  const int far = std::clamp(y % 2 == 0 ? near - 1 : near + 1, 0, (f.height - 1) / 2);
+  return {rowOf(f.y, f.strideY, y), rowOf(f.v, f.strideV, near), rowOf(f.v, f.strideV, far),
+          rowOf(f.u, f.strideU, near), rowOf(f.u, f.strideU, far)};
+}
+
+/// Where the rows y, an even number, and y + 1 go.
+inline Yv12RowPair destinationRows(const Yv12Planes<uint8_t>& f, int y) {
+  return {rowOf(f.y, f.strideY, y), rowOf(f.y, f.strideY, std::min(y + 1, f.height - 1)), rowOf(f.v, f.strideV, y / 2),
+          rowOf(f.u, f.strideU, y / 2)};
+}
+
+/// True when a byte of one frame may be a byte of the other.
+bool overlap(const Yv12Planes<const uint8_t>& a, const Yv12Planes<uint8_t>& b);
+
+}  // namespace Lumvane
