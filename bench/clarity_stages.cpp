@@ -24,6 +24,7 @@ struct Frame {
   Frame() {
     cv::setNumThreads(1);
     for (cv::Mat& plane : planes) plane = cv::Mat::zeros(src.size(), CV_32FC1);
+    pyramid.bands.resize(kStripes);
     analysis();
     build();
     collapse();

@@ -9,6 +9,10 @@ namespace {
 
 constexpr int kChunk = 512;
 
+// As many rows as keep the planes that are made for them in the cache of a core, and not so few that the rows made in
+// vain on both sides of them count.
+int rowsOfBand(int width) { return std::max(16, (1 << 16) / width); }
+
 }  // namespace
 
 StripeRows::StripeRows(const cv::Range& range, int rows, int stripes)
@@ -32,21 +36,32 @@ void clarityDetailPass::operator()(const cv::Range& range) const {
 }
 
 void claritySynthesisPass::operator()(const cv::Range& range) const {
-  const StripeRows band(range, rows, stripes);
-  for (int y = band.first; y < band.end; ++y) {
-    for (int x = 0; x < dst.cols; x += kChunk) encode(y, x, static_cast<size_t>(std::min(kChunk, dst.cols - x)));
+  const StripeRows stripe(range, rows, stripes);
+  const int step = rowsOfBand(dst.cols);
+  for (int first = stripe.first; first < stripe.end; first += step) {
+    const int end = std::min(first + step, stripe.end);
+    if (amount > 0.0f) mixDetails(first, end, pyramid.bands[static_cast<size_t>(range.start)]);
+    for (int y = first; y < end; ++y) {
+      synthesisRow(planes[0].ptr<float>(y), planes[1].ptr<float>(y), planes[2].ptr<float>(y), src.ptr(y), dst.ptr(y),
+                   static_cast<size_t>(dst.cols));
+    }
   }
 }
 
-void claritySynthesisPass::encode(int y, int x, size_t pixels) const {
-  float* const value = planes[2].ptr<float>(y, x);
-  if (amount > 0.0f) {
-    float enhanced[kChunk];
-    detailRow(value, pyramid.coarse[0].ptr<float>(y, x), kDetailCoefficient, kDetailGain,
-              pyramid.rebuilt[0].ptr<float>(y, x), enhanced, pixels);
-    blendRow(value, 1.0f - amount, enhanced, amount, value, pixels);
+void claritySynthesisPass::mixDetails(int first, int end, ClarityPyramid::Band& band) const {
+  const size_t next = std::min<size_t>(1, pyramid.gaussian.size() - 1);  // a single level is its own surroundings
+  const cv::Mat coarse = pyramidUpRows(pyramid.gaussian[next], dst.size(), first, end, band.coarse);
+  const cv::Mat rebuilt = pyramidUpRows(pyramid.rebuilt[next], dst.size(), first, end, band.rebuilt);
+  for (int y = first; y < end; ++y) {
+    for (int x = 0; x < dst.cols; x += kChunk) {
+      const auto samples = static_cast<size_t>(std::min(kChunk, dst.cols - x));
+      float* const value = planes[2].ptr<float>(y, x);
+      float enhanced[kChunk];
+      detailRow(value, coarse.ptr<float>(y - first, x), kDetailCoefficient, kDetailGain,
+                rebuilt.ptr<float>(y - first, x), enhanced, samples);
+      blendRow(value, 1.0f - amount, enhanced, amount, value, samples);
+    }
   }
-  synthesisRow(planes[0].ptr<float>(y, x), planes[1].ptr<float>(y, x), value, src.ptr(y, x), dst.ptr(y, x), pixels);
 }
 
 }  // namespace Lumvane

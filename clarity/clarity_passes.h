@@ -49,13 +49,13 @@ struct claritySynthesisPass {
   cv::Mat (&planes)[3];
   cv::Mat& dst;
   const cv::Mat& src;
-  const ClarityPyramid& pyramid;
+  ClarityPyramid& pyramid;  ///< collapsed, with a band for each stripe
   float amount;
 
   void operator()(const cv::Range& range) const;
 
  private:
-  void encode(int y, int x, size_t pixels) const;
+  void mixDetails(int first, int end, ClarityPyramid::Band& band) const;
 };
 
 }  // namespace Lumvane

@@ -32,6 +32,7 @@ int clarityPipeline(NLEPureCClarity& effect, const cv::Mat& src, cv::Mat& dst, i
   if (amount > 0.0f) {
     buildClarityPyramid(planes[2], effect.levels, effect.pyramid);
     collapseClarityPyramid(effect.pyramid);
+    effect.pyramid.bands.resize(static_cast<size_t>(stripes));
   }
   cv::parallel_for_(cv::Range(0, stripes),
                     claritySynthesisPass{dst.rows, stripes, planes, dst, src, effect.pyramid, amount}, threads);

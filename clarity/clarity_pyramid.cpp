@@ -30,6 +30,19 @@ void pyramidUp(const cv::Mat& input, cv::Size size, cv::Mat& output) {
   cv::pyrUp(input, output, size, cv::BORDER_REFLECT_101);
 }
 
+// A row at 2 * s is made of the rows s - 1, s and s + 1 of the input, the one below it of s and s + 1. Rows are brought
+// up with one more on each side, whose own results are then left out: cv::pyrUp takes them for edges of the frame.
+cv::Mat pyramidUpRows(const cv::Mat& input, cv::Size size, int first, int end, cv::Mat& buffer) {
+  if (input.size() == size) return input.rowRange(first, end);
+  const int inputFirst = std::max(first / 2 - 1, 0), inputEnd = std::min((end - 1) / 2 + 2, input.rows);
+  const int outputFirst = 2 * inputFirst, outputEnd = std::min(2 * inputEnd, size.height);
+  const int rows = outputEnd - outputFirst;
+  if (buffer.rows < rows || buffer.cols != size.width) buffer.create(rows, size.width, input.type());
+  cv::Mat output = buffer.rowRange(0, rows);
+  cv::pyrUp(input.rowRange(inputFirst, inputEnd), output, output.size(), cv::BORDER_REFLECT_101);
+  return output.rowRange(first - outputFirst, end - outputFirst);
+}
+
 void buildClarityPyramid(const cv::Mat& value, int levels, ClarityPyramid& pyramid) {
   const auto n = static_cast<size_t>(std::max(levels, 1));
   for (auto* planes : {&pyramid.gaussian, &pyramid.coarse, &pyramid.rebuilt}) planes->resize(n);
@@ -42,10 +55,9 @@ void collapseClarityPyramid(ClarityPyramid& pyramid) {
   auto& coarse = pyramid.coarse;
   auto& rebuilt = pyramid.rebuilt;
   const size_t last = gaussian.size() - 1;
-  // The coarsest level is its own surroundings, and so without detail.
-  gaussian[last].copyTo(coarse[last]);
+  // The coarsest level has no details.
   gaussian[last].copyTo(rebuilt[last]);
-  for (size_t i = last; i-- > 0;) {
+  for (size_t i = last; i-- > 1;) {
     const cv::Mat& fine = gaussian[i];
     const auto bringUp = [&](const cv::Range& which) {
       if (which.start == 0) pyramidUp(gaussian[i + 1], fine.size(), coarse[i]);
@@ -53,7 +65,6 @@ void collapseClarityPyramid(ClarityPyramid& pyramid) {
     };
     const bool shared = fine.size().area() >= kLeastShared;
     cv::parallel_for_(cv::Range(0, 2), bringUp, shared ? 2 : 1);
-    if (i == 0) break;
     const int stripes = shared ? std::max(1, 2 * cv::getNumThreads()) : 1;
     cv::parallel_for_(cv::Range(0, stripes), clarityDetailPass{fine.rows, stripes, fine, coarse[i], rebuilt[i],
                                                                kDetailCoefficient, kDetailGain});
