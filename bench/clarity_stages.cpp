@@ -18,23 +18,22 @@ struct Frame {
   std::vector<uint8_t> pixels = bench::photoLikeFrame();
   cv::Mat src = cv::Mat(bench::kHeight, bench::kWidth, CV_8UC4, pixels.data());
   cv::Mat dst = cv::Mat(bench::kHeight, bench::kWidth, CV_8UC4);
-  cv::Mat planes[3];
+  cv::Mat value = cv::Mat::zeros(bench::kHeight, bench::kWidth, CV_32FC1);
   ClarityPyramid pyramid;
 
   Frame() {
     cv::setNumThreads(1);
-    for (cv::Mat& plane : planes) plane = cv::Mat::zeros(src.size(), CV_32FC1);
     pyramid.bands.resize(kStripes);
     analysis();
     build();
     collapse();
   }
-  void analysis() { run(clarityAnalysisPass{src.rows, kStripes, src, planes, 1.03f}); }
-  void build() { buildClarityPyramid(planes[2], kLevels, pyramid); }
+  void analysis() { run(clarityAnalysisPass{src.rows, kStripes, src, value}); }
+  void build() { buildClarityPyramid(value, kLevels, pyramid); }
   // Everything but the finest level's details, which the synthesis adds.
   void collapse() { collapseClarityPyramid(pyramid); }
-  void synthesis() { run(claritySynthesisPass{dst.rows, kStripes, planes, dst, src, pyramid, 0.7f}); }
-  void encoding() { run(claritySynthesisPass{dst.rows, kStripes, planes, dst, src, pyramid, 0.0f}); }
+  void synthesis() { run(claritySynthesisPass{dst.rows, kStripes, value, dst, src, 1.03f, pyramid, 0.7f}); }
+  void encoding() { run(claritySynthesisPass{dst.rows, kStripes, value, dst, src, 1.03f, pyramid, 0.0f}); }
   // OpenCV's share of the frame.
   void resampling() {
     build();

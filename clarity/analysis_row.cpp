@@ -1,4 +1,4 @@
-// The vector form of analysisRow, for every target that this processor may turn out to have.
+// The vector forms of valueRow and analysisRow, for every target that this processor may turn out to have.
 
 #include "clarity/clarity_rows.h"
 
@@ -13,6 +13,7 @@ namespace HWY_NAMESPACE {
 
 #if HWY_TARGET == HWY_SCALAR
 using plain::analysisRow;
+using plain::valueRow;
 #else
 
 namespace hn = hwy::HWY_NAMESPACE;
@@ -23,6 +24,22 @@ template <class D, class V = hn::Vec<D> >
 HWY_INLINE V unitFromByte(D df, hn::Vec<hn::RebindToSigned<D> > byte) {
   const V number = hn::ConvertTo(df, byte);
   return hn::Add(hn::Mul(number, hn::Set(df, 0x1.01p-8f)), hn::Mul(number, hn::Set(df, 0x1.010102p-24f)));
+}
+
+void valueRow(const uint8_t* src, float* value, size_t pixels) {
+  const hn::ScalableTag<float> df;
+  const hn::RebindToSigned<decltype(df)> di;
+  const hn::Repartition<uint8_t, decltype(df)> du8;
+  const size_t lanes = hn::Lanes(df);
+  size_t i = 0;
+  for (; i + lanes <= pixels; i += lanes) {
+    const auto bgra = hn::LoadU(du8, src + 4 * i);
+    // Byte 0 of each pixel is compared with the two above it.
+    const auto largest = hn::Max(bgra, hn::Max(hn::BitCast(du8, hn::ShiftRight<8>(hn::BitCast(di, bgra))),
+                                               hn::BitCast(du8, hn::ShiftRight<16>(hn::BitCast(di, bgra)))));
+    hn::StoreU(unitFromByte(df, hn::And(hn::BitCast(di, largest), hn::Set(di, 0xFF))), df, value + i);
+  }
+  plain::valueRow(src + 4 * i, value + i, pixels - i);
 }
 
 void analysisRow(const uint8_t* src, float saturationFactor, float* hue, float* saturation, float* value,
@@ -66,7 +83,10 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace Lumvane {
 
+HWY_EXPORT(valueRow);
 HWY_EXPORT(analysisRow);
+
+void valueRow(const uint8_t* src, float* value, size_t pixels) { HWY_DYNAMIC_DISPATCH(valueRow)(src, value, pixels); }
 
 void analysisRow(const uint8_t* src, float saturationFactor, float* hue, float* saturation, float* value,
                  size_t pixels) {

@@ -22,8 +22,7 @@ StripeRows::StripeRows(const cv::Range& range, int rows, int stripes)
 void clarityAnalysisPass::operator()(const cv::Range& range) const {
   const StripeRows band(range, rows, stripes);
   for (int y = band.first; y < band.end; ++y) {
-    analysisRow(src.ptr(y), saturationFactor, planes[0].ptr<float>(y), planes[1].ptr<float>(y), planes[2].ptr<float>(y),
-                static_cast<size_t>(src.cols));
+    valueRow(src.ptr(y), value.ptr<float>(y), static_cast<size_t>(src.cols));
   }
 }
 
@@ -41,10 +40,7 @@ void claritySynthesisPass::operator()(const cv::Range& range) const {
   for (int first = stripe.first; first < stripe.end; first += step) {
     const int end = std::min(first + step, stripe.end);
     if (amount > 0.0f) mixDetails(first, end, pyramid.bands[static_cast<size_t>(range.start)]);
-    for (int y = first; y < end; ++y) {
-      synthesisRow(planes[0].ptr<float>(y), planes[1].ptr<float>(y), planes[2].ptr<float>(y), src.ptr(y), dst.ptr(y),
-                   static_cast<size_t>(dst.cols));
-    }
+    for (int y = first; y < end; ++y) encode(y);
   }
 }
 
@@ -55,12 +51,21 @@ void claritySynthesisPass::mixDetails(int first, int end, ClarityPyramid::Band& 
   for (int y = first; y < end; ++y) {
     for (int x = 0; x < dst.cols; x += kChunk) {
       const auto samples = static_cast<size_t>(std::min(kChunk, dst.cols - x));
-      float* const value = planes[2].ptr<float>(y, x);
+      float* const plain = value.ptr<float>(y, x);
       float enhanced[kChunk];
-      detailRow(value, coarse.ptr<float>(y - first, x), kDetailCoefficient, kDetailGain,
+      detailRow(plain, coarse.ptr<float>(y - first, x), kDetailCoefficient, kDetailGain,
                 rebuilt.ptr<float>(y - first, x), enhanced, samples);
-      blendRow(value, 1.0f - amount, enhanced, amount, value, samples);
+      blendRow(plain, 1.0f - amount, enhanced, amount, plain, samples);
     }
+  }
+}
+
+void claritySynthesisPass::encode(int y) const {
+  for (int x = 0; x < dst.cols; x += kChunk) {
+    const auto pixels = static_cast<size_t>(std::min(kChunk, dst.cols - x));
+    float hue[kChunk], saturation[kChunk], valueBefore[kChunk];
+    analysisRow(src.ptr(y, x), saturationFactor, hue, saturation, valueBefore, pixels);
+    synthesisRow(hue, saturation, value.ptr<float>(y, x), src.ptr(y, x), dst.ptr(y, x), pixels);
   }
 }
 

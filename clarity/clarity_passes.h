@@ -16,13 +16,12 @@ struct StripeRows {
   StripeRows(const cv::Range& range, int rows, int stripes);
 };
 
-/// Decodes BGRA rows into hue, saturation and value planes.
+/// Decodes BGRA rows into a value plane.
 struct clarityAnalysisPass {
   int rows;
   int stripes;
   const cv::Mat& src;
-  cv::Mat (&planes)[3];
-  float saturationFactor;
+  cv::Mat& value;
 
   void operator()(const cv::Range& range) const;
 };
@@ -41,14 +40,16 @@ struct clarityDetailPass {
   void operator()(const cv::Range& range) const;
 };
 
-/// Encodes hue, saturation and value planes into BGRA rows, with the alpha of src. Before that it mixes into the value
-/// plane, in place, the pyramid's finest level with its raised differences; an amount of 0 leaves the plane as it is.
+/// Decodes BGRA rows into hue and saturation, which takes less than to keep planes of them, and encodes them again with
+/// the value plane, with the alpha of src. Before that it mixes into the value plane, in place, the pyramid's finest
+/// level with its raised differences; an amount of 0 leaves the plane as it is.
 struct claritySynthesisPass {
   int rows;
   int stripes;
-  cv::Mat (&planes)[3];
+  cv::Mat& value;
   cv::Mat& dst;
   const cv::Mat& src;
+  float saturationFactor;
   ClarityPyramid& pyramid;  ///< collapsed, with a band for each stripe
   float amount;
 
@@ -56,6 +57,7 @@ struct claritySynthesisPass {
 
  private:
   void mixDetails(int first, int end, ClarityPyramid::Band& band) const;
+  void encode(int y) const;
 };
 
 }  // namespace Lumvane

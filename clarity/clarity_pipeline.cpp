@@ -17,25 +17,25 @@ constexpr float kSaturationSpan = 0.15f;
 
 int clarityPipeline(NLEPureCClarity& effect, const cv::Mat& src, cv::Mat& dst, int saturation, int intensity) {
   if (src.empty() || dst.empty()) return 1;
-  cv::Mat(&planes)[3] = effect.planes;
   // Does nothing for a plane of the right size that has its pixels; one that an earlier failure left half-made has none.
-  for (cv::Mat& plane : planes) plane.create(src.size(), CV_32FC1);
+  cv::Mat& value = effect.value;
+  value.create(src.size(), CV_32FC1);
   const float saturationFactor =
       std::clamp(static_cast<float>(saturation), -100.0f, 100.0f) * kPercent * kSaturationSpan + 1.0f;
   const int threads = cv::getNumThreads();
   const int stripes = std::clamp(2 * threads, 1, kMostStripes);
 
-  cv::parallel_for_(cv::Range(0, stripes), clarityAnalysisPass{src.rows, stripes, src, planes, saturationFactor},
-                    threads);
+  cv::parallel_for_(cv::Range(0, stripes), clarityAnalysisPass{src.rows, stripes, src, value}, threads);
 
   const float amount = std::clamp(static_cast<float>(intensity), 0.0f, 100.0f) * kPercent;
   if (amount > 0.0f) {
-    buildClarityPyramid(planes[2], effect.levels, effect.pyramid);
+    buildClarityPyramid(value, effect.levels, effect.pyramid);
     collapseClarityPyramid(effect.pyramid);
     effect.pyramid.bands.resize(static_cast<size_t>(stripes));
   }
   cv::parallel_for_(cv::Range(0, stripes),
-                    claritySynthesisPass{dst.rows, stripes, planes, dst, src, effect.pyramid, amount}, threads);
+                    claritySynthesisPass{dst.rows, stripes, value, dst, src, saturationFactor, effect.pyramid, amount},
+                    threads);
   return 0;
 }
 

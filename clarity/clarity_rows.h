@@ -11,6 +11,9 @@
 
 namespace Lumvane {
 
+/// BGRA pixels to their value from 0 to 1: the largest of the three colours.
+void valueRow(const uint8_t* src, float* value, size_t pixels);
+
 /// BGRA pixels to hue in degrees from 0 to 360, saturation times saturationFactor held to 0 to 1, and value from 0
 /// to 1. Where colours tie for the largest, red goes before green before blue.
 void analysisRow(const uint8_t* src, float saturationFactor, float* hue, float* saturation, float* value,
@@ -35,6 +38,7 @@ void synthesisRow(const float* hue, const float* saturation, const float* value,
 /// The same, one sample at a time: what defines the bits and what the vector forms are held against.
 namespace plain {
 
+void valueRow(const uint8_t* src, float* value, size_t pixels);
 void analysisRow(const uint8_t* src, float saturationFactor, float* hue, float* saturation, float* value,
                  size_t pixels);
 void detailRow(const float* fine, const float* coarse, float coefficient, float gain, const float* base, float* out,

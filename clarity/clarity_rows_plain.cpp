@@ -22,6 +22,12 @@ uint8_t toByte(float colour) { return static_cast<uint8_t>(std::clamp(colour, 0.
 
 }  // namespace
 
+void valueRow(const uint8_t* src, float* value, size_t pixels) {
+  for (size_t i = 0; i < pixels; ++i, src += 4) {
+    value[i] = static_cast<float>(std::max({src[0], src[1], src[2]})) / 255.0f;
+  }
+}
+
 void analysisRow(const uint8_t* src, float saturationFactor, float* hue, float* saturation, float* value,
                  size_t pixels) {
   for (size_t i = 0; i < pixels; ++i, src += 4) {

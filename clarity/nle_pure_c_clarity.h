@@ -17,7 +17,7 @@ class NLEPureCClarity : public NLEAdjustColorEffect {
   int width = 0;  ///< the size for which `levels` was computed
   int height = 0;
   int levels = 0;          ///< pyramid levels, also for frames of another size; 0 counts as 1
-  cv::Mat planes[3];       ///< hue in degrees, saturation and value from 0 to 1 of the frame at hand; CV_32FC1
+  cv::Mat value;           ///< plane of the frame at hand, from 0 to 1; CV_32FC1
   ClarityPyramid pyramid;  ///< of the value plane
 
   ~NLEPureCClarity() override = default;

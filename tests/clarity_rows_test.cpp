@@ -36,6 +36,10 @@ TEST_P(ClarityRow, DecodesEveryColour) {
     analysisRow(pixels.data(), factor, found[0].data(), found[1].data(), found[2].data(), count);
     for (int i = 0; i < 3; ++i) ASSERT_EQ(firstDifference(expected[i], found[i]), "") << "plane " << i;
   }
+  plain::valueRow(pixels.data(), found[0].data(), count);
+  valueRow(pixels.data(), found[1].data(), count);
+  EXPECT_EQ(firstDifference(expected[2], found[0]), "");
+  EXPECT_EQ(firstDifference(expected[2], found[1]), "");
 }
 
 TEST_P(ClarityRow, RaisesDetails) {

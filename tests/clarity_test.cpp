@@ -85,7 +85,7 @@ TEST(Clarity, RendersFramesOfChangingSizes) {
   for (const auto& [width, height] : {std::pair{64, 48}, {48, 64}, {48, 90}, {200, 100}, {1, 1}, {64, 48}}) {
     // As after a frame whose planes did not all find memory.
     auto* const effect = static_cast<Lumvane::NLEPureCClarity*>(clarity.handle);
-    effect->planes[1].release();
+    effect->value.release();
     if (!effect->pyramid.rebuilt.empty()) effect->pyramid.rebuilt[2].release();
     effect->pyramid.gaussian.resize(2);
     Frame src(width, height), dst(width, height);
