@@ -55,15 +55,20 @@ class LutFolder {
   std::u16string path;
 
  private:
-  // All the ways in which numbers are read: header and rows, plain decimals, exponents, and hexadecimal ones.
+  // All the ways in which numbers are read: header and rows, plain decimals, exponents, hexadecimal ones, long ones.
   static std::string cube(int size, double lift) {
+    const std::string longNumber = "0x0.8" + std::string(2000, '0') + "p0";
     std::ostringstream text;
     text.imbue(std::locale::classic());
     text << "TITLE \"a title of more letters than a short string holds\"\nDOMAIN_MIN -0.125 0 0\n"
          << "LUT_3D_SIZE " << size << "\nDOMAIN_MAX 0.875 1.25 1.0\n";
     for (int i = 0; i < size * size * size; ++i) {
       text << lift + 0.9 * (i % size) / (size - 1) << ' ' << 1.2 * (i / size % size) / (size - 1) - 0.1
-           << (i % 3 == 0 ? "e0 " : " ") << (i % 5 == 0 ? "0x1.8p-1" : "0.37251964") << "\n";
+           << (i % 3 == 0 ? "e0 " : " ")
+           << (i % 5 == 0 ? "0x1.8p-1"
+               : i == 6   ? longNumber
+                          : "0.37251964")
+           << "\n";
     }
     return text.str();
   }
