@@ -88,7 +88,8 @@ class LutFolder {
   TemporaryFile look_;
 };
 
-/// What every effect makes of a frame of noise, loads included, one behind the other. A null handle leaves its part out.
+/// What every effect makes of a frame of noise, loads included, one behind the other. What a null handle
+/// refuses is left out, and so is HDR without its function.
 inline std::vector<uint8_t> renderAll(const Library& lib, const std::u16string& folder, int width, int height) {
   const std::vector<uint8_t> src = noise(size_t{4} * width * height, 1);
   std::vector<uint8_t> result;
@@ -108,7 +109,7 @@ inline std::vector<uint8_t> renderAll(const Library& lib, const std::u16string& 
   lib.destroyClarity(clarity);
   lib.whiteBalance(src.data(), dst.data(), 0.0f, 0.0f, 0.0f, 0.21f, -0.13f, width, height);
   take(dst);
-  for (const int flags : {0, 1, 2, 3}) {
+  for (int flags = 0; flags < 4 && lib.createHdr != nullptr; ++flags) {
     void* const hdr = lib.createHdr(folder.c_str(), 0, flags & 1, flags & 2, width, height);
     const int chroma = (width + 1) / 2;
     std::vector<uint8_t> planes(size_t{1} * width * height + size_t{2} * chroma * ((height + 1) / 2));
