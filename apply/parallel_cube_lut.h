@@ -4,6 +4,7 @@
 #include <opencv2/core.hpp>
 
 #include "apply/band_rows.h"
+#include "apply/default_float_mode.h"
 #include "apply/lattice_view.h"
 
 namespace Lumvane {
@@ -30,6 +31,7 @@ class BandWorker : public cv::ParallelLoopBody {
         sourceWeight(weight) {}
 
   void operator()(const cv::Range& range) const override {
+    const DefaultFloatMode floatMode;
     for (int band = range.start; band < range.end; ++band) {
       const BandRows rows(dst->rows, bands, band);
       const cv::Rect area(0, rows.first, dst->cols, rows.count);

@@ -1,11 +1,13 @@
 #include "apply/parallel_hdr_lut.h"
 
 #include "apply/band_rows.h"
+#include "apply/default_float_mode.h"
 #include "apply/hdr_kernels.h"
 
 namespace Lumvane {
 
 void parallelCacheCubeLut_::operator()(const cv::Range& range) const {
+  const DefaultFloatMode floatMode;
   const HdrLatticeView view = {latticeSize, fraction, cell, lattice};
   for (int r = range.start * planesPerBand; r < range.end * planesPerBand; ++r) {
     const auto red = static_cast<uint8_t>(r);
@@ -14,6 +16,7 @@ void parallelCacheCubeLut_::operator()(const cv::Range& range) const {
 }
 
 void parallelCubeLut_::operator()(const cv::Range& range) const {
+  const DefaultFloatMode floatMode;
   const HdrLatticeView view = {latticeSize, fraction, cell, lattice};
   const auto pixels = static_cast<size_t>(dst->cols);
   for (int band = range.start; band < range.end; ++band) {

@@ -1,5 +1,6 @@
 #include <memory>
 
+#include "apply/default_float_mode.h"
 #include "clarity/nle_pure_c_clarity.h"
 #include "lumvane.h"
 
@@ -15,6 +16,7 @@ void* CreateNLEPureCClarity(int32_t width, int32_t height, int32_t reserved, int
 int32_t NLEPureCClarityProcess(void* handle, uint8_t* dst, int32_t width, int32_t height, int32_t dstStride,
                                const uint8_t* src, int32_t srcWidth, int32_t srcHeight, int32_t srcStride) {
   if (handle == nullptr) return 0;
+  const Lumvane::DefaultFloatMode floatMode;
   const NLEFrameDesc blank;
   const NLEFrameDesc srcDesc = {const_cast<uint8_t*>(src), srcWidth, srcHeight, srcStride};
   const NLEFrameDesc dstDesc = {dst, width, height, dstStride};

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "apply/default_float_mode.h"
 #include "clarity/clarity_rows.h"
 
 namespace Lumvane {
@@ -20,6 +21,7 @@ StripeRows::StripeRows(const cv::Range& range, int rows, int stripes)
       end(range.end >= stripes ? rows : static_cast<int>(int64_t{range.end} * rows / stripes)) {}
 
 void clarityAnalysisPass::operator()(const cv::Range& range) const {
+  const DefaultFloatMode floatMode;
   const StripeRows band(range, rows, stripes);
   for (int y = band.first; y < band.end; ++y) {
     valueRow(src.ptr(y), value.ptr<float>(y), static_cast<size_t>(src.cols));
@@ -27,6 +29,7 @@ void clarityAnalysisPass::operator()(const cv::Range& range) const {
 }
 
 void clarityDetailPass::operator()(const cv::Range& range) const {
+  const DefaultFloatMode floatMode;
   const StripeRows band(range, rows, stripes);
   for (int y = band.first; y < band.end; ++y) {
     auto* const row = rebuilt.ptr<float>(y);
@@ -35,6 +38,7 @@ void clarityDetailPass::operator()(const cv::Range& range) const {
 }
 
 void claritySynthesisPass::operator()(const cv::Range& range) const {
+  const DefaultFloatMode floatMode;
   const StripeRows stripe(range, rows, stripes);
   const int step = rowsOfBand(dst.cols);
   for (int first = stripe.first; first < stripe.end; first += step) {

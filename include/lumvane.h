@@ -17,7 +17,8 @@
  * Threads  A handle serves one thread at a time. Different handles may be used side by side. Large frames are spread
  *          over OpenCV's worker threads (cv::setNumThreads governs how many); a call returns when all its work is done.
  * Bytes    The same input gives the same bytes on every processor, system and number of threads; for clarity, which
- *          resamples through OpenCV, as long as that is the same build.
+ *          resamples through OpenCV, as long as that is the same build. Nor do the locale and the floating-point mode of
+ *          the calling thread matter (rounding, denormals flushed or not, traps); the mode is found as it was.
  * Failures Nothing prints or logs. What C++ throws when memory runs out passes out of the call: std::bad_alloc, or
  *          cv::Exception from within OpenCV.
  * Names    Stand as they are, "Destory" included: hosts look them up by these letters.

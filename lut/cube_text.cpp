@@ -23,6 +23,7 @@ CubeHeader readCubeHeader(LineBuffer& text, char separator, LutStatus& status) {
 
     std::istringstream words(line);
     words.imbue(std::locale::classic());
+    words.exceptions(std::ios_base::badbit);  // or a stream takes memory that has run out for a faulty text
     std::string keyword;
     words >> keyword;
     if (beginsTable(keyword)) {

@@ -1,5 +1,6 @@
 #include <memory>
 
+#include "apply/default_float_mode.h"
 #include "lumvane.h"
 #include "lut/color_lut3d_adjust_effect.h"
 
@@ -7,6 +8,7 @@ using Lumvane::ColorLut3dAdjustEffect;
 
 void* Create3DLutColorAdjustEffect(const char16_t* lutPath, int32_t width, int32_t height) {
   if (lutPath == nullptr) return nullptr;
+  const Lumvane::DefaultFloatMode floatMode;
   auto effect = std::make_unique<ColorLut3dAdjustEffect>(lutPath, width, height);
   return effect->init() ? effect.release() : nullptr;
 }
@@ -15,6 +17,7 @@ void Lut3DColorAdjustEffectProcess(void* handle, uint8_t* dst, int32_t width, in
                                    const uint8_t* src, int32_t srcWidth, int32_t srcHeight, int32_t srcStride,
                                    int32_t strength) {
   if (handle == nullptr) return;
+  const Lumvane::DefaultFloatMode floatMode;
   auto& effect = *static_cast<ColorLut3dAdjustEffect*>(handle);
   effect.strengthPercent = strength;
   effect.process(dst, width, height, dstStride, src, srcWidth, srcHeight, srcStride);

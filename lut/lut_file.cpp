@@ -1,14 +1,19 @@
 #include "lut/lut_file.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <filesystem>
+#include <new>
 
 namespace Lumvane {
 namespace {
 
 void openAsItStands(std::ifstream& stream, const std::u16string& path) {
   try {
+    errno = 0;
     stream.open(std::filesystem::path(path), std::ios::binary);
+    // Memory that has run out is no missing file: the next try may find it.
+    if (!stream.is_open() && errno == ENOMEM) throw std::bad_alloc();
   } catch (const std::filesystem::filesystem_error&) {
     // Half a surrogate pair has no UTF-8 form: no file can have this name.
   }

@@ -3,8 +3,10 @@
 #include <locale.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <charconv>
 #include <cstdio>
+#include <new>
 #include <optional>
 #include <string>
 
@@ -37,7 +39,10 @@ std::optional<float> scanPlainDecimal(const char*& text, const char* end) {
 // While one of these lives, the calling thread converts numbers as in the C locale.
 class CLocaleScope {
  public:
-  CLocaleScope() : c_(newlocale(LC_ALL_MASK, "C", nullptr)), before_(uselocale(c_)) {}
+  CLocaleScope() : c_(newlocale(LC_ALL_MASK, "C", nullptr)) {
+    if (c_ == nullptr) throw std::bad_alloc();
+    before_ = uselocale(c_);
+  }
   ~CLocaleScope() {
     uselocale(before_);
     freelocale(c_);
@@ -98,7 +103,10 @@ void scanRow(std::string_view line, float (&values)[3]) {
     return;
   }
   const CLocaleScope cLocale;
-  std::sscanf(std::string(line).c_str(), "%f %f %f", &values[0], &values[1], &values[2]);
+  const std::string copy(line);
+  errno = 0;
+  std::sscanf(copy.c_str(), "%f %f %f", &values[0], &values[1], &values[2]);
+  if (errno == ENOMEM) throw std::bad_alloc();  // the scan of a number of a thousand digits takes memory
 }
 
 bool takePlainRow(LineBuffer& text, char separator, float (&values)[3]) {

@@ -1,5 +1,6 @@
 #include <opencv2/core.hpp>
 
+#include "apply/default_float_mode.h"
 #include "lumvane.h"
 #include "whitebalance/white_balance_row.h"
 
@@ -8,8 +9,8 @@ bool WhiteBalanceFun(const uint8_t* src, uint8_t* dst, float /*reserved1*/, floa
   if (width <= 0 || height <= 0) return true;
   const cv::Mat srcMat(height, width, CV_8UC4, const_cast<uint8_t*>(src));
   cv::Mat dstMat(height, width, CV_8UC4, dst);
-  const float base = tint * 0.5f + 1.0f;
-  const Lumvane::WhiteBalanceGains gains = {base - temperature, 1.0f - tint, base + temperature};
+  const Lumvane::DefaultFloatMode floatMode;
+  const Lumvane::WhiteBalanceGains gains = Lumvane::whiteBalanceGains(temperature, tint);
   // Rows lie packed, so that the frame is one long row.
   Lumvane::whiteBalanceRow(gains, srcMat.ptr(), dstMat.ptr(), srcMat.total());
   return true;

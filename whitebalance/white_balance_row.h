@@ -10,6 +10,9 @@ struct WhiteBalanceGains {
   float blue, green, red;
 };
 
+/// The gains of a temperature and a tint: see WhiteBalanceFun.
+WhiteBalanceGains whiteBalanceGains(float temperature, float tint);
+
 /// Multiplies the colour bytes of BGRA pixels by the gains, in single precision, and truncates: 3 * 0.5 gives 1.
 /// Products beyond 0 to 255 count as the nearer end, a NaN as 0. Byte 3 is copied. dst may be src.
 void whiteBalanceRow(const WhiteBalanceGains& gains, const uint8_t* src, uint8_t* dst, size_t pixels);

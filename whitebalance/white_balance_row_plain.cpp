@@ -1,6 +1,13 @@
 #include "whitebalance/white_balance_row.h"
 
-namespace Lumvane::plain {
+namespace Lumvane {
+
+WhiteBalanceGains whiteBalanceGains(float temperature, float tint) {
+  const float base = tint * 0.5f + 1.0f;
+  return {base - temperature, 1.0f - tint, base + temperature};
+}
+
+namespace plain {
 namespace {
 
 uint8_t scaled(uint8_t byte, float gain) {
@@ -20,4 +27,5 @@ void whiteBalanceRow(const WhiteBalanceGains& gains, const uint8_t* src, uint8_t
   }
 }
 
-}  // namespace Lumvane::plain
+}  // namespace plain
+}  // namespace Lumvane

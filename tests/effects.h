@@ -1,0 +1,127 @@
+// All effects at once, as a host sees them: through the functions of lumvane.h alone.
+#pragma once
+
+#include <filesystem>
+#include <fstream>
+#include <locale>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "lumvane.h"
+#include "tests/inputs.h"
+#include "tests/row_comparer.h"
+
+namespace test {
+
+/// The functions of lumvane.h, linked or looked up.
+struct Library {
+  decltype(&::Create3DLutColorAdjustEffect) createLut = nullptr;
+  decltype(&::Lut3DColorAdjustEffectProcess) processLut = nullptr;
+  decltype(&::Destory3DLutColorAdjustEffect) destroyLut = nullptr;
+  decltype(&::CreateNLEPureCClarity) createClarity = nullptr;
+  decltype(&::NLEPureCClarityProcess) processClarity = nullptr;
+  decltype(&::DestoryNLEPureCClarity) destroyClarity = nullptr;
+  decltype(&::WhiteBalanceFun) whiteBalance = nullptr;
+  decltype(&::CreateVideoAdjustColor) createHdr = nullptr;
+  decltype(&::VideoAdjustColorProcess) processHdr = nullptr;
+  decltype(&::DestroyVideoAdjustColor) destroyHdr = nullptr;
+};
+
+#ifndef LUMVANE_TEST_NOT_LINKED
+inline const Library kLinked = {Create3DLutColorAdjustEffect,
+                                Lut3DColorAdjustEffectProcess,
+                                Destory3DLutColorAdjustEffect,
+                                CreateNLEPureCClarity,
+                                NLEPureCClarityProcess,
+                                DestoryNLEPureCClarity,
+                                WhiteBalanceFun,
+                                CreateVideoAdjustColor,
+                                VideoAdjustColorProcess,
+                                DestroyVideoAdjustColor};
+#endif
+
+/// LUT files in a folder of their own: look.cube, look.3dl, tiny.cube, and the two for HDR.
+class LutFolder {
+ public:
+  LutFolder() : look_("look.cube", cube(5, 0.0)) {
+    const std::filesystem::path folder = std::filesystem::path(look_.utf16()).parent_path();
+    path = folder.u16string();
+    std::ofstream(folder / "look.3dl") << threeDl();
+    std::ofstream(folder / "tiny.cube") << tinyCube();
+    std::ofstream(folder / "HDR_HLG.cube") << cube(4, 0.05);
+    std::ofstream(folder / "HDR_PQ.cube") << cube(3, 0.1);
+  }
+  std::u16string path;
+
+ private:
+  // All the ways in which numbers are read: header and rows, plain decimals, exponents, hexadecimal ones, long ones.
+  static std::string cube(int size, double lift) {
+    const std::string longNumber = "0x0.8" + std::string(2000, '0') + "p0";
+    std::ostringstream text;
+    text.imbue(std::locale::classic());
+    text << "TITLE \"a title of more letters than a short string holds\"\nDOMAIN_MIN -0.125 0 0\n"
+         << "LUT_3D_SIZE " << size << "\nDOMAIN_MAX 0.875 1.25 1.0\n";
+    for (int i = 0; i < size * size * size; ++i) {
+      text << lift + 0.9 * (i % size) / (size - 1) << ' ' << 1.2 * (i / size % size) / (size - 1) - 0.1
+           << (i % 3 == 0 ? "e0 " : " ")
+           << (i % 5 == 0 ? "0x1.8p-1"
+               : i == 6   ? longNumber
+                          : "0.37251964")
+           << "\n";
+    }
+    return text.str();
+  }
+  static std::string threeDl() {
+    std::string text = "0 512 1023\n";
+    for (int i = 0; i < 27; ++i) text += std::to_string(4000 - i * 100) + " " + std::to_string(i * 151) + ".5 1e3\n";
+    return text;
+  }
+
+  // Numbers too small for a normal float, that the domain brings back to the range of colours.
+  static std::string tinyCube() {
+    std::string text = "LUT_3D_SIZE 2\nDOMAIN_MAX 1e36 1e36 1e36\n";
+    for (int i = 1; i <= 8; ++i) text += "1e-38 " + std::to_string(i) + "e-39 2.00000000000000000000001e-39\n";
+    return text;
+  }
+
+  TemporaryFile look_;
+};
+
+/// What every effect makes of a frame of noise, loads included, one behind the other. What a null handle
+/// refuses is left out, and so is HDR without its function.
+inline std::vector<uint8_t> renderAll(const Library& lib, const std::u16string& folder, int width, int height) {
+  const std::vector<uint8_t> src = noise(size_t{4} * width * height, 1);
+  std::vector<uint8_t> result;
+  const auto take = [&](const std::vector<uint8_t>& frame) { result.insert(result.end(), frame.begin(), frame.end()); };
+  for (const char16_t* name : {u"/look.cube", u"/look.3dl", u"/tiny.cube"}) {
+    void* const lut = lib.createLut((folder + name).c_str(), width, height);
+    for (const int strength : {40, 100}) {
+      std::vector<uint8_t> dst(src.size());
+      lib.processLut(lut, dst.data(), width, height, 0, src.data(), width, height, 0, strength);
+      if (lut != nullptr) take(dst);
+    }
+    lib.destroyLut(lut);
+  }
+  std::vector<uint8_t> dst(src.size());
+  void* const clarity = lib.createClarity(width, height, 0, 30, 90);
+  if (lib.processClarity(clarity, dst.data(), width, height, 0, src.data(), width, height, 0) == 1) take(dst);
+  lib.destroyClarity(clarity);
+  lib.whiteBalance(src.data(), dst.data(), 0.0f, 0.0f, 0.0f, 0.21f, -0.13f, width, height);
+  take(dst);
+  for (int flags = 0; flags < 4 && lib.createHdr != nullptr; ++flags) {
+    void* const hdr = lib.createHdr(folder.c_str(), 0, flags & 1, flags & 2, width, height);
+    const int chroma = (width + 1) / 2;
+    std::vector<uint8_t> planes(size_t{1} * width * height + size_t{2} * chroma * ((height + 1) / 2));
+    uint8_t* const y = planes.data();
+    uint8_t* const v = y + size_t{1} * width * height;
+    uint8_t* const u = v + size_t{1} * chroma * ((height + 1) / 2);
+    std::copy_n(src.begin(), planes.size(), planes.begin());
+    lib.processHdr(hdr, y, v, u, width, chroma, chroma, 0, 0, y, v, u);
+    take(planes);
+    lib.destroyHdr(hdr);
+  }
+  return result;
+}
+
+}  // namespace test

@@ -1,0 +1,20 @@
+// Allocations that fail on request. In programs that link failing_allocator.cpp, operator new and, without a sanitizer,
+// the malloc family come from there.
+#pragma once
+
+#include <cstddef>
+
+namespace test {
+
+enum class Failing { kOnce, kFromThenOn };
+
+/// The `which`th allocation of the calling thread from now on fails, counted from 1, and perhaps all behind it.
+void startFailing(long which, Failing failing);
+
+/// Ends that and returns how many allocations have failed.
+long stopFailing();
+
+/// Blocks of memory that all threads have and have not given back.
+long liveBlocks();
+
+}  // namespace test

@@ -1,0 +1,141 @@
+// Frames that lie against pages that nobody may touch, through every export and on every target: what is read or
+// written beyond the rows ends the program, and what changes between them is found.
+
+#include <gtest/gtest.h>
+
+#include <functional>
+
+#include "lumvane.h"
+#include "tests/guarded_plane.h"
+#include "tests/inputs.h"
+#include "tests/row_comparer.h"
+#include "tests/targets.h"
+
+namespace {
+
+using test::GuardedPlane;
+using test::RowLayout;
+
+constexpr auto kPacked = RowLayout::kPacked, kPadded = RowLayout::kPadded, kPageBetween = RowLayout::kPageBetween;
+const std::vector<RowLayout> kDownwards = {{kPacked, false, false},      {kPacked, true, false},
+                                           {kPadded, false, false},      {kPadded, true, false},
+                                           {kPageBetween, false, false}, {kPageBetween, true, false}};
+const std::vector<RowLayout> kUpwards = {
+    {kPadded, false, true}, {kPadded, true, true}, {kPageBetween, false, true}, {kPageBetween, true, true}};
+
+// All widths up to more than four of the widest vectors, and a few frames that are spread over threads.
+std::vector<std::pair<int, int>> sizes() {
+  std::vector<std::pair<int, int>> result = {{101, 100}, {1301, 8}, {10007, 1}, {70, 143}};
+  for (int width = 1; width <= 70; ++width) {
+    for (int height = 1; height <= 3; ++height) result.emplace_back(width, height);
+  }
+  return result;
+}
+
+using Render = std::function<void(uint8_t* dst, int dstStride, const uint8_t* src, int srcStride, int w, int h)>;
+
+// Renders apart and in place, in every layout, and compares with what comes of ordinary memory.
+void expectRowsAlone(const std::vector<RowLayout>& layouts, const Render& render) {
+  for (const auto& [width, height] : sizes()) {
+    const std::vector<uint8_t> pixels = test::noise(size_t{4} * width * height, static_cast<unsigned>(width + height));
+    std::vector<uint8_t> expected(pixels.size()), inPlace = pixels;
+    render(expected.data(), 4 * width, pixels.data(), 4 * width, width, height);
+    render(inPlace.data(), 4 * width, inPlace.data(), 4 * width, width, height);
+    for (const RowLayout& layout : layouts) {
+      const auto where = testing::Message() << width << " x " << height << ", " << testing::PrintToString(layout);
+      GuardedPlane src(4 * width, height, layout), dst(4 * width, height, layout);
+      src.fill(pixels);
+      dst.fill(pixels);
+      render(dst.data(), dst.stride(), dst.data(), dst.stride(), width, height);
+      EXPECT_TRUE(dst.packed() == inPlace) << where << ", in place";
+      src.makeReadOnly();
+      render(dst.data(), dst.stride(), src.data(), src.stride(), width, height);
+      EXPECT_TRUE(dst.packed() == expected) << where;
+      EXPECT_TRUE(dst.paddingIntact()) << where;
+    }
+  }
+}
+
+class GuardPages : public test::EveryTarget {};
+INSTANTIATE_TEST_SUITE_P(On, GuardPages, test::everyTarget(), test::targetName);
+
+TEST_P(GuardPages, BoundLutFrames) {
+  const test::TemporaryFile file("negative.cube", test::negativeCube());
+  void* const effect = Create3DLutColorAdjustEffect(file.utf16().c_str(), 0, 0);
+  ASSERT_NE(effect, nullptr);
+  for (const int strength : {50, 100}) {
+    const auto render = [&](uint8_t* dst, int dstStride, const uint8_t* src, int srcStride, int w, int h) {
+      Lut3DColorAdjustEffectProcess(effect, dst, w, h, dstStride, src, w, h, srcStride, strength);
+    };
+    expectRowsAlone(kDownwards, render);
+    expectRowsAlone(kUpwards, render);
+  }
+  Destory3DLutColorAdjustEffect(effect);
+}
+
+TEST_P(GuardPages, BoundClarityFrames) {
+  expectRowsAlone(kDownwards, [](uint8_t* dst, int dstStride, const uint8_t* src, int srcStride, int w, int h) {
+    void* const effect = CreateNLEPureCClarity(w, h, 0, 40, 80);
+    EXPECT_EQ(NLEPureCClarityProcess(effect, dst, w, h, dstStride, src, w, h, srcStride), 1);
+    DestoryNLEPureCClarity(effect);
+  });
+}
+
+TEST_P(GuardPages, BoundWhiteBalanceFrames) {
+  const std::vector<RowLayout> packed(kDownwards.begin(), kDownwards.begin() + 2);
+  expectRowsAlone(packed, [](uint8_t* dst, int, const uint8_t* src, int, int w, int h) {
+    WhiteBalanceFun(src, dst, 0.0f, 0.0f, 0.0f, 0.2f, -0.1f, w, h);
+  });
+}
+
+// The three planes of a YV12 frame, each between pages of its own.
+struct Planes {
+  GuardedPlane y, v, u;
+
+  Planes(int width, int height, const RowLayout& layout)
+      : y(width, height, layout),
+        v((width + 1) / 2, (height + 1) / 2, layout),
+        u((width + 1) / 2, (height + 1) / 2, layout) {}
+  void fill(int width, int height) {
+    const size_t chroma = size_t{1} * ((width + 1) / 2) * ((height + 1) / 2);
+    y.fill(test::noise(size_t{1} * width * height, 1));
+    v.fill(test::noise(chroma, 2));
+    u.fill(test::noise(chroma, 3));
+  }
+  void renderTo(Planes& dst, void* object) const {
+    EXPECT_TRUE(VideoAdjustColorProcess(object, y.data(), v.data(), u.data(), y.stride(), v.stride(), u.stride(), 0, 0,
+                                        dst.y.data(), dst.v.data(), dst.u.data()));
+  }
+  bool sameAs(const Planes& other) const {
+    return y.packed() == other.y.packed() && v.packed() == other.v.packed() && u.packed() == other.u.packed();
+  }
+};
+
+TEST_P(GuardPages, BoundHdrFrames) {
+  const test::TemporaryFile hlg("HDR_HLG.cube", test::negativeCube());  // PQ frames come out black
+  const std::u16string directory = std::filesystem::path(hlg.utf16()).parent_path().u16string();
+  for (const auto& [width, height] : sizes()) {
+    for (const int limited : {0, 1}) {
+      void* const object = CreateVideoAdjustColor(directory.c_str(), 0, limited, 0, width, height);
+      // The first layout says what the others have to give: it is held against a reference elsewhere.
+      Planes expected(width, height, {});
+      expected.fill(width, height);
+      expected.renderTo(expected, object);
+      for (const RowLayout& layout : kDownwards) {
+        const auto where = testing::Message() << width << " x " << height << ", " << testing::PrintToString(layout);
+        Planes src(width, height, layout), dst(width, height, layout);
+        src.fill(width, height);
+        for (GuardedPlane* plane : {&src.y, &src.v, &src.u}) plane->makeReadOnly();
+        src.renderTo(dst, object);
+        EXPECT_TRUE(dst.sameAs(expected)) << where;
+        for (GuardedPlane* plane : {&dst.y, &dst.v, &dst.u}) EXPECT_TRUE(plane->paddingIntact()) << where;
+        dst.fill(width, height);
+        dst.renderTo(dst, object);
+        EXPECT_TRUE(dst.sameAs(expected)) << where << ", in place";
+      }
+      DestroyVideoAdjustColor(object);
+    }
+  }
+}
+
+}  // namespace

@@ -1,0 +1,86 @@
+// The library is loaded and unloaded again and again, with work between. OpenCV, whose pool of threads outlives that,
+// and Highway are dependencies of the test, and so stay.
+
+#include <dlfcn.h>
+#include <gtest/gtest.h>
+#include <hwy/targets.h>
+#include <unistd.h>
+
+#include <opencv2/core/utility.hpp>
+
+#define LUMVANE_TEST_NOT_LINKED
+#include "tests/effects.h"
+
+namespace {
+
+constexpr const char* kLibrary = LUMVANE_TEST_LIBRARY;
+
+template <class Function>
+void find(void* library, const char* name, Function& function) {
+  function = reinterpret_cast<Function>(dlsym(library, name));
+  ASSERT_NE(function, nullptr) << name;
+}
+
+test::Library open(void*& library) {
+  library = dlopen(kLibrary, RTLD_NOW | RTLD_LOCAL);
+  test::Library functions;
+  if (library == nullptr) {
+    ADD_FAILURE() << dlerror();
+    return functions;
+  }
+  find(library, "Create3DLutColorAdjustEffect", functions.createLut);
+  find(library, "Lut3DColorAdjustEffectProcess", functions.processLut);
+  find(library, "Destory3DLutColorAdjustEffect", functions.destroyLut);
+  find(library, "CreateNLEPureCClarity", functions.createClarity);
+  find(library, "NLEPureCClarityProcess", functions.processClarity);
+  find(library, "DestoryNLEPureCClarity", functions.destroyClarity);
+  find(library, "WhiteBalanceFun", functions.whiteBalance);
+  find(library, "CreateVideoAdjustColor", functions.createHdr);
+  find(library, "VideoAdjustColorProcess", functions.processHdr);
+  find(library, "DestroyVideoAdjustColor", functions.destroyHdr);
+  return functions;
+}
+
+// What lies in /proc/self, a number ahead of what is named.
+long residentKiB() {
+  long whole = 0, resident = 0;
+  std::ifstream("/proc/self/statm") >> whole >> resident;
+  return resident * (sysconf(_SC_PAGESIZE) / 1024);
+}
+long threadCount() {
+  const std::filesystem::directory_iterator tasks("/proc/self/task");
+  return std::distance(begin(tasks), end(tasks));
+}
+
+TEST(Reload, LeavesNothingButTheHdrTables) {
+  const test::LutFolder folder;
+  hwy::SupportedTargets();
+  std::vector<uint8_t> first;
+  long before = 0, threads = 0;
+  constexpr int kRounds = 100, kWarmUp = 10, kHdrEvery = 10;
+  for (int round = 0; round < kRounds; ++round) {
+    if (round == kWarmUp) {
+      before = residentKiB();
+      threads = threadCount();
+    }
+    void* library = nullptr;
+    test::Library functions = open(library);
+    ASSERT_FALSE(HasFailure());
+    if (round % kHdrEvery != 0) functions.createHdr = nullptr;
+    const std::vector<uint8_t> found = test::renderAll(functions, folder.path, 140, 100);
+    if (round == 0) first = found;
+    EXPECT_TRUE(std::equal(found.begin(), found.end(), first.begin())) << "round " << round;
+    ASSERT_EQ(dlclose(library), 0);
+    EXPECT_EQ(dlopen(kLibrary, RTLD_NOW | RTLD_NOLOAD), nullptr) << "the library has not been unloaded";
+  }
+  EXPECT_LE(threadCount(), threads);
+  // Two tables of 65 points for each load, 3.3 MB each with what its rows take.
+  constexpr long kTablesKiB = (kRounds - kWarmUp) / kHdrEvery * (2 * 65 * 65 * (65 * 3 * 4 + 8 + 16) / 1024);
+  const long grown = residentKiB() - before;
+  std::cout << grown << " KiB more, of which the tables take " << kTablesKiB << "\n";
+#ifndef __SANITIZE_ADDRESS__  // which keeps freed memory for a while
+  EXPECT_LE(grown, kTablesKiB + 2048);
+#endif
+}
+
+}  // namespace

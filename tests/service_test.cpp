@@ -1,0 +1,81 @@
+// A long day of a host: objects made and ended by the thousand, an hour of frames, and memory that does not grow.
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <fstream>
+#include <opencv2/core/utility.hpp>
+
+#include "tests/effects.h"
+
+namespace {
+
+// Memory of the process that lies in RAM, in KiB.
+long residentKiB() {
+  long whole = 0, resident = 0;
+  std::ifstream("/proc/self/statm") >> whole >> resident;
+  return resident * (sysconf(_SC_PAGESIZE) / 1024);
+}
+
+// Sanitizers keep freed memory for a while.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr long kMostGrowthKiB = 600 << 10;
+constexpr int kShare = 10;
+#else
+constexpr long kMostGrowthKiB = 1 << 10;
+constexpr int kShare = 1;
+#endif
+
+// Does a tenth of the rounds, so that all that is made once is there, and holds the rest to the memory of then.
+template <class Round>
+void expectFlatMemory(int rounds, const Round& round) {
+  for (int i = 0; i < rounds / 10; ++i) round(i);
+  const long before = residentKiB();
+  if (before == 0) GTEST_SKIP() << "no /proc/self/statm here";
+  for (int i = rounds / 10; i < rounds; ++i) round(i);
+  EXPECT_LE(residentKiB(), before + kMostGrowthKiB);
+}
+
+TEST(Service, MakesAndEndsTenThousandObjectsOfEachKind) {
+  const test::LutFolder folder;
+  const std::u16string cube = folder.path + u"/look.cube", threeDl = folder.path + u"/look.3dl";
+  const std::u16string missing = folder.path + u"/none.cube";
+  expectFlatMemory(10000 / kShare, [&](int i) {
+    void* const lut = Create3DLutColorAdjustEffect(i % 2 == 0 ? cube.c_str() : threeDl.c_str(), i, i);
+    ASSERT_NE(lut, nullptr);
+    ASSERT_EQ(Create3DLutColorAdjustEffect(missing.c_str(), i, i), nullptr);
+    void* const clarity = CreateNLEPureCClarity(i, i % 700, 0, i % 100, i % 100);
+    void* const hdr = CreateVideoAdjustColor(folder.path.c_str(), 0, i % 2, i % 3, i % 300, i % 200);
+    Destory3DLutColorAdjustEffect(lut);
+    DestoryNLEPureCClarity(clarity);
+    DestroyVideoAdjustColor(hdr);
+  });
+}
+
+// Small frames of an hour at 25 a second, of a size that is spread over threads now and then.
+TEST(Service, RendersAnHourOfFrames) {
+  const test::LutFolder folder;
+  constexpr int kMost = 130 * 100;
+  const std::vector<uint8_t> src = test::noise(size_t{4} * kMost, 1);
+  std::vector<uint8_t> dst(src.size());
+  void* const lut = Create3DLutColorAdjustEffect((folder.path + u"/look.cube").c_str(), 64, 36);
+  void* const clarity = CreateNLEPureCClarity(64, 36, 0, 20, 60);
+  void* const small = CreateVideoAdjustColor(folder.path.c_str(), 0, 1, 0, 64, 36);
+  void* const large = CreateVideoAdjustColor(folder.path.c_str(), 0, 1, 1, 130, 100);
+  expectFlatMemory(90000 / kShare, [&](int i) {
+    const bool spread = i % 50 == 0;
+    const int width = spread ? 130 : 64, height = spread ? 100 : 36, pixels = width * height;
+    Lut3DColorAdjustEffectProcess(lut, dst.data(), width, height, 0, src.data(), 0, 0, 0, 1 + i % 100);
+    ASSERT_EQ(NLEPureCClarityProcess(clarity, dst.data(), width, height, 0, src.data(), 0, 0, 0), 1);
+    WhiteBalanceFun(src.data(), dst.data(), 0, 0, 0, 0.1f, 0.1f, width, height);
+    uint8_t* const y = dst.data();
+    VideoAdjustColorProcess(spread ? large : small, y, y + pixels, y + pixels * 5 / 4, width, width / 2, width / 2, 0,
+                            0, y, y + pixels, y + pixels * 5 / 4);
+  });
+  Destory3DLutColorAdjustEffect(lut);
+  DestoryNLEPureCClarity(clarity);
+  DestroyVideoAdjustColor(small);
+  DestroyVideoAdjustColor(large);
+}
+
+}  // namespace

@@ -1,0 +1,53 @@
+// What threads share while each works on objects of its own. The first creates of HDR at once are in hdr_test.cpp.
+
+#include <gtest/gtest.h>
+
+#include <barrier>
+#include <thread>
+
+#include "lut/blend_table.h"
+#include "tests/effects.h"
+
+namespace {
+
+// Runs the work on so many threads, which start it as nearly at once as they can.
+template <class Work>
+void atOnce(int count, const Work& work) {
+  std::barrier start(count);
+  std::vector<std::thread> threads;
+  for (int i = 0; i < count; ++i) {
+    threads.emplace_back([&, i] {
+      start.arrive_and_wait();
+      work(i);
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+}
+
+// The first to need it builds it; seen where this test has a process of its own.
+TEST(Threads, ShareOneBlendTable) {
+  constexpr int kThreads = 16;
+  std::shared_ptr<const Lumvane::Table> tables[kThreads];
+  atOnce(kThreads, [&](int i) {
+    tables[i] = Lumvane::acquireTable();
+    EXPECT_EQ(tables[i]->mix[200][100][255], 200);
+    EXPECT_EQ(tables[i]->multiply[255][77], 77);
+  });
+  for (const auto& table : tables) EXPECT_EQ(table, tables[0]);
+}
+
+// Loads, first frames and all; on odd threads frames that are spread over a pool.
+TEST(Threads, RenderSideBySide) {
+  constexpr int kThreads = 8;
+  const test::LutFolder folder;
+  std::vector<uint8_t> results[kThreads];
+  const auto render = [&](int i) {
+    return test::renderAll(test::kLinked, folder.path, i % 2 == 0 ? 40 : 140, i % 2 == 0 ? 30 : 100);
+  };
+  for (int round = 0; round < 3; ++round) {
+    atOnce(kThreads, [&](int i) { results[i] = render(i); });
+    for (int i = 0; i < kThreads; ++i) EXPECT_TRUE(results[i] == render(i)) << "thread " << i;
+  }
+}
+
+}  // namespace
