@@ -46,7 +46,9 @@ gives() {
 if [ "$host" = melt ]; then
   # shellcheck disable=SC2086
   ffmpeg -nostdin -v error $raw -i clip.raw -c:v ffv1 clip.mkv || exit 1
+  # melt does not bear a profile without a description.
   cat >clip.profile <<END
+description=clip
 frame_rate_num=25
 frame_rate_den=1
 width=$width
