@@ -15,10 +15,14 @@ folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
 cd "$folder" || exit 1
 failed=0
-# Slices of MLT divide the height; clarity has all its levels from a shorter side of 65 on. FFmpeg pads the rows of
-# other widths than multiples of 4 without telling its plug-ins.
-width=160
+# Clarity has all its levels from a shorter side of 65 on; MLT cuts into slices only what divides evenly. FFmpeg pads
+# rows up to a multiple of 64 bytes, and its plug-ins cannot know: there only widths of a multiple of 16 come out right.
 height=96
+case $host in
+  ffmpeg) width=160 ;;
+  melt) width=150 ;;
+  *) exit 2 ;;
+esac
 raw="-f rawvideo -pix_fmt bgra -s ${width}x$height -r 25"
 
 run_ffmpeg() {  # run_ffmpeg PLUGIN FIRST SECOND
@@ -29,7 +33,7 @@ run_ffmpeg() {  # run_ffmpeg PLUGIN FIRST SECOND
 run_melt() {  # run_melt PLUGIN FIRST SECOND [PROPERTY]
   # Nothing is scaled or converted with a profile of the clip's own size and RGBA from end to end.
   rm -f out.mkv
-  QT_QPA_PLATFORM=offscreen timeout 120 melt -silent -profile clip.profile avformat:clip.mkv \
+  timeout 120 melt -silent -profile clip.profile avformat:clip.mkv \
     -filter "frei0r.$1" 0="$2" 1="$3" ${4:+"$4"} \
     -consumer avformat:out.mkv f=matroska vcodec=ffv1 pix_fmt=bgra mlt_image_format=rgba an=1 real_time=-1 \
     >melt.log 2>&1 || { cat melt.log; return 1; }
