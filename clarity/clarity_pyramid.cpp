@@ -4,6 +4,7 @@
 #include <bit>
 #include <opencv2/imgproc.hpp>
 
+#include "apply/default_float_mode.h"
 #include "clarity/clarity_passes.h"
 
 namespace Lumvane {
@@ -60,6 +61,7 @@ void collapseClarityPyramid(ClarityPyramid& pyramid) {
   for (size_t i = last; i-- > 1;) {
     const cv::Mat& fine = gaussian[i];
     const auto bringUp = [&](const cv::Range& which) {
+      const DefaultFloatMode floatMode;
       if (which.start == 0) pyramidUp(gaussian[i + 1], fine.size(), coarse[i]);
       if (which.end == 2) pyramidUp(rebuilt[i + 1], fine.size(), rebuilt[i]);
     };

@@ -1,0 +1,57 @@
+#include <cmath>
+#include <filesystem>
+#include <vector>
+
+#include "effect.h"
+#include "lumvane.h"
+
+namespace plugins {
+
+const Description kDescription = {
+    "Lumvane LUT",
+    "Recolours the picture through a 3D lookup table from a file",
+    {{"path", "LUT file, .cube or .3dl; without one, or with one that cannot be used, the picture stays as it is", true,
+      0.0},
+     {"strength", "0 to 1 is 0 to 100 percent of the LUT; 0 changes nothing", false, 1.0}}};
+
+namespace {
+
+using LutHandle = std::unique_ptr<void, decltype(&Destory3DLutColorAdjustEffect)>;
+
+class LutEffect : public Effect {
+ public:
+  bool render(const Values& values, const Frame& frame) override {
+    load(values.texts[0]);
+    const auto strength = static_cast<int32_t>(std::lround(values.numbers[1] * 100.0));
+    if (!handle_ || strength == 0) return false;
+
+    // Hosts hand over colours that are not multiplied by alpha, and the library would multiply them. So the picture is
+    // graded as an opaque one and gets its alpha back.
+    opaque_.assign(frame.src, frame.src + frame.bytes());
+    for (size_t alpha = 3; alpha < opaque_.size(); alpha += 4) opaque_[alpha] = 255;
+    Lut3DColorAdjustEffectProcess(handle_.get(), frame.dst, frame.width, frame.height, 0, opaque_.data(), frame.width,
+                                  frame.height, 0, strength);
+    for (size_t alpha = 3; alpha < opaque_.size(); alpha += 4) frame.dst[alpha] = frame.src[alpha];
+    return true;
+  }
+
+ private:
+  // Hosts name the path again before every frame; the file is looked at only when it is another one than before.
+  void load(const std::string& path) {
+    if (path == path_) return;
+    handle_.reset();
+    path_ = path;
+    const std::u8string utf8(path.begin(), path.end());
+    handle_.reset(Create3DLutColorAdjustEffect(std::filesystem::path(utf8).u16string().c_str(), 0, 0));
+  }
+
+  std::string path_;
+  LutHandle handle_{nullptr, &Destory3DLutColorAdjustEffect};
+  std::vector<uint8_t> opaque_;
+};
+
+}  // namespace
+
+std::unique_ptr<Effect> makeEffect() { return std::make_unique<LutEffect>(); }
+
+}  // namespace plugins

@@ -1,0 +1,87 @@
+#!/bin/sh
+# Each plug-in in a real host, over a short clip: what the host writes has to be, byte for byte, what the library makes
+# of the same frames.
+#   hosts.sh ffmpeg|melt RAW_FRAMES PLUGIN_FOLDER SAMPLES
+# Exit code 77 where the host is not installed.
+set -u
+host=$1
+frames=$2
+export FREI0R_PATH=$3
+lut=$4/teal_orange.cube
+for program in "$host" ffmpeg; do  # FFmpeg also packs clips for melt
+  command -v "$program" >/dev/null || { echo "skipped: $program is not installed"; exit 77; }
+done
+folder=$(mktemp -d)
+trap 'rm -rf "$folder"' EXIT
+cd "$folder" || exit 1
+failed=0
+# Clarity has all its levels from a shorter side of 65 on; MLT cuts into slices only what divides evenly. FFmpeg pads
+# rows up to a multiple of 64 bytes, and its plug-ins cannot know: there only widths of a multiple of 16 come out right.
+height=96
+case $host in
+  ffmpeg) width=160 ;;
+  melt) width=150 ;;
+  *) exit 2 ;;
+esac
+raw="-f rawvideo -pix_fmt bgra -s ${width}x$height -r 25"
+
+run_ffmpeg() {  # run_ffmpeg PLUGIN FIRST SECOND
+  # shellcheck disable=SC2086  # a list of words
+  ffmpeg -nostdin -v error -y $raw -i clip.raw -vf "frei0r=$1:$2|$3" -f rawvideo -pix_fmt bgra out.raw
+}
+
+run_melt() {  # run_melt PLUGIN FIRST SECOND [PROPERTY]
+  # Nothing is scaled or converted with a profile of the clip's own size and RGBA from end to end.
+  rm -f out.mkv
+  timeout 120 melt -silent -profile clip.profile avformat:clip.mkv \
+    -filter "frei0r.$1" 0="$2" 1="$3" ${4:+"$4"} \
+    -consumer avformat:out.mkv f=matroska vcodec=ffv1 pix_fmt=bgra mlt_image_format=rgba an=1 real_time=-1 \
+    >melt.log 2>&1 || { cat melt.log; return 1; }
+  ffmpeg -nostdin -v error -y -i out.mkv -f rawvideo -pix_fmt bgra out.raw
+}
+
+# gives PLUGIN FIRST SECOND [PROPERTY]: the host's frames are those in expected.raw
+gives() {
+  rm -f out.raw
+  "run_$host" "$@" && cmp out.raw expected.raw || { echo "failed: $host, $*"; failed=1; }
+}
+
+"$frames" clip $width $height 4 >clip.raw || exit 1
+if [ "$host" = melt ]; then
+  # shellcheck disable=SC2086
+  ffmpeg -nostdin -v error $raw -i clip.raw -c:v ffv1 clip.mkv || exit 1
+  # melt does not bear a profile without a description.
+  cat >clip.profile <<END
+description=clip
+frame_rate_num=25
+frame_rate_den=1
+width=$width
+height=$height
+progressive=1
+sample_aspect_num=1
+sample_aspect_den=1
+display_aspect_num=$width
+display_aspect_den=$height
+colorspace=709
+END
+fi
+
+"$frames" lut $width $height "$lut" 60 <clip.raw >expected.raw
+gives lumvane_lut "$lut" 0.6
+[ "$host" = melt ] && gives lumvane_lut "$lut" 0.6 threads=2
+"$frames" lut $width $height "$lut" 100 <clip.raw >expected.raw
+gives lumvane_lut "$lut" 1
+"$frames" clarity $width $height 70 20 <clip.raw >expected.raw
+gives lumvane_clarity 0.7 0.6
+"$frames" whitebalance $width $height 0.5 -0.25 <clip.raw >expected.raw
+gives lumvane_whitebalance 0.75 0.375
+[ "$host" = melt ] && gives lumvane_whitebalance 0.75 0.375 threads=2
+
+# What changes nothing.
+cp clip.raw expected.raw
+gives lumvane_lut none.cube 1
+gives lumvane_lut "$lut" 0
+gives lumvane_clarity 0 0.5
+gives lumvane_whitebalance 0.5 0.5
+
+exit $failed
