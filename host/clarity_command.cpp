@@ -3,8 +3,8 @@
 #include <CLI/CLI.hpp>
 #include <memory>
 #include <opencv2/core.hpp>
-#include <stdexcept>
 
+#include "host/fault.h"
 #include "host/picture_jobs.h"
 #include "lumvane.h"
 
@@ -26,7 +26,7 @@ cv::Mat clarify(const cv::Mat& picture, const ClarityOptions& options) {
   if (!effect ||
       NLEPureCClarityProcess(effect.get(), out.data, out.cols, out.rows, static_cast<int32_t>(out.step[0]),
                              picture.data, picture.cols, picture.rows, static_cast<int32_t>(picture.step[0])) != 1) {
-    throw std::runtime_error("the clarity effect refused a picture");
+    throw Fault(ExitCode::kOther, "the clarity effect refused a picture");
   }
   return out;
 }
@@ -35,6 +35,7 @@ cv::Mat clarify(const cv::Mat& picture, const ClarityOptions& options) {
 
 void addClarityCommand(CLI::App& app) {
   auto* command = app.add_subcommand("clarity", "Raise the local contrast of pictures");
+  command->footer("Example:\n  lumvane-host clarity --intensity 70 --saturation 20 photo.jpg clear.png");
   const auto options = std::make_shared<ClarityOptions>();
   command->add_option("--intensity", options->intensity, "Local contrast in percent, 0 to 100, clamped")
       ->capture_default_str();

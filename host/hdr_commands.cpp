@@ -5,13 +5,13 @@
 #include <filesystem>
 #include <memory>
 #include <opencv2/core.hpp>
-#include <stdexcept>
 #include <system_error>
 
+#include "host/fault.h"
 #include "host/hdr_clip.h"
 #include "host/hdr_luts.h"
 #include "host/pictures.h"
-#include "host/progress_bar.h"
+#include "host/progress.h"
 #include "host/y4m.h"
 #include "lumvane.h"
 
@@ -39,7 +39,7 @@ HdrEffect openHdr(const HdrOptions& options, bool limited, int width, int height
 // The library does not tell of a LUT file that is missing or cannot be used: its frames are black, whatever goes in.
 void requireLut(const HdrOptions& options) {
   const fs::path lut = fs::path(options.luts) / (options.transfer == "pq" ? "HDR_PQ.cube" : "HDR_HLG.cube");
-  if (!fs::is_regular_file(lut)) throw std::runtime_error("there is no LUT file '" + lut.string() + "'");
+  if (!fs::is_regular_file(lut)) throw Fault(ExitCode::kInput, "there is no LUT file '" + lut.string() + "'");
   const HdrEffect effect = openHdr(options, false, 1, 1);
   for (const uint8_t grey : {0, 128, 255}) {
     const uint8_t neutral = 128;
@@ -47,13 +47,13 @@ void requireLut(const HdrOptions& options) {
     VideoAdjustColorProcess(effect.get(), &grey, &neutral, &neutral, 1, 1, 1, 0, 0, &y, &v, &u);
     if (y != 0) return;
   }
-  throw std::runtime_error("'" + lut.string() + "' cannot be used: it turns everything black");
+  throw Fault(ExitCode::kInput, "'" + lut.string() + "' cannot be used: it turns everything black");
 }
 
 void convert(const HdrOptions& options) {
   std::error_code notThere;
   if (fs::equivalent(options.input, options.output, notThere)) {
-    throw std::runtime_error("'" + options.output + "' would be written over, and it is to be read");
+    throw Fault(ExitCode::kUsage, "'" + options.output + "' would be written over, and it is to be read");
   }
   requireLut(options);
   VideoReader reader(options.input);
@@ -64,7 +64,7 @@ void convert(const HdrOptions& options) {
   const HdrEffect effect = openHdr(options, format.range == "LIMITED", width, height);
   VideoWriter writer(options.output, format);
   VideoFrame src(width, height), dst(width, height);
-  FrameCounter counter;
+  Progress progress("frames", reader.framesAhead());
   const int chromaWidth = (width + 1) / 2;
   while (reader.read(src)) {
     // The library takes V ahead of U, the stream has U ahead of V.
@@ -72,9 +72,9 @@ void convert(const HdrOptions& options) {
                             chromaWidth, chromaWidth, 0, 0, dst.planes[0].data(), dst.planes[2].data(),
                             dst.planes[1].data());
     writer.write(dst);
-    counter.step();
+    progress.finishStep();
   }
-  writer.close();
+  writer.finish();
 }
 
 // A limited-range picture taken for BT.709, as a viewer that knows nothing of HDR shows it.
@@ -101,8 +101,11 @@ void addLutsCommand(CLI::App& app) {
     int size = 65;
   };
   auto* command = app.add_subcommand("hdr-luts", "Write the two LUT files that turn HLG and PQ into BT.709");
+  command->footer("Example:\n  lumvane-host hdr-luts luts");
   const auto options = std::make_shared<Options>();
-  command->add_option("folder", options->folder, "Folder to write HDR_HLG.cube and HDR_PQ.cube to")->required();
+  command->add_option("folder", options->folder, "Folder to write HDR_HLG.cube and HDR_PQ.cube to")
+      ->required()
+      ->type_name("FOLDER");
   command->add_option("--size", options->size, "Points per axis")->check(CLI::Range(2, 65))->capture_default_str();
   command->callback([options] { writeHdrLuts(options->folder, options->size); });
 }
@@ -110,9 +113,15 @@ void addLutsCommand(CLI::App& app) {
 void addConvertCommand(CLI::App& app) {
   auto* command =
       app.add_subcommand("hdr", "Convert HDR video (BT.2020, 8-bit 4:2:0 YUV4MPEG2, chroma sited left) to BT.709");
+  command->footer(
+      "Examples:\n"
+      "  lumvane-host hdr --luts luts --transfer pq clip.y4m sdr.y4m\n"
+      "  ffmpeg -i hlg.mkv -pix_fmt yuv420p -f yuv4mpegpipe - |\n"
+      "    lumvane-host hdr --luts luts --transfer hlg - - | ffmpeg -i - sdr.mp4");
   const auto options = std::make_shared<HdrOptions>();
   command->add_option("--luts", options->luts, "Folder with HDR_HLG.cube and HDR_PQ.cube; hdr-luts makes them")
-      ->required();
+      ->required()
+      ->type_name("FOLDER");
   command->add_option("--transfer", options->transfer, "Transfer function of the video")
       ->required()
       ->check(CLI::IsMember({"hlg", "pq"}));
@@ -120,8 +129,12 @@ void addConvertCommand(CLI::App& app) {
       ->add_option("--range", options->range,
                    "Range of the code values, in and out; by default what the video says of itself, or limited")
       ->check(CLI::IsMember({"limited", "full"}));
-  command->add_option("input", options->input, "Video to read, - for the standard input")->required();
-  command->add_option("output", options->output, "Video to write, - for the standard output")->required();
+  command->add_option("input", options->input, "Video to read, - for the standard input")
+      ->required()
+      ->type_name("FILE");
+  command->add_option("output", options->output, "Video to write, - for the standard output")
+      ->required()
+      ->type_name("FILE");
   command->callback([options] { convert(*options); });
 }
 
@@ -131,6 +144,7 @@ void addClipCommand(CLI::App& app) {
     int frames = 25, width = 640, height = 360;
   };
   auto* command = app.add_subcommand("hdr-clip", "Draw a short HDR video to try the conversion on");
+  command->footer("Example:\n  lumvane-host hdr-clip --transfer hlg clip.y4m");
   const auto options = std::make_shared<Options>();
   command->add_option("--transfer", options->transfer, "Transfer function")
       ->required()
@@ -140,19 +154,21 @@ void addClipCommand(CLI::App& app) {
   command->add_option("--height", options->height, "Height in pixels")
       ->check(CLI::Range(1, 16384))
       ->capture_default_str();
-  command->add_option("output", options->output, "Video to write, - for the standard output")->required();
+  command->add_option("output", options->output, "Video to write, - for the standard output")
+      ->required()
+      ->type_name("FILE");
   command->callback([options] {
     VideoFormat format;
     format.width = options->width;
     format.height = options->height;
     format.range = "LIMITED";
     VideoWriter writer(options->output, format);
-    FrameCounter counter;
+    Progress progress("frames", static_cast<size_t>(options->frames));
     for (int i = 0; i < options->frames; ++i) {
       writer.write(drawHdrFrame(format.width, format.height, i, options->frames, options->transfer == "pq"));
-      counter.step();
+      progress.finishStep();
     }
-    writer.close();
+    writer.finish();
   });
 }
 
@@ -162,18 +178,22 @@ void addStillCommand(CLI::App& app) {
     int frame = 0;
   };
   auto* command = app.add_subcommand("still", "Take a picture from a limited-range video, shown as BT.709");
+  command->footer("Example:\n  lumvane-host still --frame 12 sdr.y4m still.png");
   const auto options = std::make_shared<Options>();
   command->add_option("--frame", options->frame, "Number of the frame, from 0")
       ->check(CLI::NonNegativeNumber)
       ->capture_default_str();
-  command->add_option("input", options->input, "Video to read, - for the standard input")->required();
-  command->add_option("output", options->output, "Picture to write")->required();
+  command->add_option("input", options->input, "Video to read, - for the standard input")
+      ->required()
+      ->type_name("FILE");
+  command->add_option("output", options->output, "Picture to write")->required()->type_name("FILE");
   command->callback([options] {
     VideoReader reader(options->input);
     const int width = reader.format().width, height = reader.format().height;
     VideoFrame frame(width, height);
     for (int i = 0; i <= options->frame; ++i) {
-      if (!reader.read(frame)) throw std::runtime_error("'" + options->input + "' is shorter than that");
+      if (reader.read(frame)) continue;
+      throw Fault(ExitCode::kInput, "'" + options->input + "' is shorter: it has " + std::to_string(i) + " frames");
     }
     writePicture(options->output, still(frame, width, height));
   });

@@ -16,8 +16,11 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
-#include <fstream>
-#include <stdexcept>
+#include <string>
+#include <system_error>
+
+#include "host/fault.h"
+#include "host/output_file.h"
 
 namespace host {
 namespace {
@@ -92,8 +95,7 @@ Colour lightToBt709(const Colour& light) {
 }
 
 void writeLut(const std::filesystem::path& path, int size, HdrLook look, const char* title) {
-  std::ofstream out(path, std::ios::binary);
-  out << "TITLE \"" << title << "\"\nLUT_3D_SIZE " << size << '\n';
+  std::string text = std::string("TITLE \"") + title + "\"\nLUT_3D_SIZE " + std::to_string(size) + "\n";
   const double step = 1.0 / (size - 1);
   char row[64];
   for (int blue = 0; blue < size; ++blue) {
@@ -101,12 +103,13 @@ void writeLut(const std::filesystem::path& path, int size, HdrLook look, const c
       for (int red = 0; red < size; ++red) {
         const Colour c = look({red * step, green * step, blue * step});
         std::snprintf(row, sizeof row, "%.6f %.6f %.6f\n", c[0], c[1], c[2]);
-        out << row;
+        text += row;
       }
     }
   }
-  out.close();
-  if (!out) throw std::runtime_error("cannot write '" + path.string() + "'");
+  OutputFile file(path);
+  file.write(text.data(), text.size());
+  file.finish();
 }
 
 }  // namespace
@@ -135,7 +138,9 @@ std::array<double, 3> pqToBt709(const std::array<double, 3>& signal) {
 }
 
 void writeHdrLuts(const std::filesystem::path& folder, int size) {
-  std::filesystem::create_directories(folder);
+  std::error_code error;
+  std::filesystem::create_directories(folder, error);
+  if (error) throw Fault(ExitCode::kOutput, "cannot make the folder '" + folder.string() + "': " + error.message());
   writeLut(folder / "HDR_HLG.cube", size, hlgToBt709, "BT.2100 HLG, 1000 cd/m2, to BT.709");
   writeLut(folder / "HDR_PQ.cube", size, pqToBt709, "BT.2100 PQ to BT.709");
 }

@@ -12,7 +12,7 @@ std::array<double, 3> hlgToBt709(const std::array<double, 3>& signal);
 std::array<double, 3> pqToBt709(const std::array<double, 3>& signal);
 
 /// Writes "HDR_HLG.cube" and "HDR_PQ.cube" of `size` points per axis into a folder, which is made when there is none.
-/// Throws std::runtime_error with the file's name when that fails.
+/// Throws a Fault with the file's name when that fails.
 void writeHdrLuts(const std::filesystem::path& folder, int size);
 
 /// The transfer functions by themselves, for drawing HDR pictures: light in cd/m2 to the signal from 0 to 1.

@@ -1,11 +1,14 @@
 #include "host/lut_command.h"
 
 #include <CLI/CLI.hpp>
+#include <cerrno>
 #include <filesystem>
+#include <fstream>
 #include <memory>
 #include <opencv2/core.hpp>
-#include <stdexcept>
+#include <system_error>
 
+#include "host/fault.h"
 #include "host/picture_jobs.h"
 #include "lumvane.h"
 
@@ -23,14 +26,31 @@ struct LutOptions {
 
 using LutEffect = std::unique_ptr<void, decltype(&Destory3DLutColorAdjustEffect)>;
 
+// Whether a one-dimensional table is announced ahead of the first rows.
+bool holdsCurve(std::ifstream& file) {
+  for (std::string line; std::getline(file, line) && (line.empty() || !std::isdigit(line[0]));) {
+    if (line.rfind("LUT_1D_SIZE", 0) == 0) return true;
+  }
+  return false;
+}
+
+// The library has one answer to every file that it cannot use; people want to know why. And a shaper curve ahead of a
+// table it takes for a part of the table.
 LutEffect openLut(const std::string& path) {
+  const auto refuse = [&](const std::string& reason) {
+    throw Fault(ExitCode::kInput, "LUT file '" + path + "' cannot be used: " + reason);
+  };
+  std::ifstream file(path, std::ios::binary);
+  if (!file) refuse(std::generic_category().message(errno));
+  if (fs::is_directory(path)) refuse("it is a folder");
+  if (holdsCurve(file)) refuse("it holds a one-dimensional table, and only 3D tables are read");
   LutEffect effect(Create3DLutColorAdjustEffect(fs::path(path).u16string().c_str(), 0, 0),
                    &Destory3DLutColorAdjustEffect);
-  if (effect) return effect;
-  if (!fs::exists(path)) throw std::runtime_error("there is no LUT file '" + path + "'");
-  throw std::runtime_error("'" + path +
-                           "' cannot be used: a LUT is a .cube file of 2 to 65 points per axis or a .3dl "
-                           "file of 3 to 65, with all its rows");
+  if (!effect) {
+    refuse(
+        "a LUT is a .cube file of 2 to 65 points per axis or a .3dl file of 3 to 65, by its name, with all its rows");
+  }
+  return effect;
 }
 
 // The library multiplies colours by alpha, picture files hold them without. So a picture is graded as an opaque one and
@@ -49,8 +69,12 @@ cv::Mat grade(void* effect, const cv::Mat& picture, const LutOptions& options) {
 
 void addLutCommand(CLI::App& app) {
   auto* command = app.add_subcommand("lut", "Grade pictures through a 3D LUT");
+  command->footer(
+      "Examples:\n"
+      "  lumvane-host lut --lut look.cube --strength 60 photo.jpg graded.png\n"
+      "  lumvane-host lut --lut look.3dl --compare stills/ graded/");
   const auto options = std::make_shared<LutOptions>();
-  command->add_option("--lut", options->lut, "LUT file, .cube or .3dl")->required();
+  command->add_option("--lut", options->lut, "LUT file, .cube or .3dl")->required()->type_name("FILE");
   command->add_option("--strength", options->strength, "Strength in percent, 0 to 100, clamped")->capture_default_str();
   command->add_flag("--premultiply", options->premultiply,
                     "Write the library's own pixels, with colours multiplied by alpha; without it a picture keeps its "

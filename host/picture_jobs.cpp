@@ -3,11 +3,11 @@
 #include <CLI/CLI.hpp>
 #include <filesystem>
 #include <set>
-#include <stdexcept>
 #include <system_error>
 
+#include "host/fault.h"
 #include "host/pictures.h"
-#include "host/progress_bar.h"
+#include "host/progress.h"
 
 namespace host {
 namespace {
@@ -24,12 +24,12 @@ void refuseOverwriting(const std::vector<Job>& jobs) {
   std::set<fs::path> outputs;
   for (const Job& job : jobs) {
     if (!outputs.insert(job.output.lexically_normal()).second) {
-      throw std::runtime_error("two pictures would go to '" + job.output.string() + "'");
+      throw Fault(ExitCode::kUsage, "two pictures would go to '" + job.output.string() + "'");
     }
     for (const Job& other : jobs) {
       std::error_code notThere;
       if (fs::equivalent(other.input, job.output, notThere)) {
-        throw std::runtime_error("'" + job.output.string() + "' would be written over, and it is to be read");
+        throw Fault(ExitCode::kUsage, "'" + job.output.string() + "' would be written over, and it is to be read");
       }
     }
   }
@@ -43,13 +43,16 @@ std::vector<Job> planJobs(const std::vector<std::string>& paths) {
   if (inputs.size() == 1 && fs::is_directory(inputs[0])) {
     const fs::path folder = inputs[0];
     inputs = picturesIn(folder);
-    if (inputs.empty()) throw std::runtime_error("there are no pictures in '" + folder.string() + "'");
+    if (inputs.empty()) throw Fault(ExitCode::kInput, "there are no pictures in '" + folder.string() + "'");
     toFolder = true;
   }
   if (toFolder) {
     std::error_code error;
     fs::create_directories(output, error);
-    if (!fs::is_directory(output)) throw std::runtime_error("cannot make the folder '" + output.string() + "'");
+    if (!fs::is_directory(output)) {
+      throw Fault(ExitCode::kOutput, "cannot make the folder '" + output.string() +
+                                         "': " + (error ? error.message() : "there is a file of this name"));
+    }
   }
   std::vector<Job> jobs;
   for (const fs::path& input : inputs) jobs.push_back({input, toFolder ? output / input.filename() : output});
@@ -78,6 +81,7 @@ void addPictureArguments(CLI::App& command, PictureArguments& arguments) {
       .add_option("pictures", arguments.paths,
                   "IN OUT, or IN... FOLDER for several pictures, or FOLDER FOLDER for all in a folder")
       ->required()
+      ->type_name("PATH")
       ->expected(2, -1);
 }
 
@@ -88,20 +92,20 @@ void editPictures(const PictureArguments& arguments, const std::function<cv::Mat
   // One bad picture does not keep the others waiting.
   std::string failures;
   size_t failed = 0;
-  ProgressBar progress(jobs.size());
+  ExitCode code = ExitCode::kOther;
+  Progress progress("pictures", jobs.size());
   for (const Job& job : jobs) {
     progress.begin(job.input.filename().string());
     try {
       editPicture(job, arguments.compare, edit);
-    } catch (const std::runtime_error& error) {
-      failures += std::string("\n  ") + error.what();
-      ++failed;
+    } catch (const Fault& fault) {
+      failures += std::string("\n  ") + fault.what();
+      if (failed++ == 0) code = fault.code();
     }
-    progress.finish();
+    progress.finishStep();
   }
   if (failed == 0) return;
-  throw std::runtime_error(std::to_string(failed) + " of " + std::to_string(jobs.size()) +
-                           " pictures failed:" + failures);
+  throw Fault(code, std::to_string(failed) + " of " + std::to_string(jobs.size()) + " pictures failed:" + failures);
 }
 
 }  // namespace host

@@ -20,8 +20,8 @@ struct PictureArguments {
 /// Adds the arguments that all commands on pictures share. `arguments` has to outlive the parsing.
 void addPictureArguments(CLI::App& command, PictureArguments& arguments);
 
-/// Takes each picture through `edit`, BGRA to BGRA of the same size, with a progress bar for several of them. Throws
-/// std::runtime_error with the file's name when one cannot be read or written.
+/// Takes each picture through `edit`, BGRA to BGRA of the same size, with a progress bar for several of them. Throws a
+/// Fault with the file's name when one cannot be read or written.
 void editPictures(const PictureArguments& arguments, const std::function<cv::Mat(const cv::Mat&)>& edit);
 
 }  // namespace host

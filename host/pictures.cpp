@@ -2,12 +2,16 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <fstream>
 #include <opencv2/imgcodecs.hpp>
 #include <opencv2/imgproc.hpp>
-#include <stdexcept>
 #include <string>
 #include <system_error>
+
+#include "host/fault.h"
+#include "host/jpeg_end.h"
+#include "host/output_file.h"
 
 namespace host {
 namespace {
@@ -42,18 +46,36 @@ cv::Mat overCheckerboard(const cv::Mat& picture) {
   return out;
 }
 
+std::vector<uint8_t> readBytes(const std::filesystem::path& path) {
+  std::ifstream file(path, std::ios::binary);
+  if (!file) {
+    throw Fault(ExitCode::kInput,
+                "cannot read picture '" + path.string() + "': " + std::generic_category().message(errno));
+  }
+  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
 }  // namespace
 
 cv::Mat readPicture(const std::filesystem::path& path) {
-  if (!std::filesystem::exists(path)) throw std::runtime_error("there is no picture '" + path.string() + "'");
-  const std::runtime_error unreadable("cannot read picture '" + path.string() + "'");
-  if (!std::filesystem::is_regular_file(path)) throw unreadable;
-  cv::Mat picture = cv::imread(path.string(), cv::IMREAD_UNCHANGED);
-  // Only the colour mode heeds the orientation that cameras note in a file; only the unchanged one keeps alpha.
-  if (picture.channels() != 4) picture = cv::imread(path.string(), cv::IMREAD_COLOR);
-  if (picture.empty()) throw unreadable;
+  const auto refuse = [&](const std::string& reason) {
+    throw Fault(ExitCode::kInput, "cannot read picture '" + path.string() + "': " + reason);
+  };
+  if (std::filesystem::is_directory(path)) refuse("it is a folder");
+  const std::vector<uint8_t> bytes = readBytes(path);
+  if (bytes.empty()) refuse("it is empty");
+  if (isCutOffJpeg(bytes)) refuse("it is cut off, the file ends ahead of the picture");
+  cv::Mat picture;
+  try {
+    picture = cv::imdecode(bytes, cv::IMREAD_UNCHANGED);
+    // Only the colour mode heeds the orientation that cameras note in a file; only the unchanged one keeps alpha.
+    if (picture.channels() != 4) picture = cv::imdecode(bytes, cv::IMREAD_COLOR);
+  } catch (const cv::Exception& error) {
+    refuse("it is damaged or too large (" + error.err + ")");
+  }
+  if (picture.empty()) refuse("it is damaged, or no picture of a format that is known here");
   if (picture.depth() == CV_16U) picture.convertTo(picture, CV_8U, 1.0 / 257.0);
-  if (picture.depth() != CV_8U) throw unreadable;
+  if (picture.depth() != CV_8U) refuse("its pixels have neither 8 nor 16 bits");
   if (picture.channels() == 3) cv::cvtColor(picture, picture, cv::COLOR_BGR2BGRA);
   return picture;
 }
@@ -67,20 +89,11 @@ void writePicture(const std::filesystem::path& path, const cv::Mat& picture) {
   try {
     cv::imencode(extension, out, bytes, {cv::IMWRITE_JPEG_QUALITY, 95});
   } catch (const cv::Exception&) {
-    throw std::runtime_error("cannot write picture '" + path.string() + "': no format has this extension");
+    throw Fault(ExitCode::kOutput, "cannot write picture '" + path.string() + "': no format has this extension");
   }
-  // Under another name first, so that whatever goes wrong leaves no half picture and no older one lost.
-  std::filesystem::path unfinished = path;
-  unfinished += ".part";
-  std::ofstream file(unfinished, std::ios::binary);
-  file.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-  file.close();
-  std::error_code error;
-  if (file) std::filesystem::rename(unfinished, path, error);
-  if (!file || error) {
-    std::filesystem::remove(unfinished, error);
-    throw std::runtime_error("cannot write picture '" + path.string() + "'");
-  }
+  OutputFile file(path);
+  file.write(bytes.data(), bytes.size());
+  file.finish();
 }
 
 std::vector<std::filesystem::path> picturesIn(const std::filesystem::path& folder) {

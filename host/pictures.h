@@ -6,11 +6,11 @@
 
 namespace host {
 
-/// Reads a picture as 8-bit BGRA, upright. Throws std::runtime_error with the file's name when that fails.
+/// Reads a picture as 8-bit BGRA, upright. Throws a Fault with the file's name when that fails.
 cv::Mat readPicture(const std::filesystem::path& path);
 
-/// Writes a BGRA picture, without its alpha when it is opaque or the format has none. Throws std::runtime_error with
-/// the file's name when that fails.
+/// Writes a BGRA picture, without its alpha when it is opaque or the format has none. Throws a Fault with the
+/// file's name when that fails.
 void writePicture(const std::filesystem::path& path, const cv::Mat& picture);
 
 /// The pictures in a folder, by their extensions and sorted by name.

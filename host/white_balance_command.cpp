@@ -16,6 +16,7 @@ void addWhiteBalanceCommand(CLI::App& app) {
     float tint = 0.0f;
   };
   auto* command = app.add_subcommand("whitebalance", "Shift the white balance of pictures");
+  command->footer("Example:\n  lumvane-host whitebalance --temperature 0.2 --tint -0.05 photo.jpg warm.png");
   const auto options = std::make_shared<Options>();
   command->add_option("--temperature", options->temperature, "From cold, -1, to warm, 1; 0 changes nothing")
       ->capture_default_str();

@@ -1,8 +1,11 @@
 #include "host/y4m.h"
 
+#include <cerrno>
 #include <charconv>
 #include <sstream>
-#include <stdexcept>
+#include <system_error>
+
+#include "host/fault.h"
 
 namespace host {
 namespace {
@@ -31,12 +34,12 @@ VideoFrame::VideoFrame(int width, int height) {
 }
 
 void CloseVideoFile::operator()(FILE* file) const {
-  if (file != stdin && file != stdout) std::fclose(file);
+  if (file != stdin) std::fclose(file);
 }
 
 VideoReader::VideoReader(const std::string& path)
     : path_(path), file_(path == "-" ? stdin : std::fopen(path.c_str(), "rb")) {
-  if (!file_) fail("cannot be read");
+  if (!file_) fail("cannot be read: " + std::generic_category().message(errno));
   std::istringstream words(readLine());
   std::string word;
   words >> word;
@@ -77,29 +80,30 @@ std::string VideoReader::readLine() {
   return line;
 }
 
-void VideoReader::fail(const std::string& what) const { throw std::runtime_error("'" + path_ + "' " + what); }
+void VideoReader::fail(const std::string& what) const {
+  throw Fault(ExitCode::kInput, "'" + (path_ == "-" ? "standard input" : path_) + "' " + what);
+}
 
-VideoWriter::VideoWriter(const std::string& path, const VideoFormat& format)
-    : path_(path), file_(path == "-" ? stdout : std::fopen(path.c_str(), "wb")) {
-  if (!file_) fail();
-  std::fprintf(file_.get(), "YUV4MPEG2 W%d H%d F%s Ip A%s C420mpeg2 XYSCSS=420MPEG2 XCOLORRANGE=%s\n", format.width,
-               format.height, format.rate.c_str(), format.aspect.c_str(), format.range.c_str());
+size_t VideoReader::framesAhead() const {
+  std::error_code error;
+  const auto size = std::filesystem::file_size(path_, error);
+  const long position = std::ftell(file_.get());
+  if (path_ == "-" || error || position < 0 || size < static_cast<uintmax_t>(position)) return 0;
+  const VideoFrame frame(format_.width, format_.height);
+  const size_t frameSize = 6 + frame.planes[0].size() + 2 * frame.planes[1].size();
+  return (size - static_cast<uintmax_t>(position)) / frameSize;
+}
+
+VideoWriter::VideoWriter(const std::string& path, const VideoFormat& format) : file_(path) {
+  const std::string head = "YUV4MPEG2 W" + std::to_string(format.width) + " H" + std::to_string(format.height) + " F" +
+                           format.rate + " Ip A" + format.aspect +
+                           " C420mpeg2 XYSCSS=420MPEG2 XCOLORRANGE=" + format.range + "\n";
+  file_.write(head.data(), head.size());
 }
 
 void VideoWriter::write(const VideoFrame& frame) {
-  std::fputs("FRAME\n", file_.get());
-  for (const std::vector<uint8_t>& plane : frame.planes) {
-    if (std::fwrite(plane.data(), 1, plane.size(), file_.get()) != plane.size()) fail();
-  }
+  file_.write("FRAME\n", 6);
+  for (const std::vector<uint8_t>& plane : frame.planes) file_.write(plane.data(), plane.size());
 }
-
-void VideoWriter::close() {
-  const bool written = std::fflush(file_.get()) == 0 && std::ferror(file_.get()) == 0;
-  FILE* file = file_.release();
-  const bool closed = file == stdout || std::fclose(file) == 0;
-  if (!written || !closed) fail();
-}
-
-void VideoWriter::fail() const { throw std::runtime_error("cannot write video '" + path_ + "'"); }
 
 }  // namespace host

@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "host/output_file.h"
+
 namespace host {
 
 /// One frame: planes Y, Cb (U), Cr (V), in this order, the latter two (width + 1) / 2 x (height + 1) / 2, rows packed.
@@ -25,13 +27,13 @@ struct VideoFormat {
   std::string range;           ///< "FULL", "LIMITED", or empty when the stream does not say
 };
 
-/// An open file, closed at the end unless it is a standard stream.
+/// A file to read, closed at the end unless it is the standard input.
 struct CloseVideoFile {
   void operator()(FILE* file) const;
 };
 using VideoFile = std::unique_ptr<FILE, CloseVideoFile>;
 
-/// Reads a stream from a file, or from the standard input for "-". All throw std::runtime_error with the file's name.
+/// Reads a stream from a file, or from the standard input for "-". All throw a Fault with the file's name.
 class VideoReader {
  public:
   explicit VideoReader(const std::string& path);
@@ -39,6 +41,9 @@ class VideoReader {
 
   /// False at the end of the stream.
   bool read(VideoFrame& frame);
+
+  /// How many frames there are to come; 0 when that cannot be told, as for a pipe.
+  size_t framesAhead() const;
 
  private:
   std::string readLine();
@@ -49,20 +54,17 @@ class VideoReader {
   VideoFormat format_;
 };
 
-/// Writes a stream to a file, or to the standard output for "-". All throw std::runtime_error with the file's name.
+/// Writes a stream to a file, or to the standard output for "-". All throw a Fault with the file's name.
 class VideoWriter {
  public:
   VideoWriter(const std::string& path, const VideoFormat& format);
   void write(const VideoFrame& frame);
 
-  /// Has to be called at the end: it tells whether everything was written.
-  void close();
+  /// Has to be called at the end: without it there is no file.
+  void finish() { file_.finish(); }
 
  private:
-  [[noreturn]] void fail() const;
-
-  std::string path_;
-  VideoFile file_;
+  OutputFile file_;
 };
 
 }  // namespace host

@@ -20,13 +20,15 @@ succeeds() {
   "$host" "$@" || fail "$host $*"
 }
 
-# refuses WORDS ARGUMENTS...: exit code 1, with WORDS in the message
+# refuses CODE WORDS ARGUMENTS...: this exit code, with WORDS in the message
+usage=2 input=3 output=4
 refuses() {
-  words=$1
-  shift
+  expected=$1
+  words=$2
+  shift 2
   message=$("$host" "$@" 2>&1)
   code=$?
-  [ $code -eq 1 ] || fail "exit code $code of: $host $*"
+  [ $code -eq "$expected" ] || fail "exit code $code, not $expected, of: $host $*"
   case $message in
     *"$words"*) ;;
     *) fail "no '$words' in '$message'" ;;
@@ -64,40 +66,86 @@ done
 echo text > broken.y4m
 head -c 9000 hlg.y4m > short.y4m
 sed '1s/C420mpeg2/C444/' hlg.y4m > other.y4m
-refuses "there is no LUT file" hdr --luts none --transfer hlg hlg.y4m x.y4m
-refuses "'none.y4m' cannot be read" hdr --luts luts --transfer hlg none.y4m x.y4m
-refuses "is no YUV4MPEG2 stream" hdr --luts luts --transfer hlg broken.y4m x.y4m
-refuses "ends within a frame" hdr --luts luts --transfer hlg short.y4m x.y4m
+refuses $input "there is no LUT file" hdr --luts none --transfer hlg hlg.y4m x.y4m
+refuses $input "'none.y4m' cannot be read" hdr --luts luts --transfer hlg none.y4m x.y4m
+refuses $input "is no YUV4MPEG2 stream" hdr --luts luts --transfer hlg broken.y4m x.y4m
+refuses $input "ends within a frame" hdr --luts luts --transfer hlg short.y4m x.y4m
 cp hlg.y4m same.y4m
-refuses "would be written over" hdr --luts luts --transfer hlg same.y4m same.y4m
+refuses $usage "would be written over" hdr --luts luts --transfer hlg same.y4m same.y4m
 cmp same.y4m hlg.y4m || fail "a video that was to be read was written over"
 mkdir broken
 echo text > broken/HDR_HLG.cube
-refuses "cannot be used" hdr --luts broken --transfer hlg hlg.y4m x.y4m
+refuses $input "cannot be used" hdr --luts broken --transfer hlg hlg.y4m x.y4m
 sed '1s/Ip/It/' hlg.y4m > interlaced.y4m
-refuses "is interlaced" hdr --luts luts --transfer hlg interlaced.y4m x.y4m
+refuses $input "is interlaced" hdr --luts luts --transfer hlg interlaced.y4m x.y4m
 sed '1s/LIMITED/FULL/' hlg.y4m > full.y4m
 succeeds hdr --luts luts --transfer hlg full.y4m out-full.y4m
 succeeds hdr --luts luts --transfer hlg --range full hlg.y4m out-full-too.y4m
 cmp out-full.y4m out-full-too.y4m || fail "the range that a video names is not taken"
-refuses "C444" hdr --luts luts --transfer hlg other.y4m x.y4m
-refuses "cannot write video" hdr --luts luts --transfer hlg hlg.y4m none/x.y4m
-refuses "cannot write video" hdr --luts luts --transfer hlg hlg.y4m /dev/full
-refuses "is shorter" still --frame 3 hlg.y4m x.png
+refuses $input "C444" hdr --luts luts --transfer hlg other.y4m x.y4m
+refuses $output "cannot write 'none/x.y4m': No such file" hdr --luts luts --transfer hlg hlg.y4m none/x.y4m
+refuses $output "cannot write '/dev/full': No space left" hdr --luts luts --transfer hlg hlg.y4m /dev/full
+refuses $input "is shorter: it has 3 frames" still --frame 3 hlg.y4m x.png
 
 echo text > broken.cube
 echo text > broken.png
 mkdir empty
-refuses "no LUT file 'none.cube'" lut --lut none.cube many/one.png x.png
-refuses "'broken.cube' cannot be used" lut --lut broken.cube many/one.png x.png
-refuses "there is no picture 'none.png'" lut --lut "$samples/silver.cube" none.png x.png
-refuses "cannot read picture 'broken.png'" lut --lut "$samples/silver.cube" broken.png x.png
-refuses "cannot write picture" lut --lut "$samples/silver.cube" many/one.png none/x.png
-refuses "no format has this extension" lut --lut "$samples/silver.cube" many/one.png x.none
-refuses "would be written over" lut --lut "$samples/silver.cube" many many
-refuses "two pictures would go to" lut --lut "$samples/silver.cube" many/one.png graded/one.png x
-refuses "1 of 2 pictures failed" lut --lut "$samples/silver.cube" broken.png many/one.png some
+refuses $input "LUT file 'none.cube' cannot be used: No such file" lut --lut none.cube many/one.png x.png
+refuses $input "'broken.cube' cannot be used: a LUT is" lut --lut broken.cube many/one.png x.png
+refuses $input "cannot read picture 'none.png': No such file" lut --lut "$samples/silver.cube" none.png x.png
+refuses $input "cannot read picture 'broken.png': it is damaged, or no picture" lut --lut "$samples/silver.cube" broken.png x.png
+refuses $output "cannot write 'none/x.png': No such file" lut --lut "$samples/silver.cube" many/one.png none/x.png
+refuses $output "no format has this extension" lut --lut "$samples/silver.cube" many/one.png x.none
+refuses $usage "would be written over" lut --lut "$samples/silver.cube" many many
+refuses $usage "two pictures would go to" lut --lut "$samples/silver.cube" many/one.png graded/one.png x
+refuses $input "1 of 2 pictures failed" lut --lut "$samples/silver.cube" broken.png many/one.png some
 [ -s some/one.png ] || fail "one bad picture kept another from being graded"
-refuses "cannot make the folder" lut --lut "$samples/silver.cube" many same.png
-refuses "no pictures in 'empty'" lut --lut "$samples/silver.cube" empty x
+refuses $output "cannot make the folder" lut --lut "$samples/silver.cube" many same.png
+refuses $input "no pictures in 'empty'" lut --lut "$samples/silver.cube" empty x
+: > nothing.png
+head -c 900 many/two.jpg > short.jpg
+head -c 900 many/one.png > short.png
+printf 'LUT_1D_SIZE 2\nLUT_3D_SIZE 2\n0 0 0\n1 1 1\n' | cat - "$samples/silver.cube" > curve.cube
+for case in "nothing.png': it is empty" "short.jpg': it is cut off" "short.png': it is damaged"; do
+  refuses $input "$case" whitebalance "${case%%\'*}" x.png
+done
+refuses $input "'many': it is a folder" whitebalance many/one.png many x
+refuses $input "one-dimensional" lut --lut curve.cube many/one.png x.png
+refuses $usage "subcommand is required"
+refuses $usage "At least 2 required" clarity many/one.png
+refuses $usage "--intensity = much" clarity --intensity much many/one.png x.png
+refuses $input "1 of 2 pictures failed" whitebalance short.jpg many/one.png some
+
+# A picture that a camera held upright, as its EXIF tells (orientation 6), comes out upright.
+{
+  printf '\377\330\377\341\0\042Exif\0\0MM\0\052\0\0\0\010\0\001\001\022\0\003\0\0\0\001\0\006\0\0\0\0\0\0'
+  tail -c +3 many/two.jpg
+} > turned.jpg
+succeeds whitebalance turned.jpg upright.png
+[ "$(od -An -tu1 -j16 -N8 upright.png | tr -s ' ')" = " 0 0 0 36 0 0 0 64" ] || fail "a turned picture stayed turned"
+
+# What is written takes its name when it is complete, through a symbolic link as well, and never half of it.
+for code in INT TERM; do
+  timeout -s $code 0.3 "$host" hdr-clip --transfer hlg --frames 100000 never.y4m
+  [ $? -eq 124 ] || fail "a long clip ended before it was interrupted"
+done
+ln -s graded.png link.png
+succeeds whitebalance many/one.png link.png
+[ -h link.png ] || fail "a link was written over"
+for file in x.png x.y4m none never.y4m* ./*.part */*.part; do
+  [ ! -e "$file" ] || fail "$file was left"
+done
+
+# Progress is for terminals.
+noise=$("$host" hdr-clip --transfer hlg --frames 3 --width 64 --height 36 quiet.y4m 2>&1)
+[ -z "$noise" ] || fail "words where there is no terminal: $noise"
+if command -v script >/dev/null; then
+  script -qec "'$host' hdr-clip --transfer hlg --frames 40 seen.y4m" /dev/null | grep -q '/40 frames, .* a second, .* left' ||
+    fail "no progress on a terminal"
+fi
+
+for command in "" lut clarity whitebalance hdr-luts hdr hdr-clip still scene; do
+  # shellcheck disable=SC2086  # nothing, for the program's own help
+  "$host" $command --help | grep -q 'Usage: lumvane-host' || fail "no help for '$command'"
+done
 exit $failed

@@ -1,0 +1,21 @@
+# What hosts build against, in two components: "library" to run with, "dev" to build with. OpenCV and Highway are inside
+# of the library alone: neither package file asks for them.
+
+include(CMakePackageConfigHelpers)
+
+install(TARGETS lumvane EXPORT Lumvane
+  RUNTIME COMPONENT library
+  LIBRARY COMPONENT library NAMELINK_COMPONENT dev
+  ARCHIVE COMPONENT dev
+  FILE_SET HEADERS COMPONENT dev)
+
+# find_package(Lumvane) gives Lumvane::lumvane.
+set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/Lumvane)
+install(EXPORT Lumvane FILE LumvaneConfig.cmake NAMESPACE Lumvane:: DESTINATION ${package_folder} COMPONENT dev)
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/LumvaneConfigVersion.cmake COMPATIBILITY SameMajorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/LumvaneConfigVersion.cmake DESTINATION ${package_folder} COMPONENT dev)
+
+# lumvane.pc tells the prefix from its own place, so that an installed tree can be moved.
+file(RELATIVE_PATH prefix_from_pc ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
+configure_file(${CMAKE_CURRENT_LIST_DIR}/lumvane.pc.in ${PROJECT_BINARY_DIR}/lumvane.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/lumvane.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT dev)

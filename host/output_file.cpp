@@ -1,0 +1,120 @@
+#include "host/output_file.h"
+
+#include <cerrno>
+#include <mutex>
+#include <set>
+#include <system_error>
+
+#include "host/fault.h"
+
+#ifdef _WIN32
+#include <process.h>
+#else
+#include <unistd.h>
+#include <csignal>
+#include <thread>
+#endif
+
+namespace host {
+namespace {
+
+namespace fs = std::filesystem;
+
+struct UnfinishedFiles {
+  std::mutex mutex;  // the thread that waits for signals removes them, too
+  std::set<fs::path> paths;
+};
+
+// Never destroyed, since that thread may outlive main.
+UnfinishedFiles& unfinishedFiles() {
+  static auto* const files = new UnfinishedFiles;
+  return *files;
+}
+
+int processId() {
+#ifdef _WIN32
+  return _getpid();
+#else
+  return getpid();
+#endif
+}
+
+}  // namespace
+
+OutputFile::OutputFile(const fs::path& path) : path_(path), target_(path), file_(stdout) {
+  if (path == "-") return;
+  std::error_code error;
+  if (fs::is_symlink(path, error)) target_ = fs::weakly_canonical(path, error);
+  if (!fs::exists(target_, error) || fs::is_regular_file(target_, error)) {
+    const std::lock_guard lock(unfinishedFiles().mutex);
+    unfinished_ = target_;
+    unfinished_ += '.';
+    unfinished_ += std::to_string(processId());
+    unfinished_ += ".part";
+    file_ = std::fopen(unfinished_.string().c_str(), "wb");
+    if (file_) unfinishedFiles().paths.insert(unfinished_);
+  } else {
+    file_ = std::fopen(target_.string().c_str(), "wb");
+  }
+  if (!file_) fail(errno);
+}
+
+OutputFile::~OutputFile() {
+  if (file_ && file_ != stdout) std::fclose(file_);
+  if (!isPlaced()) return;
+  const std::lock_guard lock(unfinishedFiles().mutex);
+  std::error_code error;
+  if (unfinishedFiles().paths.erase(unfinished_) != 0) fs::remove(unfinished_, error);
+}
+
+void OutputFile::write(const void* data, size_t size) {
+  if (std::fwrite(data, 1, size, file_) != size) fail(errno);
+}
+
+void OutputFile::finish() {
+  if (std::fflush(file_) != 0) fail(errno);
+  FILE* const file = file_;
+  file_ = nullptr;
+  if (file != stdout && std::fclose(file) != 0) fail(errno);
+  if (!isPlaced()) return;
+  const std::lock_guard lock(unfinishedFiles().mutex);
+  std::error_code error;
+  fs::rename(unfinished_, target_, error);
+  if (error) fail(error.value());
+  unfinishedFiles().paths.erase(unfinished_);
+}
+
+void OutputFile::fail(int error) const {
+  const std::string name = path_ == "-" ? "standard output" : path_.string();
+  throw Fault(ExitCode::kOutput, "cannot write '" + name + "': " + std::generic_category().message(error));
+}
+
+#ifdef _WIN32
+void removeUnfinishedFilesOnSignals() {}
+#else
+void removeUnfinishedFilesOnSignals() {
+  sigset_t signals;
+  sigemptyset(&signals);
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+    struct sigaction action;
+    // What the caller has the program ignore, as nohup does, it goes on ignoring.
+    if (sigaction(signal, nullptr, &action) == 0 && action.sa_handler != SIG_IGN) sigaddset(&signals, signal);
+  }
+  // Held back in this thread, and so in all that it starts, the signals come to the one that waits for them. There they
+  // find no code interrupted, and files may be removed as anywhere.
+  pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+  std::thread([signals] {
+    int signal = 0;
+    if (sigwait(&signals, &signal) != 0) return;
+    const std::lock_guard lock(unfinishedFiles().mutex);
+    std::error_code error;
+    for (const fs::path& path : unfinishedFiles().paths) fs::remove(path, error);
+    // Shells tell by the signal that the program was interrupted.
+    std::signal(signal, SIG_DFL);
+    pthread_sigmask(SIG_UNBLOCK, &signals, nullptr);
+    raise(signal);
+  }).detach();
+}
+#endif
+
+}  // namespace host

@@ -1,0 +1,40 @@
+#!/bin/sh
+# Hosts outside the tree build against the installed files and run: hosts.sh cmake|pkg-config BUILD SAMPLES
+set -eu
+way=$1
+build=$2
+samples=$3
+sources=$(realpath "$(dirname "$0")")
+folder=$(mktemp -d)
+trap 'rm -rf "$folder"' EXIT
+pkg_config=$(command -v pkg-config || command -v pkgconf || true)
+if [ "$way" = pkg-config ] && [ -z "$pkg_config" ]; then
+  echo "skipped: there is no pkg-config"
+  exit 77
+fi
+
+# Staged and then moved, as packages are made and unpacked: nothing installed may know where it was.
+DESTDIR=$folder/stage cmake --install "$build" --prefix /first/place >"$folder/log"
+mv "$folder/stage/first/place" "$folder/installed"
+library=$(dirname "$(find "$folder/installed" -name 'liblumvane.so')")
+
+if [ "$way" = cmake ]; then
+  # The library's own libraries are not to be asked for.
+  cmake -S "$sources" -B "$folder/hosts" -DCMAKE_PREFIX_PATH="$folder/installed" \
+    -DCMAKE_DISABLE_FIND_PACKAGE_OpenCV=ON -DCMAKE_DISABLE_FIND_PACKAGE_hwy=ON
+  cmake --build "$folder/hosts"
+else
+  export PKG_CONFIG_PATH="$library/pkgconfig" LD_LIBRARY_PATH="$library"
+  mkdir "$folder/hosts"
+  # shellcheck disable=SC2046  # lists of words
+  cc -Wall -Wextra -Werror "$sources/host.c" -o "$folder/hosts/c_host" $("$pkg_config" --cflags --libs lumvane)
+  # shellcheck disable=SC2046
+  c++ -std=c++17 -Wall -Wextra -Werror "$sources/host.cpp" -o "$folder/hosts/cpp_host" \
+    $("$pkg_config" --cflags --libs lumvane)
+  "$pkg_config" --modversion lumvane | grep -q '^[0-9.]*$'
+fi
+"$folder/hosts/c_host"
+"$folder/hosts/cpp_host" "$samples/silver.cube"
+
+# The program finds the library by itself.
+[ ! -e "$folder/installed/bin/lumvane-host" ] || env -u LD_LIBRARY_PATH "$folder/installed/bin/lumvane-host" --help >/dev/null
