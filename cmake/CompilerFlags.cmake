@@ -18,4 +18,8 @@ else()
     add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
     add_link_options(-fsanitize=address,undefined)
   endif()
+  if(LUMVANE_FUZZ)
+    add_compile_options(-fsanitize=fuzzer-no-link)  # tells the fuzzers which way an input takes
+    add_compile_options(-fsanitize-ignorelist=${PROJECT_SOURCE_DIR}/fuzz/ubsan_ignored.txt)
+  endif()
 endif()
