@@ -21,4 +21,8 @@ else()
     add_compile_options(-fsanitize=thread -fno-omit-frame-pointer)
     add_link_options(-fsanitize=thread)
   endif()
+  if(LUMVANE_FUZZ)
+    add_compile_options(-fsanitize=fuzzer-no-link)  # tells the fuzzers which way an input takes
+    add_compile_options(-fsanitize-ignorelist=${PROJECT_SOURCE_DIR}/fuzz/ubsan_ignored.txt)
+  endif()
 endif()

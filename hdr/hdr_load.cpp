@@ -26,6 +26,12 @@ bool loadHdrCube(VideoAdjustColor& object, const std::u16string& path, int trans
 }
 
 bool readHdrCube(VideoAdjustColor& object, std::istream& stream, int transfer) {
+  readHdrLattice(object, stream, transfer);
+  if (object.latticeSize <= kLatticeStride) fillHdrCache(object, transfer);
+  return object.loadOk;
+}
+
+bool readHdrLattice(VideoAdjustColor& object, std::istream& stream, int transfer) {
   const HdrTransferData shared = hdrTransferData(transfer != 0);
   LutStatus status = statusOk;
   LineBuffer text(stream);
@@ -40,7 +46,6 @@ bool readHdrCube(VideoAdjustColor& object, std::istream& stream, int transfer) {
   readCubeRows(text, separator, header, status, [&](int32_t red, int32_t green, int32_t blue, const float(&values)[3]) {
     std::memcpy(shared.lattice[red][green] + blue * 3, values, sizeof values);
   });
-  fillHdrCache(object, transfer);
   return object.loadOk = status == statusOk;
 }
 

@@ -17,6 +17,9 @@ bool loadHdrCube(VideoAdjustColor& object, const std::u16string& path, int trans
 /// The same from the start of an open stream.
 bool readHdrCube(VideoAdjustColor& object, std::istream& stream, int transfer);
 
+/// The reading alone, without the cache.
+bool readHdrLattice(VideoAdjustColor& object, std::istream& stream, int transfer);
+
 /// Computes the cache of a transfer function from its lattice, with the size and the tables of `object`. Leaves it as
 /// it is as long as no size is known.
 void fillHdrCache(VideoAdjustColor& object, int transfer);

@@ -49,9 +49,11 @@ int LineBuffer::peek(size_t offset) {
 // Drops what has been taken and adds what the stream has at hand. False at its end.
 bool LineBuffer::readMore() {
   if (source_ == nullptr) return false;
-  end_ -= next_;
-  std::memmove(buffer_.data(), ahead(), end_);
-  next_ = 0;
+  if (next_ != 0) {  // once for a line, however many pieces it comes in
+    end_ -= next_;
+    std::memmove(buffer_.data(), ahead(), end_);
+    next_ = 0;
+  }
   // Doubled for lines that do not fit, so that the moves do not add up.
   if (buffer_.size() < end_ + kBlock + 1) buffer_.resize(std::max(end_ + kBlock + 1, 2 * buffer_.size()));
   try {

@@ -10,6 +10,7 @@
 //   above 4095 are kept.
 // - Rows run with blue fastest and red slowest, the opposite of .CUBE.
 
+#include <algorithm>
 #include <cstring>
 
 #include "lut/cube_lut.h"
@@ -38,14 +39,17 @@ int32_t CubeLut::read3dl(std::istream& stream) {
   std::string_view line;
   while (status == statusOk && !isMeshLine(line)) line = readLine(text, separator);
   if (status == statusOk) {
-    std::vector<std::string> mesh;
-    splitFields(std::string(line), mesh);
-    if (mesh.size() < kFewestPoints) {
-      status = statusTooFewColumns;
-    } else if (mesh.size() > kLatticeStride) {
+    // Counted first: a piece takes many times the memory of the blank that makes it, and there may be millions.
+    if (std::count(line.begin(), line.end(), ' ') >= kLatticeStride) {
       status = statusSizeInvalid;
     } else {
-      latticeSize = static_cast<int32_t>(mesh.size());
+      std::vector<std::string> mesh;
+      splitFields(std::string(line), mesh);
+      if (mesh.size() < kFewestPoints) {
+        status = statusTooFewColumns;
+      } else {
+        latticeSize = static_cast<int32_t>(mesh.size());
+      }
     }
   }
 
