@@ -3,6 +3,9 @@
 
 #include <dlfcn.h>
 #include <gtest/gtest.h>
+#ifdef __linux__
+#include <malloc.h>
+#endif
 #include <hwy/targets.h>
 #include <unistd.h>
 
@@ -52,7 +55,15 @@ long threadCount() {
   return std::distance(begin(tasks), end(tasks));
 }
 
+// The C library otherwise keeps large blocks that were freed, where the tables that stay lie behind them.
+void returnLargeBlocksAtOnce() {
+#ifdef __GLIBC__
+  mallopt(M_MMAP_THRESHOLD, 1 << 20);
+#endif
+}
+
 TEST(Reload, LeavesNothingButTheHdrTables) {
+  returnLargeBlocksAtOnce();
   const test::LutFolder folder;
   hwy::SupportedTargets();
   std::vector<uint8_t> first;
