@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "apply/band_rows.h"
+#include "apply/default_float_mode.h"
 
 namespace Lumvane {
 namespace {
@@ -20,9 +21,11 @@ HdrBands::HdrBands(const VideoAdjustColor& object, const parallelCubeLut_& map, 
       dst_(dst),
       toRgb_(toRgb(kBt2020, object.limitedRange != 0 ? kLimited : kFull)),
       fromRgb_(fromRgb(kBt709, object.limitedRange != 0 ? kLimited : kFull)),
-      count_(std::clamp((object.height + 1) / 2 / kFewestPairsOfBand, 1, object.bandCount)) {}
+      count_(std::clamp((object.height + 1) / 2 / kFewestPairsOfBand, 1,
+                        std::clamp(2 * cv::getNumThreads(), 1, object.bandCount))) {}
 
 void HdrBands::operator()(const cv::Range& range) const {
+  const DefaultFloatMode floatMode;
   for (int band = range.start; band < range.end; ++band) {
     const BandRows pairs((object_.height + 1) / 2, count_, band);
     convert(2 * pairs.first, std::min(2 * (pairs.first + pairs.count), object_.height));
@@ -43,16 +46,10 @@ void HdrBands::convert(int firstRow, int endRow) const {
                    destinationRows(dst_, y), object_.width);
   };
 
-  parallelCubeLut_ map = map_;
-  map.bands = 1;
   const int lastRow = std::min(endRow, object_.height - 1);
   for (int y = std::max(firstRow - 1, 0); y <= lastRow; ++y) {
     rowToRgb(toRgb_, sourceRow(src_, y), converted, object_.width);
-    const cv::Mat from(1, object_.width, CV_8UC4, converted);
-    cv::Mat to(1, object_.width, CV_8UC4, mappedRow(y));
-    map.src = &from;
-    map.dst = &to;
-    map(cv::Range(0, 1));
+    map_.mapRow(converted, mappedRow(y), static_cast<size_t>(object_.width));
     if (y % 2 == 0 && y >= firstRow + 2) writePair(y - 2);
   }
   // At the bottom of the frame no row below tells that the last pair is complete.

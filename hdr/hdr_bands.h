@@ -12,11 +12,11 @@ namespace Lumvane {
 /// never leave the processor's caches. Source and destination must not overlap. Made for one run; owns nothing.
 class HdrBands : public cv::ParallelLoopBody {
  public:
-  /// `map` maps rows: its frames and bands are set here for each of them.
+  /// `map` maps the rows; its own frames are not looked at.
   HdrBands(const VideoAdjustColor& object, const parallelCubeLut_& map, const Yv12Planes<const uint8_t>& src,
            const Yv12Planes<uint8_t>& dst);
 
-  /// How many bands there are. They have whole pairs of rows, four of them at least where there are as many.
+  /// How many bands there are: two a thread, as long as they have four pairs of rows or more.
   int count() const { return count_; }
 
   void operator()(const cv::Range& range) const override;
