@@ -22,6 +22,7 @@ version=$(dpkg-deb --field "$folder"/liblumvane-dev_*.deb Version)
 asks liblumvane0 libopencv-core libopencv-imgproc libhwy libc6
 asks liblumvane-dev "liblumvane0 (= $version)"
 asks lumvane-host "liblumvane0 (= $version)" libopencv-imgcodecs
+asks frei0r-plugins-lumvane "liblumvane0 (= $version)"
 for package in "$folder"/*.deb; do
   dpkg-deb --extract "$package" "$root"
 done
@@ -30,6 +31,7 @@ for file in liblumvane.so cmake/Lumvane/LumvaneConfig.cmake pkgconfig/lumvane.pc
   [ -e "$library/$file" ] || { echo "no $file in $library"; exit 1; }
 done
 [ -e "$root/usr/include/lumvane.h" ]
+[ -e "$root/usr/lib/frei0r-1/lumvane_lut.so" ]
 cd "$root"
 LD_LIBRARY_PATH=$library usr/bin/lumvane-host scene scene.png
 [ -s scene.png ]
