@@ -23,7 +23,7 @@ blocks 'c dlopen' >"$folder/runtime.c"
   echo '}'
 } >"$folder/host.cpp"
 cd "$folder"
-[ "$(grep -c 'host.c, part' host.c)" -eq 7 ]
+[ "$(grep -c 'host.c, piece' host.c)" -eq 7 ]
 cc -std=c11 -Wall -Wextra -Wpedantic -Werror -I "$include" host.c "$library" -o host
 cc -std=c11 -Wall -Wextra -Werror runtime.c -o runtime -ldl
 c++ -std=c++17 -Wall -Wextra -Wno-unused-variable -Werror -I "$include" -fsyntax-only host.cpp
