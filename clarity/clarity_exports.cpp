@@ -1,6 +1,7 @@
 #include <memory>
 
 #include "apply/default_float_mode.h"
+#include "apply/keep_loaded.h"
 #include "clarity/nle_pure_c_clarity.h"
 #include "lumvane.h"
 
@@ -9,6 +10,7 @@ using Lumvane::NLEFrameDesc;
 using Lumvane::NLEPureCClarity;
 
 void* CreateNLEPureCClarity(int32_t width, int32_t height, int32_t reserved, int32_t saturation, int32_t intensity) {
+  Lumvane::keepLoaded();
   std::unique_ptr<NLEAdjustColorEffect> effect = std::make_unique<NLEPureCClarity>(nullptr);
   return effect->Init(width, height, reserved, saturation, intensity) == 0 ? effect.release() : nullptr;
 }

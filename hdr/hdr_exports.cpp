@@ -1,6 +1,7 @@
 #include <memory>
 
 #include "apply/default_float_mode.h"
+#include "apply/keep_loaded.h"
 #include "hdr/hdr_frame.h"
 #include "hdr/video_adjust_color.h"
 #include "lumvane.h"
@@ -10,6 +11,7 @@ using Lumvane::VideoAdjustColor;
 void* CreateVideoAdjustColor(const char16_t* lutDirectory, int32_t reservedMode, int32_t limitedRange, int32_t usePq,
                              int32_t width, int32_t height) {
   const Lumvane::DefaultFloatMode floatMode;
+  Lumvane::keepLoaded();
   return Lumvane::createVideoAdjustColor(lutDirectory, reservedMode, limitedRange, usePq, width, height).release();
 }
 

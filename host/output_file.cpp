@@ -1,14 +1,17 @@
 #include "host/output_file.h"
 
 #include <cerrno>
+#include <map>
 #include <mutex>
-#include <set>
 #include <system_error>
 
 #include "host/fault.h"
 
 #ifdef _WIN32
+#include <fcntl.h>
+#include <io.h>
 #include <process.h>
+#include <windows.h>
 #else
 #include <unistd.h>
 #include <csignal>
@@ -22,7 +25,7 @@ namespace fs = std::filesystem;
 
 struct UnfinishedFiles {
   std::mutex mutex;  // the thread that waits for signals removes them, too
-  std::set<fs::path> paths;
+  std::map<fs::path, FILE*> files;
 };
 
 // Never destroyed, since that thread may outlive main.
@@ -42,7 +45,12 @@ int processId() {
 }  // namespace
 
 OutputFile::OutputFile(const fs::path& path) : path_(path), target_(path), file_(stdout) {
-  if (path == "-") return;
+  if (path == "-") {
+#ifdef _WIN32
+    _setmode(_fileno(stdout), _O_BINARY);
+#endif
+    return;
+  }
   std::error_code error;
   if (fs::is_symlink(path, error)) target_ = fs::weakly_canonical(path, error);
   if (!fs::exists(target_, error) || fs::is_regular_file(target_, error)) {
@@ -52,7 +60,7 @@ OutputFile::OutputFile(const fs::path& path) : path_(path), target_(path), file_
     unfinished_ += std::to_string(processId());
     unfinished_ += ".part";
     file_ = std::fopen(unfinished_.string().c_str(), "wb");
-    if (file_) unfinishedFiles().paths.insert(unfinished_);
+    if (file_) unfinishedFiles().files.emplace(unfinished_, file_);
   } else {
     file_ = std::fopen(target_.string().c_str(), "wb");
   }
@@ -60,11 +68,11 @@ OutputFile::OutputFile(const fs::path& path) : path_(path), target_(path), file_
 }
 
 OutputFile::~OutputFile() {
+  const std::lock_guard lock(unfinishedFiles().mutex);
   if (file_ && file_ != stdout) std::fclose(file_);
   if (!isPlaced()) return;
-  const std::lock_guard lock(unfinishedFiles().mutex);
   std::error_code error;
-  if (unfinishedFiles().paths.erase(unfinished_) != 0) fs::remove(unfinished_, error);
+  if (unfinishedFiles().files.erase(unfinished_) != 0) fs::remove(unfinished_, error);
 }
 
 void OutputFile::write(const void* data, size_t size) {
@@ -75,13 +83,13 @@ void OutputFile::finish() {
   if (std::fflush(file_) != 0) fail(errno);
   FILE* const file = file_;
   file_ = nullptr;
+  const std::lock_guard lock(unfinishedFiles().mutex);
   if (file != stdout && std::fclose(file) != 0) fail(errno);
   if (!isPlaced()) return;
-  const std::lock_guard lock(unfinishedFiles().mutex);
   std::error_code error;
   fs::rename(unfinished_, target_, error);
   if (error) fail(error.value());
-  unfinishedFiles().paths.erase(unfinished_);
+  unfinishedFiles().files.erase(unfinished_);
 }
 
 void OutputFile::fail(int error) const {
@@ -90,7 +98,21 @@ void OutputFile::fail(int error) const {
 }
 
 #ifdef _WIN32
-void removeUnfinishedFilesOnSignals() {}
+void removeUnfinishedFilesOnSignals() {
+  // Called in a thread of its own; the program ends behind it.
+  SetConsoleCtrlHandler(
+      [](DWORD) -> BOOL {
+        unfinishedFiles().mutex.lock();
+        std::error_code error;
+        for (const auto& [path, file] : unfinishedFiles().files) {
+          // Nobody can remove a file that is open. What is being written goes nowhere from here on.
+          CloseHandle(reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(file))));
+          fs::remove(path, error);
+        }
+        return FALSE;
+      },
+      TRUE);
+}
 #else
 void removeUnfinishedFilesOnSignals() {
   sigset_t signals;
@@ -108,7 +130,7 @@ void removeUnfinishedFilesOnSignals() {
     if (sigwait(&signals, &signal) != 0) return;
     const std::lock_guard lock(unfinishedFiles().mutex);
     std::error_code error;
-    for (const fs::path& path : unfinishedFiles().paths) fs::remove(path, error);
+    for (const auto& [path, file] : unfinishedFiles().files) fs::remove(path, error);
     // Shells tell by the signal that the program was interrupted.
     std::signal(signal, SIG_DFL);
     pthread_sigmask(SIG_UNBLOCK, &signals, nullptr);

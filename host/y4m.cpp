@@ -7,6 +7,11 @@
 
 #include "host/fault.h"
 
+#ifdef _WIN32
+#include <fcntl.h>
+#include <io.h>
+#endif
+
 namespace host {
 namespace {
 
@@ -39,6 +44,9 @@ void CloseVideoFile::operator()(FILE* file) const {
 
 VideoReader::VideoReader(const std::string& path)
     : path_(path), file_(path == "-" ? stdin : std::fopen(path.c_str(), "rb")) {
+#ifdef _WIN32
+  if (file_.get() == stdin) _setmode(_fileno(stdin), _O_BINARY);
+#endif
   if (!file_) fail("cannot be read: " + std::generic_category().message(errno));
   std::istringstream words(readLine());
   std::string word;

@@ -1,6 +1,7 @@
 #include <memory>
 
 #include "apply/default_float_mode.h"
+#include "apply/keep_loaded.h"
 #include "lumvane.h"
 #include "lut/color_lut3d_adjust_effect.h"
 
@@ -9,6 +10,7 @@ using Lumvane::ColorLut3dAdjustEffect;
 void* Create3DLutColorAdjustEffect(const char16_t* lutPath, int32_t width, int32_t height) {
   if (lutPath == nullptr) return nullptr;
   const Lumvane::DefaultFloatMode floatMode;
+  Lumvane::keepLoaded();
   auto effect = std::make_unique<ColorLut3dAdjustEffect>(lutPath, width, height);
   return effect->init() ? effect.release() : nullptr;
 }

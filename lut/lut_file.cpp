@@ -11,7 +11,13 @@ namespace {
 void openAsItStands(std::ifstream& stream, const std::u16string& path) {
   try {
     errno = 0;
-    stream.open(std::filesystem::path(path), std::ios::binary);
+#ifdef _WIN32
+    // Unit by unit, without a conversion: names there may hold halves of surrogate pairs.
+    const std::filesystem::path name(std::wstring(path.begin(), path.end()));
+#else
+    const std::filesystem::path name(path);
+#endif
+    stream.open(name, std::ios::binary);
     // Memory that has run out is no missing file: the next try may find it.
     if (!stream.is_open() && errno == ENOMEM) throw std::bad_alloc();
   } catch (const std::filesystem::filesystem_error&) {

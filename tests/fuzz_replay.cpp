@@ -24,10 +24,10 @@ int main(int argc, char** argv) {
   for (const fs::path& file : files) {
     std::ifstream stream(file, std::ios::binary);
     if (!stream) {
-      std::fprintf(stderr, "%s cannot be read\n", file.c_str());
+      std::fprintf(stderr, "%s cannot be read\n", file.string().c_str());
       return 1;
     }
-    std::fprintf(stderr, "%s\n", file.c_str());  // ahead of its run: the last one named is the one that failed
+    std::fprintf(stderr, "%s\n", file.string().c_str());  // ahead of its run: the last one named is the one that failed
     const std::vector<char> bytes{std::istreambuf_iterator<char>(stream), {}};
     // Of exactly its size, so that the address sanitizer sees a byte read beyond it.
     const std::vector<uint8_t> input(bytes.begin(), bytes.end());

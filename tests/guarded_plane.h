@@ -1,12 +1,17 @@
 // Rows of bytes between pages that nobody may touch: one byte read or written beyond them ends the program.
 #pragma once
 
+#ifdef _WIN32
+#include <windows.h>
+#else
 #include <sys/mman.h>
 #include <unistd.h>
+#endif
 
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <new>
 #include <ostream>
 #include <vector>
@@ -26,6 +31,49 @@ inline void PrintTo(const RowLayout& layout, std::ostream* out) {
        << (layout.upwards ? ", upwards" : "");
 }
 
+/// Whole pages of memory from the system, forbidden at first.
+class Pages {
+ public:
+  enum Access { kNone, kRead, kReadAndWrite };
+
+#ifdef _WIN32
+  explicit Pages(size_t bytes)
+      : bytes_(bytes), memory_(VirtualAlloc(nullptr, bytes, MEM_RESERVE | MEM_COMMIT, PAGE_NOACCESS)) {
+    if (memory_ == nullptr) throw std::bad_alloc();
+  }
+  ~Pages() { VirtualFree(memory_, 0, MEM_RELEASE); }
+  static void allow(void* at, Access access) {
+    const DWORD protections[] = {PAGE_NOACCESS, PAGE_READONLY, PAGE_READWRITE};
+    DWORD before;
+    if (!VirtualProtect(at, static_cast<size_t>(size()), protections[access], &before)) throw std::bad_alloc();
+  }
+  static int size() {
+    SYSTEM_INFO info;
+    GetSystemInfo(&info);
+    return static_cast<int>(info.dwPageSize);
+  }
+#else
+  explicit Pages(size_t bytes)
+      : bytes_(bytes), memory_(mmap(nullptr, bytes, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0)) {
+    if (memory_ == MAP_FAILED) throw std::bad_alloc();
+  }
+  ~Pages() { munmap(memory_, bytes_); }
+  static void allow(void* at, Access access) {
+    const int protections[] = {PROT_NONE, PROT_READ, PROT_READ | PROT_WRITE};
+    if (mprotect(at, static_cast<size_t>(size()), protections[access]) != 0) throw std::bad_alloc();
+  }
+  static int size() { return static_cast<int>(sysconf(_SC_PAGESIZE)); }
+#endif
+  Pages(const Pages&) = delete;
+  Pages& operator=(const Pages&) = delete;
+
+  uint8_t* data() const { return static_cast<uint8_t*>(memory_); }
+
+ private:
+  [[maybe_unused]] size_t bytes_;
+  void* memory_;
+};
+
 class GuardedPlane {
  public:
   static constexpr uint8_t kPadding = 0xA5;
@@ -35,26 +83,20 @@ class GuardedPlane {
                     : layout.distance == RowLayout::kPadded ? 12
                                                             : static_cast<int>(pages(rowBytes)) - rowBytes + page();
     const size_t whole = static_cast<size_t>(rowBytes + gap) * static_cast<size_t>(rows - 1) + rowBytes;
-    mapped_ = pages(whole) + 2 * page();
-    void* const memory = mmap(nullptr, mapped_, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-    if (memory == MAP_FAILED) throw std::bad_alloc();
-    memory_ = static_cast<uint8_t*>(memory);
-    first_ = memory_ + page() + (layout.againstEnd ? pages(whole) - whole : 0);
+    memory_ = std::make_unique<Pages>(pages(whole) + 2 * page());
+    first_ = memory_->data() + page() + (layout.againstEnd ? pages(whole) - whole : 0);
     stride_ = rowBytes + gap;
     if (layout.upwards) {
       first_ += static_cast<ptrdiff_t>(stride_) * (rows - 1);
       stride_ = -stride_;
     }
-    allow(PROT_READ | PROT_WRITE);
+    allow(Pages::kReadAndWrite);
     forEachPage([](uint8_t* at) { std::fill_n(at, page(), kPadding); });
   }
-  ~GuardedPlane() { munmap(memory_, mapped_); }
-  GuardedPlane(const GuardedPlane&) = delete;
-  GuardedPlane& operator=(const GuardedPlane&) = delete;
 
   uint8_t* data() const { return first_; }
   int stride() const { return stride_; }
-  void makeReadOnly() { allow(PROT_READ); }
+  void makeReadOnly() { allow(Pages::kRead); }
 
   void fill(const std::vector<uint8_t>& packed) {
     for (int y = 0; y < rows_; ++y) std::copy_n(packed.begin() + ptrdiff_t{y} * rowBytes_, rowBytes_, row(y));
@@ -74,7 +116,7 @@ class GuardedPlane {
 
  private:
   static int page() {
-    static const auto size = static_cast<int>(sysconf(_SC_PAGESIZE));
+    static const int size = Pages::size();
     return size;
   }
   static size_t pages(size_t bytes) { return (bytes + page() - 1) / page() * page(); }
@@ -84,19 +126,16 @@ class GuardedPlane {
   template <class Action>
   void forEachPage(const Action& action) const {
     for (int y = 0; y < rows_; ++y) {
-      const ptrdiff_t start = row(y) - memory_;
-      for (ptrdiff_t at = start / page() * page(); at < start + rowBytes_; at += page()) action(memory_ + at);
+      const ptrdiff_t start = row(y) - memory_->data();
+      for (ptrdiff_t at = start / page() * page(); at < start + rowBytes_; at += page()) action(memory_->data() + at);
     }
   }
-  void allow(int access) const {
-    forEachPage([&](uint8_t* at) {
-      if (mprotect(at, static_cast<size_t>(page()), access) != 0) throw std::bad_alloc();
-    });
+  void allow(Pages::Access access) const {
+    forEachPage([&](uint8_t* at) { Pages::allow(at, access); });
   }
 
   int rowBytes_, rows_, stride_;
-  size_t mapped_;
-  uint8_t* memory_;
+  std::unique_ptr<Pages> memory_;
   uint8_t* first_;
 };
 

@@ -1,8 +1,13 @@
 // LUT files and frames that the tests take as input.
 #pragma once
 
+#ifdef _WIN32
+#include <process.h>
+#else
 #include <unistd.h>
+#endif
 
+#include <algorithm>
 #include <cstdint>
 #include <filesystem>
 #include <fstream>

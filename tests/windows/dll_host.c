@@ -1,0 +1,166 @@
+/* A host for Windows, with nothing but the DLL, which it loads by name: dll_host LUMVANE.DLL FOLDER
+ * FOLDER is one to write in; its name and those below it have letters beyond every code page, and a surrogate pair. */
+#include <stdbool.h>
+#include <stdint.h>
+#include <stdio.h>
+#include <string.h>
+#include <windows.h>
+
+typedef void* (*create_lut_function)(const wchar_t*, int32_t, int32_t);
+typedef void (*lut_function)(void*, uint8_t*, int32_t, int32_t, int32_t, const uint8_t*, int32_t, int32_t, int32_t,
+                             int32_t);
+typedef void* (*create_clarity_function)(int32_t, int32_t, int32_t, int32_t, int32_t);
+typedef int32_t (*clarity_function)(void*, uint8_t*, int32_t, int32_t, int32_t, const uint8_t*, int32_t, int32_t,
+                                    int32_t);
+typedef bool (*white_balance_function)(const uint8_t*, uint8_t*, float, float, float, float, float, int32_t, int32_t);
+typedef void* (*create_hdr_function)(const wchar_t*, int32_t, int32_t, int32_t, int32_t, int32_t);
+typedef bool (*hdr_function)(void*, const uint8_t*, const uint8_t*, const uint8_t*, int32_t, int32_t, int32_t, int32_t,
+                             int32_t, uint8_t*, uint8_t*, uint8_t*);
+typedef void (*destroy_function)(void*);
+
+static HMODULE library;
+static create_lut_function create_lut;
+static lut_function lut;
+static create_clarity_function create_clarity;
+static clarity_function clarity;
+static white_balance_function white_balance;
+static create_hdr_function create_hdr;
+static hdr_function hdr;
+static destroy_function destroy_lut, destroy_clarity, destroy_hdr;
+
+static int faults;
+static void expect(bool holds, const char* what) {
+  if (holds) return;
+  printf("not so: %s\n", what);
+  ++faults;
+}
+
+#define FIND(function, name)                                       \
+  do {                                                             \
+    FARPROC const found = GetProcAddress(library, name);           \
+    if (found == NULL) printf("there is no %s\n", name), ++faults; \
+    memcpy(&function, &found, sizeof function);                    \
+  } while (0)
+
+static bool load(const wchar_t* file) {
+  library = LoadLibraryW(file);
+  if (library == NULL) return false;
+  FIND(create_lut, "Create3DLutColorAdjustEffect");
+  FIND(lut, "Lut3DColorAdjustEffectProcess");
+  FIND(destroy_lut, "Destory3DLutColorAdjustEffect");
+  FIND(create_clarity, "CreateNLEPureCClarity");
+  FIND(clarity, "NLEPureCClarityProcess");
+  FIND(destroy_clarity, "DestoryNLEPureCClarity");
+  FIND(white_balance, "WhiteBalanceFun");
+  FIND(create_hdr, "CreateVideoAdjustColor");
+  FIND(hdr, "VideoAdjustColorProcess");
+  FIND(destroy_hdr, "DestroyVideoAdjustColor");
+  return true;
+}
+
+static void write_negative(const wchar_t* name) {
+  FILE* const file = _wfopen(name, L"wb");
+  expect(file != NULL, "the LUT can be written");
+  if (file == NULL) return;
+  fputs("LUT_3D_SIZE 2\r\n1 1 1\r\n0 1 1\r\n1 0 1\r\n0 0 1\r\n1 1 0\r\n0 1 0\r\n1 0 0\r\n0 0 0\r\n", file);
+  fclose(file);
+}
+
+/* Whether there is a LUT of this name that turns black into white. */
+static bool is_negative(const wchar_t* name) {
+  const uint8_t src[4] = {0, 0, 255, 255};
+  uint8_t dst[4] = {9, 9, 9, 9};
+  void* const effect = create_lut(name, 1, 1);
+  if (effect == NULL) return false;
+  lut(effect, dst, 1, 1, 0, src, 1, 1, 0, 100);
+  destroy_lut(effect);
+  return dst[0] == 255 && dst[1] == 255 && dst[2] == 0 && dst[3] == 255;
+}
+
+static void try_paths(const wchar_t* folder) {
+  wchar_t path[MAX_PATH], swapped[MAX_PATH];
+  size_t i;
+  swprintf(path, MAX_PATH, L"%ls\\n\u00e9gatif \u041d\u0415\u0422 \U0001d11e.Cube", folder);
+  write_negative(path);
+  expect(path[1] == L':' && is_negative(path), "a drive letter, backslashes, a surrogate pair");
+  for (i = 0; i <= wcslen(path); ++i) swapped[i] = path[i] == L'\\' ? L'/' : path[i];
+  expect(is_negative(swapped), "slashes");
+  swprintf(swapped, MAX_PATH, L"\\\\?\\%ls", path);
+  expect(is_negative(swapped), "a path of the \\\\?\\ form");
+  expect(SetCurrentDirectoryW(folder) && is_negative(wcsrchr(path, L'\\') + 1), "a name alone");
+  path[wcslen(path) - 6] = 0xdd1f; /* another low half */
+  expect(!is_negative(path), "a name that differs in the second half of a surrogate pair is another name");
+  expect(create_lut(L"C:\\nothing\\here.cube", 1, 1) == NULL, "a missing file gives null");
+  expect(create_lut(folder, 1, 1) == NULL, "a folder gives null");
+}
+
+static void try_hdr(const wchar_t* folder) {
+  wchar_t path[MAX_PATH];
+  uint8_t y[4], v, u;
+  void* effect;
+  int pq;
+  swprintf(path, MAX_PATH, L"%ls\\HDR_HLG.cube", folder);
+  write_negative(path);
+  swprintf(path, MAX_PATH, L"%ls\\HDR_PQ.cube", folder);
+  write_negative(path);
+  for (pq = 0; pq < 2; ++pq) {
+    memset(y, 0, sizeof y);
+    v = u = 128;
+    effect = create_hdr(folder, 0, 0, pq, 2, 2);
+    expect(effect != NULL && hdr(effect, y, &v, &u, 2, 1, 1, 0, 0, y, &v, &u), "HDR frames");
+    expect(y[0] == 255 && y[3] == 255, "the HDR LUTs are found by their names");
+    destroy_hdr(effect);
+  }
+}
+
+/* Frames that are large enough for OpenCV's threads. */
+static DWORD WINAPI render(void* unused) {
+  enum { kWidth = 640, kHeight = 480, kBytes = kWidth * kHeight * 4 };
+  uint8_t* const frame = HeapAlloc(GetProcessHeap(), HEAP_ZERO_MEMORY, kBytes);
+  void* const effect = create_clarity(kWidth, kHeight, 0, 20, 50);
+  int i;
+  for (i = 0; i < 5; ++i) {
+    if (clarity(effect, frame, kWidth, kHeight, 0, frame, kWidth, kHeight, 0) != 1) return 1;
+  }
+  destroy_clarity(effect);
+  HeapFree(GetProcessHeap(), 0, frame);
+  return unused != NULL;
+}
+
+static void render_in_a_thread(void) {
+  HANDLE const thread = CreateThread(NULL, 256 << 10, render, NULL, 0, NULL);
+  DWORD result = 1;
+  WaitForSingleObject(thread, INFINITE);
+  expect(GetExitCodeThread(thread, &result) && result == 0, "frames in a thread with a small stack");
+  CloseHandle(thread);
+}
+
+int wmain(int argc, wchar_t** argv) {
+  wchar_t folder[MAX_PATH];
+  int round;
+  if (argc != 3) return 2;
+  swprintf(folder, MAX_PATH, L"%ls\\lumvane \u00e4\u0416\u6f22\U0001f3a8", argv[2]);
+  CreateDirectoryW(folder, NULL);
+
+  /* What has no handle leaves nothing behind. */
+  for (round = 0; round < 20; ++round) {
+    uint8_t pixel[4] = {100, 100, 100, 255};
+    if (!load(argv[1])) return printf("the DLL cannot be loaded: error %lu\n", GetLastError()), 1;
+    expect(white_balance(pixel, pixel, 0, 0, 0, 1.0f, 0, 1, 1) && pixel[0] < pixel[2], "white balance");
+    expect(FindResourceW(library, MAKEINTRESOURCEW(VS_VERSION_INFO), (LPCWSTR)RT_VERSION) != NULL, "a version");
+    FreeLibrary(library);
+    expect(GetModuleHandleW(L"lumvane.dll") == NULL, "the DLL is unloaded where no effect was made");
+  }
+  /* With threads waiting inside, it stays. */
+  for (round = 0; round < 3; ++round) {
+    if (!load(argv[1])) return 1;
+    try_paths(folder);
+    try_hdr(folder);
+    render_in_a_thread();
+    FreeLibrary(library);
+    Sleep(50);
+  }
+  expect(GetModuleHandleW(L"lumvane.dll") != NULL, "the DLL stays for its threads");
+  if (faults == 0) puts("all as it should be");
+  return faults != 0;
+}
