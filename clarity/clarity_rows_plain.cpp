@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "clarity/clarity_rows.h"
+#include "clarity/exponential_table.h"
 
 namespace Lumvane::plain {
 namespace {
@@ -14,9 +15,17 @@ constexpr float kSectorsPerDegree = 0.016666668f;
 // For each of the six sectors of the hue circle: which of the values v, lowest, falling, rising goes to bytes 0, 1, 2.
 constexpr uint8_t kSectors[6][3] = {{1, 3, 0}, {1, 0, 2}, {3, 0, 1}, {0, 2, 1}, {0, 1, 3}, {2, 1, 0}};
 
-// The exponential, rounded correctly to single precision. By way of double precision: a C library's own
-// single-precision function may be off in the last bit, and glibc 2.36's is, for one argument in some ten thousand.
-float exponential(float x) { return static_cast<float>(std::exp(static_cast<double>(x))); }
+// The exponential of x from -32 to 0, rounded correctly to single precision: by way of double precision, from the entry of
+// the table that is nearest and a Taylor series for what remains, at most 1 / 512. C libraries differ here: glibc 2.36's
+// own single-precision function is off in the last bit for one argument in some ten thousand, others in double precision.
+float exponential(float x) {
+  constexpr double kSteps = ExponentialTable::kStepsPerUnit;
+  const int step = static_cast<int>(std::min(double{ExponentialTable::kSize - 1}, -double{x} * kSteps + 0.5));
+  const double r = double{x} + step / kSteps;  // exact
+  const double growth = r + r * r * (1.0 / 2 + r * (1.0 / 6 + r * (1.0 / 24 + r / 120)));
+  const double base = kExponentials.data()[step];
+  return static_cast<float>(base + base * growth);
+}
 
 uint8_t toByte(float colour) { return static_cast<uint8_t>(std::clamp(colour, 0.0f, 1.0f) * 255.0f + 0.5f); }
 

@@ -46,6 +46,9 @@ Habit floatHabit(const char* name, const Enter& enter) {
   return {name, [enter](const Work& work) {
             std::fenv_t before;
             std::fegetenv(&before);
+#ifdef __SSE__
+            const unsigned registerBefore = _mm_getcsr();  // which not every system's environment holds
+#endif
             enter();
 #ifdef __SSE__
             constexpr unsigned kControl = ~0x3Fu;  // what is left are flags that operations raise
@@ -57,6 +60,7 @@ Habit floatHabit(const char* name, const Enter& enter) {
 #ifdef __SSE__
             const unsigned behind = _mm_getcsr() & kControl;
             std::fesetenv(&before);
+            _mm_setcsr(registerBefore);
             EXPECT_EQ(behind, entered);
 #endif
             std::fesetenv(&before);
