@@ -40,7 +40,7 @@ LutEffect openLut(const std::string& path) {
   const auto refuse = [&](const std::string& reason) {
     throw Fault(ExitCode::kInput, "LUT file '" + path + "' cannot be used: " + reason);
   };
-  std::ifstream file(path, std::ios::binary);
+  std::ifstream file(fs::path(path), std::ios::binary);
   if (!file) refuse(std::generic_category().message(errno));
   if (fs::is_directory(path)) refuse("it is a folder");
   if (holdsCurve(file)) refuse("it holds a one-dimensional table, and only 3D tables are read");

@@ -5,6 +5,8 @@
 #include <iostream>
 #include <new>
 #include <opencv2/core/utils/logger.hpp>
+#include <string>
+#include <vector>
 
 #include "host/clarity_command.h"
 #include "host/fault.h"
@@ -12,6 +14,7 @@
 #include "host/lut_command.h"
 #include "host/output_file.h"
 #include "host/pictures.h"
+#include "host/platform.h"
 #include "host/scene.h"
 #include "host/white_balance_command.h"
 
@@ -59,7 +62,8 @@ int main(int argc, char** argv) {
   host::addHdrCommands(app);
   addSceneCommand(app);
   try {
-    app.parse(argc, argv);
+    const std::vector<std::string> arguments = host::utf8Arguments(argc, argv);
+    app.parse(std::vector(arguments.rbegin(), arguments.rend() - 1));  // the last one first, no name of the program
     return 0;
   } catch (const CLI::ParseError& error) {
     return app.exit(error) == 0 ? 0 : static_cast<int>(host::ExitCode::kUsage);

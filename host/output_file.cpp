@@ -6,9 +6,9 @@
 #include <system_error>
 
 #include "host/fault.h"
+#include "host/platform.h"
 
 #ifdef _WIN32
-#include <fcntl.h>
 #include <io.h>
 #include <process.h>
 #include <windows.h>
@@ -46,9 +46,7 @@ int processId() {
 
 OutputFile::OutputFile(const fs::path& path) : path_(path), target_(path), file_(stdout) {
   if (path == "-") {
-#ifdef _WIN32
-    _setmode(_fileno(stdout), _O_BINARY);
-#endif
+    makeBinary(stdout);
     return;
   }
   std::error_code error;
@@ -59,10 +57,10 @@ OutputFile::OutputFile(const fs::path& path) : path_(path), target_(path), file_
     unfinished_ += '.';
     unfinished_ += std::to_string(processId());
     unfinished_ += ".part";
-    file_ = std::fopen(unfinished_.string().c_str(), "wb");
+    file_ = openFile(unfinished_, "wb");
     if (file_) unfinishedFiles().files.emplace(unfinished_, file_);
   } else {
-    file_ = std::fopen(target_.string().c_str(), "wb");
+    file_ = openFile(target_, "wb");
   }
   if (!file_) fail(errno);
 }

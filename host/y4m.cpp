@@ -6,11 +6,7 @@
 #include <system_error>
 
 #include "host/fault.h"
-
-#ifdef _WIN32
-#include <fcntl.h>
-#include <io.h>
-#endif
+#include "host/platform.h"
 
 namespace host {
 namespace {
@@ -42,11 +38,8 @@ void CloseVideoFile::operator()(FILE* file) const {
   if (file != stdin) std::fclose(file);
 }
 
-VideoReader::VideoReader(const std::string& path)
-    : path_(path), file_(path == "-" ? stdin : std::fopen(path.c_str(), "rb")) {
-#ifdef _WIN32
-  if (file_.get() == stdin) _setmode(_fileno(stdin), _O_BINARY);
-#endif
+VideoReader::VideoReader(const std::string& path) : path_(path), file_(path == "-" ? stdin : openFile(path, "rb")) {
+  if (file_.get() == stdin) makeBinary(stdin);
   if (!file_) fail("cannot be read: " + std::generic_category().message(errno));
   std::istringstream words(readLine());
   std::string word;
