@@ -58,6 +58,12 @@ int main(int argc, char** argv) {
   host::addWhiteBalanceCommand(app);
   host::addHdrCommands(app);
   addSceneCommand(app);
+  // The parser would only say that one is missing.
+  const auto isMeant = [&](const CLI::App* command) { return command->get_name() == argv[1]; };
+  if (argc > 1 && argv[1][0] != '-' && app.get_subcommands(isMeant).empty()) {
+    std::cerr << "lumvane-host: there is no subcommand '" << argv[1] << "'; --help names them\n";
+    return static_cast<int>(host::ExitCode::kUsage);
+  }
   try {
     app.parse(argc, argv);
     return 0;

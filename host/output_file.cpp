@@ -44,7 +44,10 @@ int processId() {
 OutputFile::OutputFile(const fs::path& path) : path_(path), target_(path), file_(stdout) {
   if (path == "-") return;
   std::error_code error;
-  if (fs::is_symlink(path, error)) target_ = fs::weakly_canonical(path, error);
+  if (fs::is_symlink(path, error)) {
+    target_ = fs::weakly_canonical(path, error);
+    if (error) fail(error.value());
+  }
   if (!fs::exists(target_, error) || fs::is_regular_file(target_, error)) {
     const std::lock_guard lock(unfinishedFiles().mutex);
     unfinished_ = target_;
@@ -85,8 +88,8 @@ void OutputFile::finish() {
 }
 
 void OutputFile::fail(int error) const {
-  const std::string name = path_ == "-" ? "standard output" : path_.string();
-  throw Fault(ExitCode::kOutput, "cannot write '" + name + "': " + std::generic_category().message(error));
+  const std::string name = path_ == "-" ? "the standard output" : "'" + path_.string() + "'";
+  throw Fault(ExitCode::kOutput, "cannot write " + name + ": " + std::generic_category().message(error));
 }
 
 #ifdef _WIN32
