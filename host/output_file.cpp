@@ -98,7 +98,7 @@ void removeUnfinishedFilesOnSignals() {}
 void removeUnfinishedFilesOnSignals() {
   sigset_t signals;
   sigemptyset(&signals);
-  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT}) {
     struct sigaction action;
     // What the caller has the program ignore, as nohup does, it goes on ignoring.
     if (sigaction(signal, nullptr, &action) == 0 && action.sa_handler != SIG_IGN) sigaddset(&signals, signal);

@@ -139,7 +139,7 @@ refuses $output "cannot write 'loop.png': Too many levels" clarity many/one.png 
 refuses $input "its name is no UTF-8" lut --lut "$latin.cube" many/one.png x.png
 succeeds clarity many/one.png "$latin/"
 chmod 0 closed
-if ! ls closed >ls 2>&1; then # root looks everywhere
+if ! ls closed >/dev/null 2>&1; then # root looks everywhere
   refuses $input "cannot read picture 'closed/one.png': Permission" clarity closed/one.png x.png
   refuses $input "cannot read the folder 'closed': Permission" clarity closed x
   refuses $output "cannot write 'closed/x.png': Permission" clarity many/one.png closed/x.png
@@ -163,7 +163,7 @@ succeeds whitebalance turned.jpg upright.png
 [ "$(od -An -tu1 -j16 -N8 upright.png | tr -s ' ')" = " 0 0 0 36 0 0 0 64" ] || fail "a turned picture stayed turned"
 
 # What is written takes its name when it is complete, through a symbolic link as well, and never half of it.
-for code in INT TERM; do
+for code in INT TERM QUIT; do
   timeout -s $code 0.3 "$host" hdr-clip --transfer hlg --frames 100000 never.y4m
   [ $? -eq 124 ] || fail "a long clip ended before it was interrupted"
 done
