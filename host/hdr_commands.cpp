@@ -2,7 +2,9 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <cerrno>
 #include <filesystem>
+#include <fstream>
 #include <memory>
 #include <opencv2/core.hpp>
 #include <system_error>
@@ -10,6 +12,7 @@
 #include "host/fault.h"
 #include "host/hdr_clip.h"
 #include "host/hdr_luts.h"
+#include "host/library_path.h"
 #include "host/pictures.h"
 #include "host/progress.h"
 #include "host/y4m.h"
@@ -31,15 +34,18 @@ struct HdrOptions {
 using HdrEffect = std::unique_ptr<void, decltype(&DestroyVideoAdjustColor)>;
 
 HdrEffect openHdr(const HdrOptions& options, bool limited, int width, int height) {
-  return {CreateVideoAdjustColor(fs::path(options.luts).u16string().c_str(), 0, limited, options.transfer == "pq",
-                                 width, height),
-          &DestroyVideoAdjustColor};
+  return {
+      CreateVideoAdjustColor(libraryPath(options.luts).c_str(), 0, limited, options.transfer == "pq", width, height),
+      &DestroyVideoAdjustColor};
 }
 
 // The library does not tell of a LUT file that is missing or cannot be used: its frames are black, whatever goes in.
 void requireLut(const HdrOptions& options) {
   const fs::path lut = fs::path(options.luts) / (options.transfer == "pq" ? "HDR_PQ.cube" : "HDR_HLG.cube");
-  if (!fs::is_regular_file(lut)) throw Fault(ExitCode::kInput, "there is no LUT file '" + lut.string() + "'");
+  const auto refuse = [&](const std::string& reason) {
+    throw Fault(ExitCode::kInput, "LUT file '" + lut.string() + "' cannot be used: " + reason);
+  };
+  if (!std::ifstream(lut)) refuse(std::generic_category().message(errno));
   const HdrEffect effect = openHdr(options, false, 1, 1);
   for (const uint8_t grey : {0, 128, 255}) {
     const uint8_t neutral = 128;
@@ -47,7 +53,7 @@ void requireLut(const HdrOptions& options) {
     VideoAdjustColorProcess(effect.get(), &grey, &neutral, &neutral, 1, 1, 1, 0, 0, &y, &v, &u);
     if (y != 0) return;
   }
-  throw Fault(ExitCode::kInput, "'" + lut.string() + "' cannot be used: it turns everything black");
+  refuse("it turns everything black");
 }
 
 void convert(const HdrOptions& options) {
@@ -175,14 +181,12 @@ void addClipCommand(CLI::App& app) {
 void addStillCommand(CLI::App& app) {
   struct Options {
     std::string input, output;
-    int frame = 0;
+    unsigned frame = 0;
   };
   auto* command = app.add_subcommand("still", "Take a picture from a limited-range video, shown as BT.709");
   command->footer("Example:\n  lumvane-host still --frame 12 sdr.y4m still.png");
   const auto options = std::make_shared<Options>();
-  command->add_option("--frame", options->frame, "Number of the frame, from 0")
-      ->check(CLI::NonNegativeNumber)
-      ->capture_default_str();
+  command->add_option("--frame", options->frame, "Number of the frame, from 0")->capture_default_str();
   command->add_option("input", options->input, "Video to read, - for the standard input")
       ->required()
       ->type_name("FILE");
@@ -191,7 +195,7 @@ void addStillCommand(CLI::App& app) {
     VideoReader reader(options->input);
     const int width = reader.format().width, height = reader.format().height;
     VideoFrame frame(width, height);
-    for (int i = 0; i <= options->frame; ++i) {
+    for (unsigned i = 0; i <= options->frame; ++i) {
       if (reader.read(frame)) continue;
       throw Fault(ExitCode::kInput, "'" + options->input + "' is shorter: it has " + std::to_string(i) + " frames");
     }

@@ -9,6 +9,7 @@
 #include <system_error>
 
 #include "host/fault.h"
+#include "host/library_path.h"
 #include "host/picture_jobs.h"
 #include "lumvane.h"
 
@@ -28,7 +29,8 @@ using LutEffect = std::unique_ptr<void, decltype(&Destory3DLutColorAdjustEffect)
 
 // Whether a one-dimensional table is announced ahead of the first rows.
 bool holdsCurve(std::ifstream& file) {
-  for (std::string line; std::getline(file, line) && (line.empty() || !std::isdigit(line[0]));) {
+  for (std::string line;
+       std::getline(file, line) && (line.empty() || !std::isdigit(static_cast<unsigned char>(line[0])));) {
     if (line.rfind("LUT_1D_SIZE", 0) == 0) return true;
   }
   return false;
@@ -42,10 +44,10 @@ LutEffect openLut(const std::string& path) {
   };
   std::ifstream file(fs::path(path), std::ios::binary);
   if (!file) refuse(std::generic_category().message(errno));
-  if (fs::is_directory(path)) refuse("it is a folder");
+  std::error_code notSeen;
+  if (fs::is_directory(path, notSeen)) refuse("it is a folder");
   if (holdsCurve(file)) refuse("it holds a one-dimensional table, and only 3D tables are read");
-  LutEffect effect(Create3DLutColorAdjustEffect(fs::path(path).u16string().c_str(), 0, 0),
-                   &Destory3DLutColorAdjustEffect);
+  LutEffect effect(Create3DLutColorAdjustEffect(libraryPath(path).c_str(), 0, 0), &Destory3DLutColorAdjustEffect);
   if (!effect) {
     refuse(
         "a LUT is a .cube file of 2 to 65 points per axis or a .3dl file of 3 to 65, by its name, with all its rows");
@@ -77,8 +79,7 @@ void addLutCommand(CLI::App& app) {
   command->add_option("--lut", options->lut, "LUT file, .cube or .3dl")->required()->type_name("FILE");
   command->add_option("--strength", options->strength, "Strength in percent, 0 to 100, clamped")->capture_default_str();
   command->add_flag("--premultiply", options->premultiply,
-                    "Write the library's own pixels, with colours multiplied by alpha; without it a picture keeps its "
-                    "colours where it is translucent");
+                    "Write colours multiplied by alpha, the library's own pixels");
   addPictureArguments(*command, options->pictures);
   command->callback([options] {
     const LutEffect effect = openLut(options->lut);

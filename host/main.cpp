@@ -61,6 +61,12 @@ int main(int argc, char** argv) {
   host::addWhiteBalanceCommand(app);
   host::addHdrCommands(app);
   addSceneCommand(app);
+  // The parser would only say that one is missing.
+  const auto isMeant = [&](const CLI::App* command) { return command->get_name() == argv[1]; };
+  if (argc > 1 && argv[1][0] != '-' && app.get_subcommands(isMeant).empty()) {
+    std::cerr << "lumvane-host: there is no subcommand '" << argv[1] << "'; --help names them\n";
+    return static_cast<int>(host::ExitCode::kUsage);
+  }
   try {
     const std::vector<std::string> arguments = host::utf8Arguments(argc, argv);
     app.parse(std::vector(arguments.rbegin(), arguments.rend() - 1));  // the last one first, no name of the program

@@ -50,7 +50,10 @@ OutputFile::OutputFile(const fs::path& path) : path_(path), target_(path), file_
     return;
   }
   std::error_code error;
-  if (fs::is_symlink(path, error)) target_ = fs::weakly_canonical(path, error);
+  if (fs::is_symlink(path, error)) {
+    target_ = fs::weakly_canonical(path, error);
+    if (error) fail(error.value());
+  }
   if (!fs::exists(target_, error) || fs::is_regular_file(target_, error)) {
     const std::lock_guard lock(unfinishedFiles().mutex);
     unfinished_ = target_;
@@ -91,8 +94,8 @@ void OutputFile::finish() {
 }
 
 void OutputFile::fail(int error) const {
-  const std::string name = path_ == "-" ? "standard output" : path_.string();
-  throw Fault(ExitCode::kOutput, "cannot write '" + name + "': " + std::generic_category().message(error));
+  const std::string name = path_ == "-" ? "the standard output" : "'" + path_.string() + "'";
+  throw Fault(ExitCode::kOutput, "cannot write " + name + ": " + std::generic_category().message(error));
 }
 
 #ifdef _WIN32
@@ -115,7 +118,7 @@ void removeUnfinishedFilesOnSignals() {
 void removeUnfinishedFilesOnSignals() {
   sigset_t signals;
   sigemptyset(&signals);
-  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT}) {
     struct sigaction action;
     // What the caller has the program ignore, as nohup does, it goes on ignoring.
     if (sigaction(signal, nullptr, &action) == 0 && action.sa_handler != SIG_IGN) sigaddset(&signals, signal);

@@ -1,7 +1,10 @@
 #include "host/picture_jobs.h"
 
 #include <CLI/CLI.hpp>
+#include <cstdint>
 #include <filesystem>
+#include <map>
+#include <new>
 #include <set>
 #include <system_error>
 
@@ -19,57 +22,74 @@ struct Job {
   fs::path output;
 };
 
+fs::path comparisonOf(const fs::path& output) {
+  fs::path comparison = output;
+  return comparison.replace_filename(output.stem().string() + "-compare.png");
+}
+
 // A picture must not take the place of one that is still to be read, nor of another result.
-void refuseOverwriting(const std::vector<Job>& jobs) {
-  std::set<fs::path> outputs;
+void refuseOverwriting(const std::vector<Job>& jobs, bool compare) {
+  std::vector<fs::path> outputs;
   for (const Job& job : jobs) {
-    if (!outputs.insert(job.output.lexically_normal()).second) {
-      throw Fault(ExitCode::kUsage, "two pictures would go to '" + job.output.string() + "'");
+    outputs.push_back(job.output);
+    if (compare) outputs.push_back(comparisonOf(job.output));
+  }
+  std::error_code notThere;
+  std::multimap<std::uintmax_t, const fs::path*> inputs;  // by size: only files of one size can be the same file
+  for (const Job& job : jobs) inputs.emplace(fs::file_size(job.input, notThere), &job.input);
+  std::set<fs::path> taken;
+  for (const fs::path& output : outputs) {
+    if (!taken.insert(output.lexically_normal()).second) {
+      throw Fault(ExitCode::kUsage, "two pictures would go to '" + output.string() + "'");
     }
-    for (const Job& other : jobs) {
-      std::error_code notThere;
-      if (fs::equivalent(other.input, job.output, notThere)) {
-        throw Fault(ExitCode::kUsage, "'" + job.output.string() + "' would be written over, and it is to be read");
+    const auto [first, last] = inputs.equal_range(fs::file_size(output, notThere));
+    for (auto input = first; input != last; ++input) {
+      if (fs::equivalent(*input->second, output, notThere)) {
+        throw Fault(ExitCode::kUsage, "'" + output.string() + "' would be written over, and it is to be read");
       }
     }
   }
 }
 
 // One picture goes to a file; several, or the pictures of a folder, keep their names and go to a folder.
-std::vector<Job> planJobs(const std::vector<std::string>& paths) {
+std::vector<Job> planJobs(const std::vector<std::string>& paths, bool compare) {
+  std::error_code error;  // where it is looked at no further, opening the file tells what is wrong
   const fs::path output = paths.back();
   std::vector<fs::path> inputs(paths.begin(), paths.end() - 1);
-  bool toFolder = inputs.size() > 1 || fs::is_directory(output);
-  if (inputs.size() == 1 && fs::is_directory(inputs[0])) {
+  bool toFolder = inputs.size() > 1 || !output.has_filename() || fs::is_directory(output, error);
+  if (inputs.size() == 1 && fs::is_directory(inputs[0], error)) {
     const fs::path folder = inputs[0];
     inputs = picturesIn(folder);
     if (inputs.empty()) throw Fault(ExitCode::kInput, "there are no pictures in '" + folder.string() + "'");
     toFolder = true;
   }
+  std::vector<Job> jobs;
+  for (const fs::path& input : inputs) jobs.push_back({input, toFolder ? output / input.filename() : output});
+  refuseOverwriting(jobs, compare);
   if (toFolder) {
-    std::error_code error;
     fs::create_directories(output, error);
-    if (!fs::is_directory(output)) {
+    std::error_code notThere;
+    if (!fs::is_directory(output, notThere)) {
       throw Fault(ExitCode::kOutput, "cannot make the folder '" + output.string() +
                                          "': " + (error ? error.message() : "there is a file of this name"));
     }
   }
-  std::vector<Job> jobs;
-  for (const fs::path& input : inputs) jobs.push_back({input, toFolder ? output / input.filename() : output});
-  refuseOverwriting(jobs);
   return jobs;
 }
 
-fs::path comparisonOf(const fs::path& output) {
-  fs::path comparison = output;
-  return comparison.replace_filename(output.stem().string() + "-compare.png");
-}
-
 void editPicture(const Job& job, bool compare, const std::function<cv::Mat(const cv::Mat&)>& edit) {
-  const cv::Mat before = readPicture(job.input);
-  const cv::Mat after = edit(before);
-  writePicture(job.output, after);
-  if (compare) writePicture(comparisonOf(job.output), sideBySide(before, after));
+  const auto outOfMemory = [&] { return Fault(ExitCode::kOther, "no memory left for '" + job.input.string() + "'"); };
+  try {
+    const cv::Mat before = readPicture(job.input);
+    const cv::Mat after = edit(before);
+    writePicture(job.output, after);
+    if (compare) writePicture(comparisonOf(job.output), sideBySide(before, after));
+  } catch (const std::bad_alloc&) {
+    throw outOfMemory();
+  } catch (const cv::Exception& error) {
+    if (error.code != cv::Error::StsNoMem) throw;
+    throw outOfMemory();
+  }
 }
 
 }  // namespace
@@ -86,7 +106,7 @@ void addPictureArguments(CLI::App& command, PictureArguments& arguments) {
 }
 
 void editPictures(const PictureArguments& arguments, const std::function<cv::Mat(const cv::Mat&)>& edit) {
-  const std::vector<Job> jobs = planJobs(arguments.paths);
+  const std::vector<Job> jobs = planJobs(arguments.paths, arguments.compare);
   if (jobs.size() == 1) return editPicture(jobs[0], arguments.compare, edit);
 
   // One bad picture does not keep the others waiting.

@@ -61,7 +61,8 @@ cv::Mat readPicture(const std::filesystem::path& path) {
   const auto refuse = [&](const std::string& reason) {
     throw Fault(ExitCode::kInput, "cannot read picture '" + path.string() + "': " + reason);
   };
-  if (std::filesystem::is_directory(path)) refuse("it is a folder");
+  std::error_code notSeen;
+  if (std::filesystem::is_directory(path, notSeen)) refuse("it is a folder");
   const std::vector<uint8_t> bytes = readBytes(path);
   if (bytes.empty()) refuse("it is empty");
   if (isCutOffJpeg(bytes)) refuse("it is cut off, the file ends ahead of the picture");
@@ -69,8 +70,9 @@ cv::Mat readPicture(const std::filesystem::path& path) {
   try {
     picture = cv::imdecode(bytes, cv::IMREAD_UNCHANGED);
     // Only the colour mode heeds the orientation that cameras note in a file; only the unchanged one keeps alpha.
-    if (picture.channels() != 4) picture = cv::imdecode(bytes, cv::IMREAD_COLOR);
+    if (!picture.empty() && picture.channels() != 4) picture = cv::imdecode(bytes, cv::IMREAD_COLOR);
   } catch (const cv::Exception& error) {
+    if (error.code == cv::Error::StsNoMem) throw;
     refuse("it is damaged or too large (" + error.err + ")");
   }
   if (picture.empty()) refuse("it is damaged, or no picture of a format that is known here");
@@ -85,11 +87,20 @@ void writePicture(const std::filesystem::path& path, const cv::Mat& picture) {
   const bool holdsAlpha = extension == ".png" || extension == ".webp" || extension == ".tif" || extension == ".tiff";
   cv::Mat out = picture;
   if (!holdsAlpha || isOpaque(picture)) cv::cvtColor(picture, out, cv::COLOR_BGRA2BGR);
+  const auto refuse = [&](const std::string& reason) {
+    throw Fault(ExitCode::kOutput, "cannot write picture '" + path.string() + "': " + reason);
+  };
+  if (!cv::haveImageWriter("picture" + extension)) refuse("no format has this extension");
   std::vector<uint8_t> bytes;
+  bool encoded = false;
   try {
-    cv::imencode(extension, out, bytes, {cv::IMWRITE_JPEG_QUALITY, 95});
-  } catch (const cv::Exception&) {
-    throw Fault(ExitCode::kOutput, "cannot write picture '" + path.string() + "': no format has this extension");
+    encoded = cv::imencode(extension, out, bytes, {cv::IMWRITE_JPEG_QUALITY, 95});
+  } catch (const cv::Exception& error) {
+    if (error.code == cv::Error::StsNoMem) throw;
+  }
+  if (!encoded) {
+    refuse(extension + " holds no " + std::to_string(out.cols) + " x " + std::to_string(out.rows) +
+           " pixels in 8-bit colour");
   }
   OutputFile file(path);
   file.write(bytes.data(), bytes.size());
@@ -98,10 +109,16 @@ void writePicture(const std::filesystem::path& path, const cv::Mat& picture) {
 
 std::vector<std::filesystem::path> picturesIn(const std::filesystem::path& folder) {
   constexpr std::array kExtensions = {".png", ".jpg", ".jpeg", ".tif", ".tiff", ".webp", ".bmp"};
+  std::error_code error;
+  const std::filesystem::directory_iterator entries(folder, error);
+  if (error) {
+    throw Fault(ExitCode::kInput, "cannot read the folder '" + folder.string() + "': " + error.message());
+  }
   std::vector<std::filesystem::path> pictures;
-  for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+  for (const auto& entry : entries) {
     const std::string extension = lowerCaseExtension(entry.path());
-    if (entry.is_regular_file() && std::find(kExtensions.begin(), kExtensions.end(), extension) != kExtensions.end()) {
+    if (entry.is_regular_file(error) &&
+        std::find(kExtensions.begin(), kExtensions.end(), extension) != kExtensions.end()) {
       pictures.push_back(entry.path());
     }
   }

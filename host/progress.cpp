@@ -59,7 +59,9 @@ Progress::~Progress() {
 
 void Progress::begin(const std::string& name) {
   constexpr size_t kLongestName = 20;  // a line that breaks cannot be redrawn in place
-  name_ = name.size() <= kLongestName ? name : name.substr(0, kLongestName - 2) + "..";
+  size_t kept = kLongestName - 2;
+  while (kept > 0 && kept < name.size() && (static_cast<unsigned char>(name[kept]) & 0xC0) == 0x80) --kept;  // UTF-8
+  name_ = name.size() <= kLongestName ? name : name.substr(0, kept) + "..";
   draw();
 }
 

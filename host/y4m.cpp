@@ -44,7 +44,8 @@ VideoReader::VideoReader(const std::string& path) : path_(path), file_(path == "
   std::istringstream words(readLine());
   std::string word;
   words >> word;
-  if (word != "YUV4MPEG2") fail("is no YUV4MPEG2 stream");
+  if (word.empty() && std::feof(file_.get())) fail("is empty");
+  if (word != "YUV4MPEG2") fail("is no YUV4MPEG2 stream; \"lumvane-host hdr --help\" shows how FFmpeg makes one");
   while (words >> word) {
     const char tag = word[0];
     const std::string value = word.substr(1);
@@ -59,7 +60,7 @@ VideoReader::VideoReader(const std::string& path) : path_(path), file_(path == "
     }
   }
   if (format_.width < 1 || format_.height < 1 || int64_t{format_.width} * format_.height > kMostPixels) {
-    fail("has no usable size");
+    fail("has no usable size: 1 to " + std::to_string(kMostPixels) + " pixels are taken");
   }
 }
 
@@ -78,11 +79,12 @@ std::string VideoReader::readLine() {
   for (int c; (c = std::fgetc(file_.get())) != EOF && c != '\n' && line.size() < kLongestLine;) {
     line += static_cast<char>(c);
   }
+  if (std::ferror(file_.get())) fail("cannot be read: " + std::generic_category().message(errno));
   return line;
 }
 
 void VideoReader::fail(const std::string& what) const {
-  throw Fault(ExitCode::kInput, "'" + (path_ == "-" ? "standard input" : path_) + "' " + what);
+  throw Fault(ExitCode::kInput, (path_ == "-" ? "the standard input" : "'" + path_ + "'") + " " + what);
 }
 
 size_t VideoReader::framesAhead() const {

@@ -66,13 +66,17 @@ done
 echo text > broken.y4m
 head -c 9000 hlg.y4m > short.y4m
 sed '1s/C420mpeg2/C444/' hlg.y4m > other.y4m
-refuses $input "there is no LUT file" hdr --luts none --transfer hlg hlg.y4m x.y4m
+refuses $input "LUT file 'none/HDR_HLG.cube' cannot be used: No such file" hdr --luts none --transfer hlg hlg.y4m x.y4m
 refuses $input "'none.y4m' cannot be read" hdr --luts luts --transfer hlg none.y4m x.y4m
 refuses $input "is no YUV4MPEG2 stream" hdr --luts luts --transfer hlg broken.y4m x.y4m
 refuses $input "ends within a frame" hdr --luts luts --transfer hlg short.y4m x.y4m
 cp hlg.y4m same.y4m
 refuses $usage "would be written over" hdr --luts luts --transfer hlg same.y4m same.y4m
 cmp same.y4m hlg.y4m || fail "a video that was to be read was written over"
+: > nothing.y4m
+refuses $input "'nothing.y4m' is empty" hdr --luts luts --transfer hlg nothing.y4m x.y4m
+refuses $input "the standard input is empty" hdr --luts luts --transfer hlg - x.y4m </dev/null
+refuses $input "'luts' cannot be read: Is a directory" hdr --luts luts --transfer hlg luts x.y4m
 mkdir broken
 echo text > broken/HDR_HLG.cube
 refuses $input "cannot be used" hdr --luts broken --transfer hlg hlg.y4m x.y4m
@@ -98,10 +102,16 @@ refuses $output "cannot write 'none/x.png': No such file" lut --lut "$samples/si
 refuses $output "no format has this extension" lut --lut "$samples/silver.cube" many/one.png x.none
 refuses $usage "would be written over" lut --lut "$samples/silver.cube" many many
 refuses $usage "two pictures would go to" lut --lut "$samples/silver.cube" many/one.png graded/one.png x
+cp many/one.png one-compare.png
+refuses $usage "'one-compare.png' would be written over" clarity --compare one-compare.png one.png
+refuses $usage "two pictures would go to 'x/one-compare.png'" clarity --compare many/one.png one-compare.png x
+cmp one-compare.png many/one.png || fail "a comparison took the place of a picture that was to be read"
 refuses $input "1 of 2 pictures failed" lut --lut "$samples/silver.cube" broken.png many/one.png some
 [ -s some/one.png ] || fail "one bad picture kept another from being graded"
 refuses $output "cannot make the folder" lut --lut "$samples/silver.cube" many same.png
 refuses $input "no pictures in 'empty'" lut --lut "$samples/silver.cube" empty x
+succeeds clarity many/one.png new/folder/
+[ -s new/folder/one.png ] || fail "a slash at the end did not make a folder"
 : > nothing.png
 head -c 900 many/two.jpg > short.jpg
 head -c 900 many/one.png > short.png
@@ -112,6 +122,34 @@ done
 refuses $input "'many': it is a folder" whitebalance many/one.png many x
 refuses $input "one-dimensional" lut --lut curve.cube many/one.png x.png
 refuses $usage "subcommand is required"
+refuses $usage "no subcommand 'grade'" grade many/one.png x.png
+for number in nan -inf 1e39; do
+  refuses $usage "'$number' is no number" whitebalance --tint $number many/one.png x.png
+done
+refuses $usage "--frame = -1" still --frame -1 hlg.y4m x.png
+
+# Names that cannot be looked at, or are no text, are faults of the files that they stand for.
+ln -s loop.png loop.png
+mkdir closed
+cp many/one.png "$samples/silver.cube" closed
+latin=$(printf 'gr\374n')
+cp "$samples/silver.cube" "$latin.cube"
+refuses $input "cannot read picture 'loop.png': Too many levels" clarity loop.png x.png
+refuses $output "cannot write 'loop.png': Too many levels" clarity many/one.png loop.png
+refuses $input "its name is no UTF-8" lut --lut "$latin.cube" many/one.png x.png
+succeeds clarity many/one.png "$latin/"
+chmod 0 closed
+if ! ls closed >/dev/null 2>&1; then # root looks everywhere
+  refuses $input "cannot read picture 'closed/one.png': Permission" clarity closed/one.png x.png
+  refuses $input "cannot read the folder 'closed': Permission" clarity closed x
+  refuses $output "cannot write 'closed/x.png': Permission" clarity many/one.png closed/x.png
+  refuses $input "cannot be used: Permission" hdr --luts closed --transfer hlg hlg.y4m x.y4m
+fi
+chmod 700 closed
+
+# What a format cannot hold: a JPEG has up to 65535 rows.
+{ printf 'P5 1 70000 255\n' && head -c 70000 /dev/zero; } > tall.pgm
+refuses $output ".jpg holds no 1 x 70000 pixels" clarity tall.pgm x.jpg
 refuses $usage "At least 2 required" clarity many/one.png
 refuses $usage "--intensity = much" clarity --intensity much many/one.png x.png
 refuses $input "1 of 2 pictures failed" whitebalance short.jpg many/one.png some
@@ -125,7 +163,7 @@ succeeds whitebalance turned.jpg upright.png
 [ "$(od -An -tu1 -j16 -N8 upright.png | tr -s ' ')" = " 0 0 0 36 0 0 0 64" ] || fail "a turned picture stayed turned"
 
 # What is written takes its name when it is complete, through a symbolic link as well, and never half of it.
-for code in INT TERM; do
+for code in INT TERM QUIT; do
   timeout -s $code 0.3 "$host" hdr-clip --transfer hlg --frames 100000 never.y4m
   [ $? -eq 124 ] || fail "a long clip ended before it was interrupted"
 done
