@@ -12,7 +12,7 @@
 #include "host/fault.h"
 #include "host/hdr_clip.h"
 #include "host/hdr_luts.h"
-#include "host/library_path.h"
+#include "host/paths.h"
 #include "host/pictures.h"
 #include "host/progress.h"
 #include "host/y4m.h"
@@ -41,9 +41,9 @@ HdrEffect openHdr(const HdrOptions& options, bool limited, int width, int height
 
 // The library does not tell of a LUT file that is missing or cannot be used: its frames are black, whatever goes in.
 void requireLut(const HdrOptions& options) {
-  const fs::path lut = fs::path(options.luts) / (options.transfer == "pq" ? "HDR_PQ.cube" : "HDR_HLG.cube");
+  const fs::path lut = toPath(options.luts) / (options.transfer == "pq" ? "HDR_PQ.cube" : "HDR_HLG.cube");
   const auto refuse = [&](const std::string& reason) {
-    throw Fault(ExitCode::kInput, "LUT file '" + lut.string() + "' cannot be used: " + reason);
+    throw Fault(ExitCode::kInput, "LUT file '" + toName(lut) + "' cannot be used: " + reason);
   };
   if (!std::ifstream(lut)) refuse(std::generic_category().message(errno));
   const HdrEffect effect = openHdr(options, false, 1, 1);
@@ -113,7 +113,7 @@ void addLutsCommand(CLI::App& app) {
       ->required()
       ->type_name("FOLDER");
   command->add_option("--size", options->size, "Points per axis")->check(CLI::Range(2, 65))->capture_default_str();
-  command->callback([options] { writeHdrLuts(options->folder, options->size); });
+  command->callback([options] { writeHdrLuts(toPath(options->folder), options->size); });
 }
 
 void addConvertCommand(CLI::App& app) {
@@ -199,7 +199,7 @@ void addStillCommand(CLI::App& app) {
       if (reader.read(frame)) continue;
       throw Fault(ExitCode::kInput, "'" + options->input + "' is shorter: it has " + std::to_string(i) + " frames");
     }
-    writePicture(options->output, still(frame, width, height));
+    writePicture(toPath(options->output), still(frame, width, height));
   });
 }
 

@@ -21,6 +21,7 @@
 
 #include "host/fault.h"
 #include "host/output_file.h"
+#include "host/paths.h"
 
 namespace host {
 namespace {
@@ -140,7 +141,7 @@ std::array<double, 3> pqToBt709(const std::array<double, 3>& signal) {
 void writeHdrLuts(const std::filesystem::path& folder, int size) {
   std::error_code error;
   std::filesystem::create_directories(folder, error);
-  if (error) throw Fault(ExitCode::kOutput, "cannot make the folder '" + folder.string() + "': " + error.message());
+  if (error) throw Fault(ExitCode::kOutput, "cannot make the folder '" + toName(folder) + "': " + error.message());
   writeLut(folder / "HDR_HLG.cube", size, hlgToBt709, "BT.2100 HLG, 1000 cd/m2, to BT.709");
   writeLut(folder / "HDR_PQ.cube", size, pqToBt709, "BT.2100 PQ to BT.709");
 }

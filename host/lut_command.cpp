@@ -9,7 +9,7 @@
 #include <system_error>
 
 #include "host/fault.h"
-#include "host/library_path.h"
+#include "host/paths.h"
 #include "host/picture_jobs.h"
 #include "lumvane.h"
 
@@ -42,10 +42,10 @@ LutEffect openLut(const std::string& path) {
   const auto refuse = [&](const std::string& reason) {
     throw Fault(ExitCode::kInput, "LUT file '" + path + "' cannot be used: " + reason);
   };
-  std::ifstream file(fs::path(path), std::ios::binary);
+  std::ifstream file(toPath(path), std::ios::binary);
   if (!file) refuse(std::generic_category().message(errno));
   std::error_code notSeen;
-  if (fs::is_directory(path, notSeen)) refuse("it is a folder");
+  if (fs::is_directory(toPath(path), notSeen)) refuse("it is a folder");
   if (holdsCurve(file)) refuse("it holds a one-dimensional table, and only 3D tables are read");
   LutEffect effect(Create3DLutColorAdjustEffect(libraryPath(path).c_str(), 0, 0), &Destory3DLutColorAdjustEffect);
   if (!effect) {

@@ -13,6 +13,7 @@
 #include "host/hdr_commands.h"
 #include "host/lut_command.h"
 #include "host/output_file.h"
+#include "host/paths.h"
 #include "host/pictures.h"
 #include "host/platform.h"
 #include "host/scene.h"
@@ -38,8 +39,9 @@ void addSceneCommand(CLI::App& app) {
   command->add_option("--height", options->height, "Height in pixels")
       ->check(CLI::Range(16, 16384))
       ->capture_default_str();
-  command->callback(
-      [options] { host::writePicture(options->output, host::drawScene(options->width, options->height)); });
+  command->callback([options] {
+    host::writePicture(host::toPath(options->output), host::drawScene(options->width, options->height));
+  });
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include <system_error>
 
 #include "host/fault.h"
+#include "host/paths.h"
 #include "host/platform.h"
 
 #ifdef _WIN32
@@ -94,7 +95,7 @@ void OutputFile::finish() {
 }
 
 void OutputFile::fail(int error) const {
-  const std::string name = path_ == "-" ? "the standard output" : "'" + path_.string() + "'";
+  const std::string name = path_ == "-" ? "the standard output" : "'" + toName(path_) + "'";
   throw Fault(ExitCode::kOutput, "cannot write " + name + ": " + std::generic_category().message(error));
 }
 

@@ -1,14 +1,17 @@
 #include "host/picture_jobs.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cstdint>
 #include <filesystem>
+#include <iterator>
 #include <map>
 #include <new>
 #include <set>
 #include <system_error>
 
 #include "host/fault.h"
+#include "host/paths.h"
 #include "host/pictures.h"
 #include "host/progress.h"
 
@@ -24,7 +27,7 @@ struct Job {
 
 fs::path comparisonOf(const fs::path& output) {
   fs::path comparison = output;
-  return comparison.replace_filename(output.stem().string() + "-compare.png");
+  return comparison.replace_filename(output.stem() += "-compare.png");
 }
 
 // A picture must not take the place of one that is still to be read, nor of another result.
@@ -40,12 +43,12 @@ void refuseOverwriting(const std::vector<Job>& jobs, bool compare) {
   std::set<fs::path> taken;
   for (const fs::path& output : outputs) {
     if (!taken.insert(output.lexically_normal()).second) {
-      throw Fault(ExitCode::kUsage, "two pictures would go to '" + output.string() + "'");
+      throw Fault(ExitCode::kUsage, "two pictures would go to '" + toName(output) + "'");
     }
     const auto [first, last] = inputs.equal_range(fs::file_size(output, notThere));
     for (auto input = first; input != last; ++input) {
       if (fs::equivalent(*input->second, output, notThere)) {
-        throw Fault(ExitCode::kUsage, "'" + output.string() + "' would be written over, and it is to be read");
+        throw Fault(ExitCode::kUsage, "'" + toName(output) + "' would be written over, and it is to be read");
       }
     }
   }
@@ -54,13 +57,14 @@ void refuseOverwriting(const std::vector<Job>& jobs, bool compare) {
 // One picture goes to a file; several, or the pictures of a folder, keep their names and go to a folder.
 std::vector<Job> planJobs(const std::vector<std::string>& paths, bool compare) {
   std::error_code error;  // where it is looked at no further, opening the file tells what is wrong
-  const fs::path output = paths.back();
-  std::vector<fs::path> inputs(paths.begin(), paths.end() - 1);
+  const fs::path output = toPath(paths.back());
+  std::vector<fs::path> inputs;
+  std::transform(paths.begin(), paths.end() - 1, std::back_inserter(inputs), toPath);
   bool toFolder = inputs.size() > 1 || !output.has_filename() || fs::is_directory(output, error);
   if (inputs.size() == 1 && fs::is_directory(inputs[0], error)) {
     const fs::path folder = inputs[0];
     inputs = picturesIn(folder);
-    if (inputs.empty()) throw Fault(ExitCode::kInput, "there are no pictures in '" + folder.string() + "'");
+    if (inputs.empty()) throw Fault(ExitCode::kInput, "there are no pictures in '" + toName(folder) + "'");
     toFolder = true;
   }
   std::vector<Job> jobs;
@@ -70,7 +74,7 @@ std::vector<Job> planJobs(const std::vector<std::string>& paths, bool compare) {
     fs::create_directories(output, error);
     std::error_code notThere;
     if (!fs::is_directory(output, notThere)) {
-      throw Fault(ExitCode::kOutput, "cannot make the folder '" + output.string() +
+      throw Fault(ExitCode::kOutput, "cannot make the folder '" + toName(output) +
                                          "': " + (error ? error.message() : "there is a file of this name"));
     }
   }
@@ -78,7 +82,7 @@ std::vector<Job> planJobs(const std::vector<std::string>& paths, bool compare) {
 }
 
 void editPicture(const Job& job, bool compare, const std::function<cv::Mat(const cv::Mat&)>& edit) {
-  const auto outOfMemory = [&] { return Fault(ExitCode::kOther, "no memory left for '" + job.input.string() + "'"); };
+  const auto outOfMemory = [&] { return Fault(ExitCode::kOther, "no memory left for '" + toName(job.input) + "'"); };
   try {
     const cv::Mat before = readPicture(job.input);
     const cv::Mat after = edit(before);
@@ -115,7 +119,7 @@ void editPictures(const PictureArguments& arguments, const std::function<cv::Mat
   ExitCode code = ExitCode::kOther;
   Progress progress("pictures", jobs.size());
   for (const Job& job : jobs) {
-    progress.begin(job.input.filename().string());
+    progress.begin(toName(job.input.filename()));
     try {
       editPicture(job, arguments.compare, edit);
     } catch (const Fault& fault) {

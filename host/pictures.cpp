@@ -12,12 +12,13 @@
 #include "host/fault.h"
 #include "host/jpeg_end.h"
 #include "host/output_file.h"
+#include "host/paths.h"
 
 namespace host {
 namespace {
 
 std::string lowerCaseExtension(const std::filesystem::path& path) {
-  std::string extension = path.extension().string();
+  std::string extension = toName(path.extension());
   std::transform(extension.begin(), extension.end(), extension.begin(),
                  [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
   return extension;
@@ -50,7 +51,7 @@ std::vector<uint8_t> readBytes(const std::filesystem::path& path) {
   std::ifstream file(path, std::ios::binary);
   if (!file) {
     throw Fault(ExitCode::kInput,
-                "cannot read picture '" + path.string() + "': " + std::generic_category().message(errno));
+                "cannot read picture '" + toName(path) + "': " + std::generic_category().message(errno));
   }
   return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
@@ -59,7 +60,7 @@ std::vector<uint8_t> readBytes(const std::filesystem::path& path) {
 
 cv::Mat readPicture(const std::filesystem::path& path) {
   const auto refuse = [&](const std::string& reason) {
-    throw Fault(ExitCode::kInput, "cannot read picture '" + path.string() + "': " + reason);
+    throw Fault(ExitCode::kInput, "cannot read picture '" + toName(path) + "': " + reason);
   };
   std::error_code notSeen;
   if (std::filesystem::is_directory(path, notSeen)) refuse("it is a folder");
@@ -88,7 +89,7 @@ void writePicture(const std::filesystem::path& path, const cv::Mat& picture) {
   cv::Mat out = picture;
   if (!holdsAlpha || isOpaque(picture)) cv::cvtColor(picture, out, cv::COLOR_BGRA2BGR);
   const auto refuse = [&](const std::string& reason) {
-    throw Fault(ExitCode::kOutput, "cannot write picture '" + path.string() + "': " + reason);
+    throw Fault(ExitCode::kOutput, "cannot write picture '" + toName(path) + "': " + reason);
   };
   if (!cv::haveImageWriter("picture" + extension)) refuse("no format has this extension");
   std::vector<uint8_t> bytes;
@@ -112,7 +113,7 @@ std::vector<std::filesystem::path> picturesIn(const std::filesystem::path& folde
   std::error_code error;
   const std::filesystem::directory_iterator entries(folder, error);
   if (error) {
-    throw Fault(ExitCode::kInput, "cannot read the folder '" + folder.string() + "': " + error.message());
+    throw Fault(ExitCode::kInput, "cannot read the folder '" + toName(folder) + "': " + error.message());
   }
   std::vector<std::filesystem::path> pictures;
   for (const auto& entry : entries) {

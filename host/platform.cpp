@@ -28,17 +28,11 @@ std::vector<std::string> utf8Arguments(int /*argc*/, char** /*argv*/) {
   return arguments;
 }
 
-FILE* openFile(const std::filesystem::path& path, const char* mode) {
-  return _wfopen(path.c_str(), std::filesystem::path(mode).c_str());
-}
-
 void makeBinary(FILE* stream) { _setmode(_fileno(stream), _O_BINARY); }
 
 #else
 
 std::vector<std::string> utf8Arguments(int argc, char** argv) { return {argv, argv + argc}; }
-
-FILE* openFile(const std::filesystem::path& path, const char* mode) { return std::fopen(path.c_str(), mode); }
 
 void makeBinary(FILE* /*stream*/) {}
 

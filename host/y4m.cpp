@@ -6,6 +6,7 @@
 #include <system_error>
 
 #include "host/fault.h"
+#include "host/paths.h"
 #include "host/platform.h"
 
 namespace host {
@@ -38,7 +39,8 @@ void CloseVideoFile::operator()(FILE* file) const {
   if (file != stdin) std::fclose(file);
 }
 
-VideoReader::VideoReader(const std::string& path) : path_(path), file_(path == "-" ? stdin : openFile(path, "rb")) {
+VideoReader::VideoReader(const std::string& path)
+    : path_(path), file_(path == "-" ? stdin : openFile(toPath(path), "rb")) {
   if (file_.get() == stdin) makeBinary(stdin);
   if (!file_) fail("cannot be read: " + std::generic_category().message(errno));
   std::istringstream words(readLine());
@@ -97,7 +99,7 @@ size_t VideoReader::framesAhead() const {
   return (size - static_cast<uintmax_t>(position)) / frameSize;
 }
 
-VideoWriter::VideoWriter(const std::string& path, const VideoFormat& format) : file_(path) {
+VideoWriter::VideoWriter(const std::string& path, const VideoFormat& format) : file_(toPath(path)) {
   const std::string head = "YUV4MPEG2 W" + std::to_string(format.width) + " H" + std::to_string(format.height) + " F" +
                            format.rate + " Ip A" + format.aspect +
                            " C420mpeg2 XYSCSS=420MPEG2 XCOLORRANGE=" + format.range + "\n";

@@ -36,6 +36,12 @@ TEST(Threads, ShareOneBlendTable) {
   for (const auto& table : tables) EXPECT_EQ(table, tables[0]);
 }
 
+// An OpenCV that was built without threads would pass all other tests.
+TEST(Threads, AreThere) {
+  if (std::thread::hardware_concurrency() < 2) GTEST_SKIP() << "one processor";
+  EXPECT_GT(cv::getNumThreads(), 1);
+}
+
 // Loads, first frames and all; on odd threads frames that are spread over a pool.
 TEST(Threads, RenderSideBySide) {
   constexpr int kThreads = 8;

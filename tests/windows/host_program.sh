@@ -37,8 +37,7 @@ cmp é/out.ppm again.ppm || fail 'the same LUT by another path'
 host hdr-luts luts
 {
   printf 'YUV4MPEG2 W16 H16 F25:1 Ip C420mpeg2\nFRAME\n'
-  awk 'BEGIN { for (i = 0; i < 384; ++i) printf "\\%03o", i % 256 }' | xargs -0 printf '%b' 2>/dev/null ||
-    fail 'a frame'
+  LC_ALL=C awk 'BEGIN { for (i = 0; i < 384; ++i) printf "%c", i % 256 }'
 } >in.y4m
 host hdr --luts luts --transfer hlg in.y4m out.y4m
 host hdr --luts luts --transfer hlg - - <in.y4m >piped.y4m
