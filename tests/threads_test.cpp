@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <barrier>
+#include <opencv2/core/utility.hpp>
 #include <thread>
 
 #include "lut/blend_table.h"
