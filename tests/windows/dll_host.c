@@ -136,10 +136,10 @@ static void render_in_a_thread(void) {
 }
 
 int wmain(int argc, wchar_t** argv) {
-  wchar_t folder[MAX_PATH];
+  wchar_t given[MAX_PATH], folder[MAX_PATH];
   int round;
-  if (argc != 3) return 2;
-  swprintf(folder, MAX_PATH, L"%ls\\lumvane \u00e4\u0416\u6f22\U0001f3a8", argv[2]);
+  if (argc != 3 || GetFullPathNameW(argv[2], MAX_PATH, given, NULL) == 0) return 2;
+  swprintf(folder, MAX_PATH, L"%ls\\lumvane \u00e4\u0416\u6f22\U0001f3a8", given);
   CreateDirectoryW(folder, NULL);
 
   /* What has no handle leaves nothing behind. */
