@@ -3,11 +3,9 @@
 
 #include <gtest/gtest.h>
 
-#include <barrier>
 #include <climits>
 #include <cstring>
 #include <new>
-#include <thread>
 
 #include "apply/byte_conversions.h"
 #include "apply/parallel_hdr_lut.h"
@@ -192,28 +190,6 @@ TEST_F(Hdr, StaysBlackAfterADirectoryWithoutFiles) {
   const Object first(empty.path, 0, 0, 8, 8);
   ASSERT_NE(first.handle, nullptr);
   expectFrames(good.path, nullptr, nullptr);
-}
-
-TEST_F(Hdr, LoadsForFirstCreatesAtOnce) {
-  const Look hlg(5, 7), pq(6, 8);
-  const Directory directory(hlg.text, pq.text);
-  for (int round = 0; round < 3; ++round) {
-    dropHdrData();
-    std::barrier atOnce(8);
-    std::vector<std::thread> threads;
-    for (int i = 0; i < 8; ++i) {
-      threads.emplace_back([&, usePq = i % 2] {
-        Planes src(120, 90, 0), dst(120, 90, 0);
-        src.fillWithNoise(9);
-        atOnce.arrive_and_wait();
-        const Object object(directory.path, 1, usePq, 120, 90);
-        src.process(object.handle, dst, 0);
-        const Planes expected = expectedFrame(src, usePq != 0 ? &pq.lut : &hlg.lut, true, 0);
-        for (int plane = 0; plane < 3; ++plane) EXPECT_TRUE(dst.bytes[plane] == expected.bytes[plane]);
-      });
-    }
-    for (std::thread& thread : threads) thread.join();
-  }
 }
 
 TEST_F(Hdr, RefusesFramesThatDoNotFit) {

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <climits>
-#include <thread>
 
 #include "lumvane.h"
 #include "tests/inputs.h"
@@ -140,24 +139,6 @@ TEST(LutEffect, RaisesOddValuesThroughAnIdentityTable) {
   effect.process(dst, src, 100);
   EXPECT_EQ(std::vector(dst.data(), dst.data() + 12),
             (std::vector<uint8_t>{10, 10, 10, 255, 12, 12, 12, 255, 50, 101, 201, 255}));
-}
-
-TEST(LutEffect, RunsSideBySideInThreads) {
-  const TemporaryFile file("negative.cube", negativeCube());
-  Frame src(320, 200), expected(320, 200);
-  src.fillWithNoise(5);
-  Effect(file.utf16()).process(expected, src, 60);
-  std::vector<Frame> results(4, Frame(320, 200));
-  std::vector<std::thread> threads;
-  for (Frame& dst : results) {
-    threads.emplace_back([&] {
-      const Effect effect(file.utf16());
-      Frame own = src;
-      for (int i = 0; i < 20; ++i) effect.process(dst, own, 60);
-    });
-  }
-  for (std::thread& thread : threads) thread.join();
-  for (const Frame& dst : results) EXPECT_EQ(dst.bytes, expected.bytes);
 }
 
 }  // namespace
