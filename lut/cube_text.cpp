@@ -1,14 +1,33 @@
 #include "lut/cube_text.h"
 
-#include <locale>
-#include <sstream>
+#include <charconv>
 #include <utility>
+
+#include "lut/number_scan.h"
 
 namespace Lumvane {
 namespace {
 
 constexpr int kSmallestSize = 2;
 constexpr int kLargestSizeInHeader = 256;  // what a header may ask for; each table sets a limit of its own
+
+// False when there are fewer than three numbers; those that are there are stored.
+bool extractColor(const char* text, const char* end, float (&values)[3]) {
+  for (float& value : values) {
+    text = extractNumber(text, end, value);
+    if (text == nullptr) return false;
+  }
+  return true;
+}
+
+// 0 when there is no number, or one beyond the range.
+int extractSize(const char* text, const char* end) {
+  while (text != end && isSpace(*text)) ++text;
+  if (text != end && *text == '+') ++text;
+  int size = 0;
+  std::from_chars(text, end, size);
+  return size;
+}
 
 }  // namespace
 
@@ -18,25 +37,22 @@ CubeHeader readCubeHeader(LineBuffer& text, char separator, LutStatus& status) {
   bool minSeen = false;
   bool maxSeen = false;
   while (status == statusOk) {
-    const std::string line(readLine(text, separator, status));
+    const std::string_view line = readLine(text, separator, status);
     if (status != statusOk) break;
-
-    std::istringstream words(line);
-    words.imbue(std::locale::classic());
-    words.exceptions(std::ios_base::badbit);  // or a stream takes memory that has run out for a faulty text
-    std::string keyword;
-    words >> keyword;
+    const std::string_view keyword = firstToken(line);
     if (beginsTable(keyword)) {
       text.putBack();
       break;
     }
+    bool failed = keyword.empty();
+    const char* const behind = keyword.data() + keyword.size();
+    const char* const end = line.data() + line.size();
     if (keyword == "DOMAIN_MIN" && !std::exchange(minSeen, true)) {
-      words >> header.domainMin[0] >> header.domainMin[1] >> header.domainMin[2];
+      failed = !extractColor(behind, end, header.domainMin);
     } else if (keyword == "DOMAIN_MAX" && !std::exchange(maxSeen, true)) {
-      words >> header.domainMax[0] >> header.domainMax[1] >> header.domainMax[2];
+      failed = !extractColor(behind, end, header.domainMax);
     } else if (keyword == "LUT_3D_SIZE" && !std::exchange(sizeSeen, true)) {
-      int size = 0;
-      words >> size;
+      const int size = extractSize(behind, end);
       if (size < kSmallestSize || size > kLargestSizeInHeader) {
         status = statusSizeInvalid;
         break;
@@ -44,7 +60,7 @@ CubeHeader readCubeHeader(LineBuffer& text, char separator, LutStatus& status) {
       header.latticeSize = size;
     }
     header.hasLines = true;
-    if (words.fail()) status = statusReadFailed;
+    if (failed) status = statusReadFailed;
   }
 
   if (status == statusOk && !sizeSeen) status = statusSizeInvalid;

@@ -15,6 +15,9 @@
 
 namespace Lumvane {
 
+/// White space as the C locale has it.
+inline bool isSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+
 /// Returns what ends the lines of the text, LF or CR, from the first one; sets `status` to statusLineTooLong when no
 /// terminator stands within the first 252 bytes, also when the text is shorter than that. To be called ahead of all
 /// reading, and reads nothing.

@@ -6,6 +6,7 @@
 
 #include <cmath>
 #include <cstring>
+#include <limits>
 #include <memory>
 #include <random>
 #include <sstream>
@@ -13,6 +14,7 @@
 
 #include "lut/cube_lut.h"
 #include "lut/decimal.h"
+#include "lut/number_scan.h"
 
 namespace Lumvane {
 namespace {
@@ -156,6 +158,83 @@ TEST(LutText, ReadsDecimalsBetweenTwoFloats) {
     EXPECT_EQ(scanDecimal(text, value), nullptr) << text;
   }
 }
+
+struct OddNumber {
+  const char* text;
+  bool scanned, extracted;  ///< whether each way takes a number from it
+  float value;
+  const char* behindScan = "";
+};
+
+// Values in which C libraries differ, or that their locale would decide.
+TEST(LutText, ScansOddNumbersAsEverywhere) {
+  constexpr float kInfinity = std::numeric_limits<float>::infinity();
+  for (const OddNumber& odd : std::initializer_list<OddNumber>{{" \t+1.5e2", true, true, 150.0f},
+                                                               {"0,5", true, true, 0.0f, ",5"},
+                                                               {"1.2.3", true, true, 1.2f, ".3"},
+                                                               {"1e", true, false, 1.0f},
+                                                               {"1e+", true, false, 1.0f},
+                                                               {"1e5e5", true, true, 1e5f, "e5"},
+                                                               {"0x1.8P1", true, true, 3.0f},
+                                                               {"0x.", true, true, 0.0f},
+                                                               {"0x", false, true, 0.0f},
+                                                               {"-Inf", true, false, -kInfinity},
+                                                               {"infinity", true, false, kInfinity},
+                                                               {"infin", false, false, 0.0f},
+                                                               {"nan(1)", true, false, NAN, "(1)"},
+                                                               {"na", false, false, 0.0f},
+                                                               {"-1e-60", true, true, -0.0f},
+                                                               {"1e-45", true, true, 1.4e-45f},
+                                                               {"1e39", true, false, kInfinity},
+                                                               {"-0x1p999", true, true, -kInfinity},
+                                                               {"0x1p-999", true, true, 0.0f},
+                                                               {"1e99999999999999999999", true, false, kInfinity},
+                                                               {".", false, false, 0.0f},
+                                                               {"-", false, false, 0.0f},
+                                                               {"- 1", false, false, 0.0f},
+                                                               {"", false, false, 0.0f}}) {
+    const char* const end = odd.text + std::strlen(odd.text);
+    float value = 7.0f;
+    const char* behind = scanNumber(odd.text, end, value);
+    ASSERT_EQ(behind != nullptr, odd.scanned) << odd.text;
+    if (behind == nullptr) {
+      EXPECT_EQ(value, 7.0f) << odd.text;
+    } else {
+      EXPECT_STREQ(behind, odd.behindScan);
+    }
+    float extracted = 7.0f;
+    EXPECT_EQ(extractNumber(odd.text, end, extracted) != nullptr, odd.extracted) << odd.text;
+    if (odd.scanned && !std::isnan(odd.value)) {
+      EXPECT_EQ(std::memcmp(&value, &odd.value, sizeof value), 0) << odd.text;
+    }
+  }
+}
+
+#ifdef __GLIBC__
+TEST(LutText, ScansAsTheCLibraryDoes) {
+  std::mt19937 random(5);
+  const std::string pieces[] = {"0", "1",  "9", "25", ".", "e",  "E",   "+",  "-",
+                                "x", "0x", "p", "a",  " ", "\t", "inf", "nan"};
+  for (int i = 0; i < 500000; ++i) {
+    std::string text;
+    for (auto count = random() % 10; count != 0; --count) text += pieces[random() % std::size(pieces)];
+    float expected[3] = {7, 7, 7}, values[3] = {7, 7, 7};
+    std::sscanf(text.c_str(), "%f %f %f", &expected[0], &expected[1], &expected[2]);
+    scanRow(text, values);
+    ASSERT_EQ(std::memcmp(values, expected, sizeof values), 0) << text;
+
+    std::istringstream stream(text);
+    const char* behind = text.c_str();
+    float streamed, extracted;
+    while (stream >> streamed) {
+      behind = extractNumber(behind, text.c_str() + text.size(), extracted);
+      ASSERT_NE(behind, nullptr) << text;
+      ASSERT_EQ(std::memcmp(&extracted, &streamed, sizeof streamed), 0) << text;
+    }
+    ASSERT_EQ(extractNumber(behind, text.c_str() + text.size(), extracted), nullptr) << text;
+  }
+}
+#endif
 
 }  // namespace
 }  // namespace Lumvane
