@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <cstring>
 #include <memory>
 #include <sstream>
 
@@ -102,17 +101,6 @@ TEST(CubeReader, RunsRedFastestAndBlueSlowest) {
   }
   EXPECT_EQ(lut->latticeSize, 2);
   EXPECT_EQ(lut->lattice[2][0][0][2], 0.0f);
-}
-
-TEST(CubeReader, TakesEveryLineEnd) {
-  const std::string text = "# first\n\nLUT_3D_SIZE 2\n" + replaced(kRows, "0.4", "\n# between\n0.4");
-  const auto expected = read(text);
-  ASSERT_EQ(expected->status, 0);
-  for (const char* end : {"\r", "\r\n"}) {
-    const auto lut = read(replaced(text, "\n", end));
-    EXPECT_EQ(lut->status, 0);
-    EXPECT_EQ(std::memcmp(lut->lattice, expected->lattice, sizeof lut->lattice), 0);
-  }
 }
 
 // The third row of the table is replaced, behind 0.1 0 1; what counts is what stands at its point.
