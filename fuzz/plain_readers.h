@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstdint>
 #include <cstdio>
 #include <sstream>
@@ -20,6 +21,7 @@ struct PlainTable {
   int32_t size = 0;                        ///< 0 when the header gives none
   bool hasLines = false;                   ///< .cube: some header line was taken
   std::vector<std::array<float, 3>> rows;  ///< all that were read ahead of a failure, on the scale of 0.0 to 255.0
+  bool rowsCertain = true;                 ///< false with numbers that the C library does not take to the nearest float
 };
 
 class PlainLines {
@@ -62,6 +64,11 @@ void readPlainRows(PlainLines& lines, std::string line, PlainTable& table, const
     if (line.empty()) line = lines.next();
     if (table.status != 0) return;
     std::sscanf(line.c_str(), "%f %f %f", &row[0], &row[1], &row[2]);
+    // glibc 2.36 rounds hexadecimal numbers below the normal floats down.
+    const bool hex = line.find_first_of("xX") != std::string::npos;
+    if (hex && std::any_of(row.begin(), row.end(), [](float v) { return std::abs(v) < 0x1p-126f; })) {
+      table.rowsCertain = false;
+    }
     table.rows.push_back({scale(row[0], 0), scale(row[1], 1), scale(row[2], 2)});
   }
 }

@@ -24,6 +24,7 @@ inline void checkInterpolationTables(int32_t size, const float (&fraction)[256],
 /// number of its row's index that changes slowest, of the middle one, and of the fastest.
 template <class PointAt>
 void checkPoints(const PlainTable& expected, const PointAt& pointAt) {
+  if (!expected.rowsCertain) return;
   size_t i = 0;
   const auto same = [](float a, float b) { return a == b || (std::isnan(a) && std::isnan(b)); };
   for (int slow = 0; slow < expected.size; ++slow) {

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <thread>
 #include <utility>
 #include <vector>
 
@@ -68,14 +67,6 @@ TEST(BlendTable, MixIsTheTruncatedWeightedMean) {
       }
     }
   }
-}
-
-TEST(BlendTable, IsBuiltOnceForAllThreads) {
-  std::vector<const Table*> tables(8);
-  std::vector<std::thread> threads;
-  for (const Table*& table : tables) threads.emplace_back([&table] { table = acquireTable().get(); });
-  for (std::thread& thread : threads) thread.join();
-  for (const Table* table : tables) EXPECT_EQ(table, acquireTable().get());
 }
 
 }  // namespace

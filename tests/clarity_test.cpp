@@ -147,20 +147,6 @@ TEST(Clarity, TurnsUniformFramesIntoTheirKnownColours) {
   }
 }
 
-TEST(Clarity, GivesTheSameBytesForEveryThreadCount) {
-  Frame src(333, 217), first(333, 217);
-  fillWithWaves(src);
-  const int threads = cv::getNumThreads();
-  for (const int count : {1, 2, 7}) {
-    cv::setNumThreads(count);
-    Frame dst(333, 217);
-    Clarity(333, 217, 30, 90).process(dst, src);
-    if (count == 1) first = dst;
-    EXPECT_EQ(dst.bytes, first.bytes) << count;
-  }
-  cv::setNumThreads(threads);
-}
-
 TEST(Clarity, RejectsWhatIsNoFrameAndLeavesTheDestination) {
   const Clarity clarity(16, 16, 50, 50);
   Frame src(16, 16), dst(16, 16);
@@ -186,43 +172,12 @@ TEST(Clarity, RejectsWhatIsNoFrameAndLeavesTheDestination) {
 }
 
 TEST(ClarityPyramid, HasALevelForEachHalvingOfTheShorterSide) {
-  for (const auto& [side, levels] : {std::pair{INT_MIN, 1},
-                                     {0, 1},
-                                     {1, 1},
-                                     {2, 2},
-                                     {3, 3},
-                                     {4, 3},
-                                     {5, 4},
-                                     {8, 4},
-                                     {9, 5},
-                                     {16, 5},
-                                     {17, 6},
-                                     {32, 6},
-                                     {33, 7},
-                                     {64, 7},
-                                     {65, 8},
-                                     {INT_MAX, 8}}) {
+  const std::pair<int, int> cases[] = {{INT_MIN, 1}, {0, 1},  {1, 1},  {2, 2},      {3, 3},  {4, 3},
+                                       {5, 4},       {8, 4},  {9, 5},  {16, 5},     {17, 6}, {32, 6},
+                                       {33, 7},      {64, 7}, {65, 8}, {INT_MAX, 8}};
+  for (const auto& [side, levels] : cases) {
     EXPECT_EQ(Lumvane::clarityLevelCount(side, INT_MAX), levels) << side;
     EXPECT_EQ(Lumvane::clarityLevelCount(5000, side), levels) << side;
-  }
-}
-
-TEST(ClarityPyramid, HalvesDownToItsCoarsestLevel) {
-  Lumvane::ClarityPyramid pyramid;
-  Lumvane::buildClarityPyramid(cv::Mat(1080, 1920, CV_32FC1, cv::Scalar(0.5)), 8, pyramid);
-  EXPECT_EQ(pyramid.gaussian.back().size(), cv::Size(15, 9));
-  Lumvane::collapseClarityPyramid(pyramid);
-  for (size_t i = 1; i < 7; ++i) {
-    EXPECT_EQ(pyramid.coarse[i].size(), pyramid.gaussian[i].size()) << i;
-    EXPECT_EQ(pyramid.rebuilt[i].size(), pyramid.gaussian[i].size()) << i;
-  }
-  // A side of 1 stops it; what is not halved has no detail.
-  for (const int levels : {3, 1, 0}) {
-    const cv::Mat column = cv::Mat(9, 1, CV_32FC1, cv::Scalar(0.25));
-    Lumvane::buildClarityPyramid(column, levels, pyramid);
-    EXPECT_EQ(pyramid.gaussian.back().size(), column.size());
-    Lumvane::collapseClarityPyramid(pyramid);
-    EXPECT_EQ(cv::countNonZero(pyramid.rebuilt[levels > 1 ? 1 : 0] != column), 0);
   }
 }
 
@@ -266,17 +221,6 @@ TEST(ClarityRows, MatchTheReference) {
     for (size_t i = 0; i < value.size(); ++i) {
       const auto expected = reference::decode(&pixels[4 * i], factor);
       ASSERT_TRUE(hue[i] == expected.h && saturation[i] == expected.s && value[i] == expected.v) << blue << " " << i;
-    }
-  }
-}
-
-TEST(ClarityRows, RaiseSmallDifferencesMost) {
-  for (const auto& [d, factor] : {std::pair{0.001f, 1.55f}, {0.15f, 1.3336f}, {0.3f, 1.0744f}, {0.5f, 1.0021f}}) {
-    for (const float sign : {1.0f, -1.0f}) {
-      const float fine = sign * d, coarse = 0.0f, base = 0.0f;
-      float out = 0.0f;
-      Lumvane::plain::detailRow(&fine, &coarse, 22.222221f, 0.55f, &base, &out, 1);
-      EXPECT_NEAR(out, fine * factor, 1e-4f * d) << d;
     }
   }
 }

@@ -1,9 +1,6 @@
 #include <gtest/gtest.h>
 
-#include <clocale>
 #include <cmath>
-#include <cstring>
-#include <locale>
 #include <memory>
 #include <sstream>
 
@@ -106,17 +103,6 @@ TEST(CubeReader, RunsRedFastestAndBlueSlowest) {
   EXPECT_EQ(lut->lattice[2][0][0][2], 0.0f);
 }
 
-TEST(CubeReader, TakesEveryLineEnd) {
-  const std::string text = "# first\n\nLUT_3D_SIZE 2\n" + replaced(kRows, "0.4", "\n# between\n0.4");
-  const auto expected = read(text);
-  ASSERT_EQ(expected->status, 0);
-  for (const char* end : {"\r", "\r\n"}) {
-    const auto lut = read(replaced(text, "\n", end));
-    EXPECT_EQ(lut->status, 0);
-    EXPECT_EQ(std::memcmp(lut->lattice, expected->lattice, sizeof lut->lattice), 0);
-  }
-}
-
 // The third row of the table is replaced, behind 0.1 0 1; what counts is what stands at its point.
 TEST(CubeReader, ReadsRowsAsAFormattedScanDoes) {
   struct Case {
@@ -157,22 +143,6 @@ TEST(CubeReader, ScalesByTheDomainWithoutAnOffset) {
   EXPECT_EQ(value("DOMAIN_MIN 0.2 0.2 0.2\n" + rows, 0), 0.7f * ((1.0f - 0.2f) * 255.0f));
   EXPECT_EQ(value("DOMAIN_MIN -1 0 0\nDOMAIN_MAX 1 1 3\n" + rows, 0), 0.7f * 510.0f);
   EXPECT_EQ(value("DOMAIN_MIN -1 0 0\nDOMAIN_MAX 1 1 3\n" + rows, 2), 0.7f * 765.0f);
-}
-
-TEST(CubeReader, IgnoresTheLocaleOfTheHost) {
-  struct CommaPunctuation : std::numpunct<char> {
-    char do_decimal_point() const override { return ','; }
-  };
-  const std::string text = "DOMAIN_MIN 0.5 0.5 0.5\nLUT_3D_SIZE 2\n" + replaced(kRows, "0.2 0 1", "0x1.8p0 0.25 0.25");
-  const std::locale before = std::locale::global(std::locale(std::locale::classic(), new CommaPunctuation));
-  const bool commaInC = std::setlocale(LC_NUMERIC, "de_DE.UTF-8") != nullptr;
-  const auto lut = read(text);
-  std::setlocale(LC_NUMERIC, "C");
-  std::locale::global(before);
-  EXPECT_EQ(lut->status, 0);
-  EXPECT_EQ(lut->lattice[0][1][0][0], 1.5f * 127.5f);
-  EXPECT_EQ(lut->lattice[0][1][0][1], 0.25f * 127.5f);
-  if (!commaInC) GTEST_SKIP() << "locale de_DE.UTF-8 is not installed; the C library kept its decimal point";
 }
 
 }  // namespace

@@ -6,7 +6,7 @@
 #include <new>
 
 // Sanitizers bring a malloc family of their own.
-#if defined(__GLIBC__) && !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+#if defined(__GLIBC__) && !defined(LUMVANE_SANITIZED)
 #define LUMVANE_OWN_MALLOC 1
 #endif
 

@@ -95,7 +95,7 @@ const Kind kKinds[] = {
 
 void expectSameFill(const HdrLatticeView& lattice, const std::string& what) {
   std::vector<RGB8> expected(65536), found(65536);
-  for (int r = 0; r < 256; ++r) {
+  for (int r = 0; r < 256; r += test::kStep) {
     plain::hdrCacheFill(lattice, static_cast<uint8_t>(r), expected.data());
     hdrCacheFill(lattice, static_cast<uint8_t>(r), found.data());
     ASSERT_EQ(std::memcmp(expected.data(), found.data(), expected.size() * sizeof(RGB8)), 0) << what << ", red " << r;

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <climits>
-#include <thread>
 
 #include "lumvane.h"
 #include "tests/inputs.h"
@@ -110,54 +109,6 @@ TEST(LutEffect, FadesByStrength) {
     EXPECT_EQ(dst.data()[1], expected) << strength;
     EXPECT_EQ(dst.data()[3], s == 0 ? 7 : 255) << strength;
   }
-}
-
-TEST(LutEffect, MultipliesByAlphaAndKeepsIt) {
-  const TemporaryFile file("flat.cube", flatCube("0.7529411765 0.5019607843 0.2509803922"));
-  const Effect effect(file.utf16());
-  for (const auto& [alpha, red, green, blue] : {std::array{255, 192, 128, 64}, {128, 96, 64, 32}, {0, 0, 0, 0}}) {
-    Frame src(1, 1), dst(1, 1);
-    src.data()[3] = static_cast<uint8_t>(alpha);
-    effect.process(dst, src, 100);
-    EXPECT_EQ(std::vector(dst.data(), dst.data() + 4),
-              (std::vector<uint8_t>{static_cast<uint8_t>(blue), static_cast<uint8_t>(green), static_cast<uint8_t>(red),
-                                    static_cast<uint8_t>(alpha)}));
-  }
-}
-
-// The conversion to bytes rounds up between whole numbers and odd ones to even, so an identity table shows.
-TEST(LutEffect, RaisesOddValuesThroughAnIdentityTable) {
-  std::string text = "LUT_3D_SIZE 33\n";
-  for (int i = 0; i < 33 * 33 * 33; ++i) {
-    for (const int index : {i % 33, i / 33 % 33, i / 33 / 33}) text += std::to_string(index / 32.0) + " ";
-    text += "\n";
-  }
-  const TemporaryFile file("identity.cube", text);
-  const Effect effect(file.utf16());
-  Frame src(3, 1), dst(3, 1);
-  const std::vector<uint8_t> pixels = {10, 10, 10, 255, 11, 11, 11, 255, 50, 100, 200, 255};
-  std::copy(pixels.begin(), pixels.end(), src.data());
-  effect.process(dst, src, 100);
-  EXPECT_EQ(std::vector(dst.data(), dst.data() + 12),
-            (std::vector<uint8_t>{10, 10, 10, 255, 12, 12, 12, 255, 50, 101, 201, 255}));
-}
-
-TEST(LutEffect, RunsSideBySideInThreads) {
-  const TemporaryFile file("negative.cube", negativeCube());
-  Frame src(320, 200), expected(320, 200);
-  src.fillWithNoise(5);
-  Effect(file.utf16()).process(expected, src, 60);
-  std::vector<Frame> results(4, Frame(320, 200));
-  std::vector<std::thread> threads;
-  for (Frame& dst : results) {
-    threads.emplace_back([&] {
-      const Effect effect(file.utf16());
-      Frame own = src;
-      for (int i = 0; i < 20; ++i) effect.process(dst, own, 60);
-    });
-  }
-  for (std::thread& thread : threads) thread.join();
-  for (const Frame& dst : results) EXPECT_EQ(dst.bytes, expected.bytes);
 }
 
 }  // namespace

@@ -12,7 +12,7 @@
 #include "tests/effects.h"
 #include "tests/failing_allocator.h"
 
-#ifdef __SANITIZE_ADDRESS__
+#ifdef LUMVANE_SANITIZED
 // What Call::mayLose tells of.
 extern "C" const char* __lsan_default_suppressions();
 const char* __lsan_default_suppressions() { return "leak:cv::fastMalloc\n"; }

@@ -46,23 +46,5 @@ TEST(NLEAdjustColorEffect, KeepsParametersByTheirExactNames) {
   EXPECT_EQ(value.number, 3u);
 }
 
-TEST(NLEAdjustColorEffect, DoesNothingByItself) {
-  const auto context = std::make_shared<int>(1);
-  {
-    NLEAdjustColorEffect effect(context);
-    const cv::Mat attached(2, 2, CV_8UC1, cv::Scalar(9));
-    effect.SetAttachedMat(attached);
-    effect.SetAttachedMat(effect.attachedMat);
-    EXPECT_EQ(effect.attachedMat.data, attached.data);
-    EXPECT_EQ(effect.Init(1, 2, 3, 4, 5), 0);
-    EXPECT_EQ(effect.Process({}, {}, {}, 1, 1, 4), 0);
-    EXPECT_EQ(effect.ReservedInt(), 0);
-    EXPECT_FALSE(effect.ReservedFlag());
-    EXPECT_EQ(effect.ReservedPair(), std::pair(uint64_t{0}, uint64_t{0}));
-    EXPECT_EQ(context.use_count(), 2);
-  }
-  EXPECT_EQ(context.use_count(), 1);
-}
-
 }  // namespace
 }  // namespace Lumvane

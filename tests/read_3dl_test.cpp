@@ -1,17 +1,13 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <cstring>
 #include <memory>
 #include <sstream>
 
 #include "lut/cube_lut.h"
-#include "tests/inputs.h"
 
 namespace Lumvane {
 namespace {
-
-using test::replaced;
 
 std::unique_ptr<CubeLut> read(const std::string& text) {
   auto lut = std::make_unique<CubeLut>();
@@ -79,23 +75,6 @@ TEST(Reader3dl, RunsBlueFastestOnATwelveBitScale) {
     EXPECT_EQ(point[2], 510.0f) << row;
   }
   EXPECT_EQ(lut->cell[255], 2);
-}
-
-TEST(Reader3dl, TakesTheShapesFoundInTheField) {
-  const std::string text = "3DMESH\n" + mesh(3) + rows(27);
-  const auto expected = read(text);
-  for (const auto& [what, with] : {std::pair{"\n", "\r\n"},
-                                   {"\n", "\r"},
-                                   {" 4095 ", "\t4095\t"},
-                                   {" 8190\n", " 8190 \n"},
-                                   {"\n7 ", "\n\t 7.0 "}}) {
-    // A line of the mesh must stay as it is: only what belongs to rows is replaced, or the line ends.
-    const auto lut = read(replaced(text, what, with));
-    EXPECT_EQ(lut->status, 0) << with;
-    EXPECT_EQ(std::memcmp(lut->lattice, expected->lattice, sizeof lut->lattice), 0) << with;
-  }
-  // A short row repeats the one before it.
-  EXPECT_EQ(read(replaced(text, "\n7 4095 8190", "\nx"))->lattice[0][2][1][0], expected->lattice[0][2][0][0]);
 }
 
 TEST(Reader3dl, SplitsFieldsAtEveryBlank) {

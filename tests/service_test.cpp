@@ -18,7 +18,7 @@ long residentKiB() {
 }
 
 // Sanitizers keep freed memory for a while.
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#ifdef LUMVANE_SANITIZED
 constexpr long kMostGrowthKiB = 600 << 10;
 constexpr int kShare = 10;
 #else

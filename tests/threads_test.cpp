@@ -1,4 +1,4 @@
-// What threads share while each works on objects of its own. The first creates of HDR at once are in hdr_test.cpp.
+// What threads share while each works on objects of its own: also what the thread sanitizer gets to see.
 
 #include <gtest/gtest.h>
 
@@ -6,6 +6,7 @@
 #include <opencv2/core/utility.hpp>
 #include <thread>
 
+#include "hdr/hdr_shared.h"
 #include "lut/blend_table.h"
 #include "tests/effects.h"
 
@@ -54,6 +55,30 @@ TEST(Threads, RenderSideBySide) {
   for (int round = 0; round < 3; ++round) {
     atOnce(kThreads, [&](int i) { results[i] = render(i); });
     for (int i = 0; i < kThreads; ++i) EXPECT_TRUE(results[i] == render(i)) << "thread " << i;
+  }
+}
+
+// The first of them loads the files, and the others wait for it; all use what it loaded.
+TEST(Threads, LoadHdrOnce) {
+  constexpr int kThreads = 8, kWidth = 120, kHeight = 90;
+  const test::LutFolder folder;
+  const std::vector<uint8_t> src = test::noise(kWidth * kHeight * 3 / 2, 1);
+  std::vector<uint8_t> results[kThreads];
+  const auto convert = [&](int i) {
+    std::vector<uint8_t> planes = src;
+    uint8_t* const y = planes.data();
+    uint8_t* const v = y + kWidth * kHeight;
+    uint8_t* const u = v + kWidth * kHeight / 4;
+    void* const object = CreateVideoAdjustColor(folder.path.c_str(), 0, 1, i % 2, kWidth, kHeight);
+    VideoAdjustColorProcess(object, y, v, u, kWidth, kWidth / 2, kWidth / 2, 0, 0, y, v, u);
+    DestroyVideoAdjustColor(object);
+    return planes;
+  };
+  for (int round = 0; round < 3; ++round) {
+    Lumvane::dropHdrData();
+    atOnce(kThreads, [&](int i) { results[i] = convert(i); });
+    Lumvane::dropHdrData();
+    for (int i = 0; i < kThreads; ++i) EXPECT_TRUE(results[i] == convert(i)) << "thread " << i;
   }
 }
 

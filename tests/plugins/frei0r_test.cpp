@@ -76,23 +76,6 @@ class EveryPlugin : public testing::TestWithParam<std::string> {
 
 INSTANTIATE_TEST_SUITE_P(, EveryPlugin, testing::ValuesIn(kNames), [](const auto& info) { return info.param; });
 
-TEST_P(EveryPlugin, ListsItself) {
-  f0r_plugin_info_t info;
-  plugin.info(&info);
-  EXPECT_EQ(info.plugin_type, F0R_PLUGIN_TYPE_FILTER);
-  EXPECT_EQ(info.color_model, F0R_COLOR_MODEL_BGRA8888);
-  EXPECT_EQ(info.frei0r_version, FREI0R_MAJOR_VERSION);
-  EXPECT_EQ(info.num_params, 2);
-  for (int i = 0; i < info.num_params; ++i) {
-    f0r_param_info_t parameter;
-    plugin.paramInfo(&parameter, i);
-    EXPECT_EQ(parameter.type, isLut(GetParam()) && i == 0 ? F0R_PARAM_STRING : F0R_PARAM_DOUBLE);
-    for (const std::string text : {info.name, info.explanation, parameter.name, parameter.explanation}) {
-      EXPECT_TRUE(std::all_of(text.begin(), text.end(), [](char c) { return c >= ' ' && c <= '~'; })) << text;
-    }
-  }
-}
-
 TEST_P(EveryPlugin, RefusesSizesThatNoFrameHas) {
   for (const auto& [width, height] : {std::pair{0u, 480u}, {640u, 0u}, {1u << 30, 1u}, {1u, 1u << 31}}) {
     EXPECT_EQ(plugin.construct(width, height), nullptr) << width << " x " << height;
