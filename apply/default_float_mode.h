@@ -13,8 +13,8 @@ namespace Lumvane {
 /// made the pool; bytes must not depend on that, and a trap would end the host. Behind it the mode is as before, and no
 /// exception flag is raised.
 ///
-/// On x86 by the control register itself: <cfenv> also sets the mode of the older x87 unit, which nothing here computes
-/// with, and mingw-w64's leaves the one that counts as it is.
+/// On x86 by the control register itself: <cfenv> also sets the mode of the older x87 unit, where nothing is computed that
+/// could be rounded, and mingw-w64's leaves the one that counts as it is.
 ///
 /// Compilers may take arithmetic of the same function out of its life: what is to be computed under it belongs into
 /// functions of another file.

@@ -17,7 +17,7 @@ constexpr uint8_t kSectors[6][3] = {{1, 3, 0}, {1, 0, 2}, {3, 0, 1}, {0, 2, 1}, 
 
 // The exponential of x from -32 to 0, rounded correctly to single precision: by way of double precision, from the entry of
 // the table that is nearest and a Taylor series for what remains, at most 1 / 512. C libraries differ here: glibc 2.36's
-// own single-precision function is off in the last bit for one argument in some ten thousand, others in double precision.
+// single-precision function is off in the last bit now and then, others' double-precision one by more than its last bit.
 float exponential(float x) {
   constexpr double kSteps = ExponentialTable::kStepsPerUnit;
   const int step = static_cast<int>(std::min(double{ExponentialTable::kSize - 1}, -double{x} * kSteps + 0.5));

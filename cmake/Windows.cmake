@@ -4,9 +4,7 @@ set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)  # programs find t
 set_target_properties(lumvane PROPERTIES
   PREFIX ""
   IMPORT_PREFIX ""
-  IMPORT_SUFFIX .lib  # which the linkers of all compilers look for
   RUNTIME_OUTPUT_DIRECTORY ${CMAKE_RUNTIME_OUTPUT_DIRECTORY})
-target_link_options(lumvane PRIVATE LINKER:--output-def,${PROJECT_BINARY_DIR}/lumvane.def)
 configure_file(${CMAKE_CURRENT_LIST_DIR}/version.rc.in ${PROJECT_BINARY_DIR}/version.rc @ONLY)
 target_sources(lumvane PRIVATE ${PROJECT_BINARY_DIR}/version.rc)
 target_sources(lumvane_objects PRIVATE apply/keep_loaded_windows.cpp)

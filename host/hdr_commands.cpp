@@ -58,7 +58,7 @@ void requireLut(const HdrOptions& options) {
 
 void convert(const HdrOptions& options) {
   std::error_code notThere;
-  if (fs::equivalent(options.input, options.output, notThere)) {
+  if (fs::equivalent(toPath(options.input), toPath(options.output), notThere)) {
     throw Fault(ExitCode::kUsage, "'" + options.output + "' would be written over, and it is to be read");
   }
   requireLut(options);

@@ -69,8 +69,8 @@ int main(int argc, char** argv) {
     std::cerr << "lumvane-host: there is no subcommand '" << argv[1] << "'; --help names them\n";
     return static_cast<int>(host::ExitCode::kUsage);
   }
+  const std::vector<std::string> arguments = host::utf8Arguments(argc, argv);
   try {
-    const std::vector<std::string> arguments = host::utf8Arguments(argc, argv);
     app.parse(std::vector(arguments.rbegin(), arguments.rend() - 1));  // the last one first, no name of the program
     return 0;
   } catch (const CLI::ParseError& error) {

@@ -4,14 +4,39 @@
 
 #include "host/fault.h"
 
+#ifdef _WIN32
+#include <windows.h>
+#endif
+
 namespace host {
 
 std::filesystem::path toPath(const std::string& name) { return std::u8string(name.begin(), name.end()); }
 
+#ifdef _WIN32
+
 std::string toName(const std::filesystem::path& path) {
-  const std::u8string name = path.u8string();
-  return {name.begin(), name.end()};
+  const std::wstring& wide = path.native();
+  const auto units = static_cast<int>(wide.size());
+  std::string name(size_t{3} * wide.size(), '\0');
+  const int bytes = static_cast<int>(name.size());
+  name.resize(
+      static_cast<size_t>(WideCharToMultiByte(CP_UTF8, 0, wide.data(), units, name.data(), bytes, nullptr, nullptr)));
+  return name;
 }
+
+std::filesystem::path foldedCase(const std::filesystem::path& path) {
+  std::wstring wide = path.native();
+  CharLowerBuffW(wide.data(), static_cast<DWORD>(wide.size()));
+  return wide;
+}
+
+#else
+
+std::string toName(const std::filesystem::path& path) { return path.string(); }
+
+std::filesystem::path foldedCase(const std::filesystem::path& path) { return path; }
+
+#endif
 
 std::u16string libraryPath(const std::string& name) {
   try {

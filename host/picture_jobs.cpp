@@ -42,7 +42,7 @@ void refuseOverwriting(const std::vector<Job>& jobs, bool compare) {
   for (const Job& job : jobs) inputs.emplace(fs::file_size(job.input, notThere), &job.input);
   std::set<fs::path> taken;
   for (const fs::path& output : outputs) {
-    if (!taken.insert(output.lexically_normal()).second) {
+    if (!taken.insert(foldedCase(output.lexically_normal())).second) {
       throw Fault(ExitCode::kUsage, "two pictures would go to '" + toName(output) + "'");
     }
     const auto [first, last] = inputs.equal_range(fs::file_size(output, notThere));

@@ -11,6 +11,9 @@ namespace host {
 /// the program prints UTF-8 there.
 std::vector<std::string> utf8Arguments(int argc, char** argv);
 
+/// Whether the standard error stream is a terminal on which a line can be drawn over.
+bool errorStreamIsTerminal();
+
 /// Keeps the system from translating the ends of lines on the standard input or output.
 void makeBinary(FILE* stream);
 

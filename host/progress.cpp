@@ -3,24 +3,13 @@
 #include <algorithm>
 #include <cstdio>
 #include <utility>
-#ifdef _WIN32
-#include <io.h>
-#else
-#include <unistd.h>
-#endif
+
+#include "host/platform.h"
 
 namespace host {
 namespace {
 
 constexpr auto kRedraw = std::chrono::milliseconds(100);
-
-bool errorStreamIsTerminal() {
-#ifdef _WIN32
-  return _isatty(_fileno(stderr)) != 0;
-#else
-  return isatty(STDERR_FILENO) != 0;
-#endif
-}
 
 std::string bar(size_t done, size_t total) {
   constexpr size_t kWidth = 20;

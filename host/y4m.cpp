@@ -91,7 +91,7 @@ void VideoReader::fail(const std::string& what) const {
 
 size_t VideoReader::framesAhead() const {
   std::error_code error;
-  const auto size = std::filesystem::file_size(path_, error);
+  const auto size = std::filesystem::file_size(toPath(path_), error);
   const long position = std::ftell(file_.get());
   if (path_ == "-" || error || position < 0 || size < static_cast<uintmax_t>(position)) return 0;
   const VideoFrame frame(format_.width, format_.height);

@@ -21,7 +21,8 @@
  *          resamples through OpenCV, as long as that is the same build. Nor do the locale and the floating-point mode of
  *          the calling thread matter (rounding, denormals flushed or not, traps); the mode is found as it was.
  * Failures Nothing prints or logs. What C++ throws when memory runs out passes out of the call: std::bad_alloc, or
- *          cv::Exception from within OpenCV.
+ *          cv::Exception from within OpenCV. On Windows these are exceptions of GCC: a host that another compiler
+ *          built cannot catch them, and ends.
  * Names    Stand as they are, "Destory" included: hosts look them up by these letters.
  */
 #ifndef LUMVANE_H

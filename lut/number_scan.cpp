@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
-#include <cstdlib>
 #include <limits>
 #include <string_view>
 
@@ -74,6 +73,8 @@ bool isLarge(const Magnitude& number) {
   long long exponent = 0;
   const auto [behind, error] = std::from_chars(p, number.end, exponent);
   if (error == std::errc::result_out_of_range) return *p != '-';
+  // No text is so long that its digits make up for an exponent of this size.
+  exponent = std::clamp(exponent, -(1LL << 60), 1LL << 60);
   return place * (hex ? 4 : 1) + exponent > 0;
 }
 

@@ -189,6 +189,9 @@ TEST(LutText, ScansOddNumbersAsEverywhere) {
                                                                {"-0x1p999", true, true, -kInfinity},
                                                                {"0x1p-999", true, true, 0.0f},
                                                                {"1e99999999999999999999", true, false, kInfinity},
+                                                               {"1e9223372036854775807", true, false, kInfinity},
+                                                               {"0.01e-9223372036854775808", true, true, 0.0f},
+                                                               {"0x1p9223372036854775807", true, true, kInfinity},
                                                                {".", false, false, 0.0f},
                                                                {"-", false, false, 0.0f},
                                                                {"- 1", false, false, 0.0f},
@@ -204,6 +207,11 @@ TEST(LutText, ScansOddNumbersAsEverywhere) {
     }
     float extracted = 7.0f;
     EXPECT_EQ(extractNumber(odd.text, end, extracted) != nullptr, odd.extracted) << odd.text;
+    // A stream takes the 0 of "0x" alone.
+    const float expected = std::strstr(odd.text, "0x") == nullptr ? odd.value : std::copysign(0.0f, odd.value);
+    if (odd.extracted) {
+      EXPECT_EQ(std::memcmp(&extracted, &expected, sizeof extracted), 0) << odd.text;
+    }
     if (odd.scanned && !std::isnan(odd.value)) {
       EXPECT_EQ(std::memcmp(&value, &odd.value, sizeof value), 0) << odd.text;
     }

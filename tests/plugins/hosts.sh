@@ -31,12 +31,16 @@ run_ffmpeg() {  # run_ffmpeg PLUGIN FIRST SECOND
 }
 
 run_melt() {  # run_melt PLUGIN FIRST SECOND [PROPERTY]
-  # Nothing is scaled or converted with a profile of the clip's own size and RGBA from end to end.
-  rm -f out.mkv
-  timeout 120 melt -silent -profile clip.profile avformat:clip.mkv \
-    -filter "frei0r.$1" 0="$2" 1="$3" ${4:+"$4"} \
-    -consumer avformat:out.mkv f=matroska vcodec=ffv1 pix_fmt=bgra mlt_image_format=rgba an=1 real_time=-1 \
-    >melt.log 2>&1 || { cat melt.log; return 1; }
+  # Nothing is scaled or converted with a profile of the clip's own size and RGBA from end to end. Now and then melt ends
+  # without having written anything, or never, with no filter at all as well: for that it gets further chances.
+  for _ in 1 2 3; do
+    rm -f out.mkv
+    timeout 30 melt -silent -profile clip.profile avformat:clip.mkv \
+      -filter "frei0r.$1" 0="$2" 1="$3" ${4:+"$4"} \
+      -consumer avformat:out.mkv f=matroska vcodec=ffv1 pix_fmt=bgra mlt_image_format=rgba an=1 real_time=-1 \
+      >melt.log 2>&1 && [ -s out.mkv ] && break
+  done
+  [ -s out.mkv ] || { cat melt.log; return 1; }
   ffmpeg -nostdin -v error -y -i out.mkv -f rawvideo -pix_fmt bgra out.raw
 }
 
