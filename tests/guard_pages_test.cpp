@@ -114,6 +114,8 @@ struct Planes {
 TEST_P(GuardPages, BoundHdrFrames) {
   const test::TemporaryFile hlg("HDR_HLG.cube", test::negativeCube());  // PQ frames come out black
   const std::u16string directory = std::filesystem::path(hlg.utf16()).parent_path().u16string();
+  std::vector<RowLayout> layouts = kDownwards;
+  layouts.insert(layouts.end(), kUpwards.begin(), kUpwards.end());
   for (const auto& [width, height] : sizes()) {
     for (const int limited : {0, 1}) {
       void* const object = CreateVideoAdjustColor(directory.c_str(), 0, limited, 0, width, height);
@@ -121,7 +123,7 @@ TEST_P(GuardPages, BoundHdrFrames) {
       Planes expected(width, height, {});
       expected.fill(width, height);
       expected.renderTo(expected, object);
-      for (const RowLayout& layout : kDownwards) {
+      for (const RowLayout& layout : layouts) {
         const auto where = testing::Message() << width << " x " << height << ", " << testing::PrintToString(layout);
         Planes src(width, height, layout), dst(width, height, layout);
         src.fill(width, height);

@@ -7,12 +7,12 @@
 #include <malloc.h>
 #endif
 #include <hwy/targets.h>
-#include <unistd.h>
 
 #include <opencv2/core/utility.hpp>
 
 #define LUMVANE_TEST_NOT_LINKED
 #include "tests/effects.h"
+#include "tests/resident_memory.h"
 
 namespace {
 
@@ -50,12 +50,6 @@ test::Library open(void*& library) {
   return functions;
 }
 
-// What lies in /proc/self, a number ahead of what is named.
-long residentKiB() {
-  long whole = 0, resident = 0;
-  std::ifstream("/proc/self/statm") >> whole >> resident;
-  return resident * (sysconf(_SC_PAGESIZE) / 1024);
-}
 long threadCount() {
   const std::filesystem::directory_iterator tasks("/proc/self/task");
   return std::distance(begin(tasks), end(tasks));
@@ -77,7 +71,7 @@ TEST(Reload, LeavesNothingButTheHdrTables) {
   constexpr int kWarmUp = 10, kHdrEvery = 10;
   for (int round = 0; round < kRounds; ++round) {
     if (round == kWarmUp) {
-      before = residentKiB();
+      before = test::residentKiB();
       threads = threadCount();
     }
     void* library = nullptr;
@@ -93,7 +87,7 @@ TEST(Reload, LeavesNothingButTheHdrTables) {
   EXPECT_LE(threadCount(), threads);
   // Two tables of 65 points for each load, 3.3 MB each with what its rows take.
   constexpr long kTablesKiB = (kRounds - kWarmUp) / kHdrEvery * (2 * 65 * 65 * (65 * 3 * 4 + 8 + 16) / 1024);
-  const long grown = residentKiB() - before;
+  const long grown = test::residentKiB() - before;
   std::cout << grown << " KiB more, of which the tables take " << kTablesKiB << "\n";
 #ifndef LUMVANE_SANITIZED
   EXPECT_LE(grown, kTablesKiB + 2048);

@@ -1,21 +1,13 @@
 // A long day of a host: objects made and ended by the thousand, an hour of frames, and memory that does not grow.
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
-#include <fstream>
 #include <opencv2/core/utility.hpp>
 
 #include "tests/effects.h"
+#include "tests/resident_memory.h"
 
 namespace {
-
-// Memory of the process that lies in RAM, in KiB.
-long residentKiB() {
-  long whole = 0, resident = 0;
-  std::ifstream("/proc/self/statm") >> whole >> resident;
-  return resident * (sysconf(_SC_PAGESIZE) / 1024);
-}
 
 // Sanitizers keep freed memory for a while.
 #ifdef LUMVANE_SANITIZED
@@ -30,10 +22,10 @@ constexpr int kShare = 1;
 template <class Round>
 void expectFlatMemory(int rounds, const Round& round) {
   for (int i = 0; i < rounds / 10; ++i) round(i);
-  const long before = residentKiB();
+  const long before = test::residentKiB();
   if (before == 0) GTEST_SKIP() << "no /proc/self/statm here";
   for (int i = rounds / 10; i < rounds; ++i) round(i);
-  EXPECT_LE(residentKiB(), before + kMostGrowthKiB);
+  EXPECT_LE(test::residentKiB(), before + kMostGrowthKiB);
 }
 
 TEST(Service, MakesAndEndsTenThousandObjectsOfEachKind) {

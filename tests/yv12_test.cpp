@@ -190,43 +190,6 @@ TEST_P(Yv12Test, FiltersChromaAsItIsSited) {
   }
 }
 
-// Every plane with its top row last.
-TEST_P(Yv12Test, TakesNegativeStrides) {
-  const bool limited = GetParam();
-  for (const auto& [width, height] : {std::pair{1, 1}, {5, 4}, {67, 9}, {200, 10}}) {
-    Yv12 frame(width, height), flipped(width, height), back(width, height), flippedBack(width, height);
-    Plane rgba(width, height, 4), flippedRgba(width, height, 4);
-    const auto copyFlipped = [](Plane& from, Plane& to) {
-      for (int y = 0; y < from.height; ++y) std::copy_n(from.row(y), from.width, to.row(from.height - 1 - y));
-    };
-    const auto top = [](Plane& plane) { return plane.row(plane.height - 1); };
-    unsigned seed = 0;
-    for (Plane Yv12::*plane : {&Yv12::y, &Yv12::v, &Yv12::u}) {
-      (frame.*plane).fillWithNoise(++seed);
-      copyFlipped(frame.*plane, flipped.*plane);
-    }
-    toRgb(limited, frame, rgba);
-    (limited ? imageYV12ToRGBBT2020_Limited : imageYV12ToRGBBT2020_FULL)(
-        top(flipped.y), -flipped.y.stride, top(flipped.v), -flipped.v.stride, top(flipped.u), -flipped.u.stride,
-        top(flippedRgba), -flippedRgba.stride, width, height);
-    Plane upright(width, height, 4);
-    copyFlipped(flippedRgba, upright);
-    EXPECT_EQ(upright.bytes, rgba.bytes) << width << " x " << height;
-    EXPECT_TRUE(flippedRgba.paddingIntact());
-
-    fromRgb(limited, rgba, back);
-    (limited ? imageRGBAToYV12BT709_Limited : imageRGBAToYV12BT709_Full)(
-        top(flippedRgba), -flippedRgba.stride, top(flippedBack.y), -flippedBack.y.stride, top(flippedBack.v),
-        -flippedBack.v.stride, top(flippedBack.u), -flippedBack.u.stride, width, height);
-    Yv12 uprightBack(width, height);
-    for (Plane Yv12::*plane : {&Yv12::y, &Yv12::v, &Yv12::u}) {
-      copyFlipped(flippedBack.*plane, uprightBack.*plane);
-      EXPECT_EQ((uprightBack.*plane).bytes, (back.*plane).bytes) << width << " x " << height;
-      EXPECT_TRUE((flippedBack.*plane).paddingIntact());
-    }
-  }
-}
-
 INSTANTIATE_TEST_SUITE_P(Range, Yv12Test, testing::Bool(),
                          [](const auto& info) { return info.param ? "Limited" : "Full"; });
 

@@ -6,27 +6,19 @@
 #include <string.h>
 #include <windows.h>
 
-typedef void* (*create_lut_function)(const wchar_t*, int32_t, int32_t);
-typedef void (*lut_function)(void*, uint8_t*, int32_t, int32_t, int32_t, const uint8_t*, int32_t, int32_t, int32_t,
-                             int32_t);
-typedef void* (*create_clarity_function)(int32_t, int32_t, int32_t, int32_t, int32_t);
-typedef int32_t (*clarity_function)(void*, uint8_t*, int32_t, int32_t, int32_t, const uint8_t*, int32_t, int32_t,
-                                    int32_t);
-typedef bool (*white_balance_function)(const uint8_t*, uint8_t*, float, float, float, float, float, int32_t, int32_t);
-typedef void* (*create_hdr_function)(const wchar_t*, int32_t, int32_t, int32_t, int32_t, int32_t);
-typedef bool (*hdr_function)(void*, const uint8_t*, const uint8_t*, const uint8_t*, int32_t, int32_t, int32_t, int32_t,
-                             int32_t, uint8_t*, uint8_t*, uint8_t*);
-typedef void (*destroy_function)(void*);
+#include "lumvane.h" /* for the types: nothing of it is linked */
 
 static HMODULE library;
-static create_lut_function create_lut;
-static lut_function lut;
-static create_clarity_function create_clarity;
-static clarity_function clarity;
-static white_balance_function white_balance;
-static create_hdr_function create_hdr;
-static hdr_function hdr;
-static destroy_function destroy_lut, destroy_clarity, destroy_hdr;
+static __typeof__(&Create3DLutColorAdjustEffect) create_lut;
+static __typeof__(&Lut3DColorAdjustEffectProcess) lut;
+static __typeof__(&Destory3DLutColorAdjustEffect) destroy_lut;
+static __typeof__(&CreateNLEPureCClarity) create_clarity;
+static __typeof__(&NLEPureCClarityProcess) clarity;
+static __typeof__(&DestoryNLEPureCClarity) destroy_clarity;
+static __typeof__(&WhiteBalanceFun) white_balance;
+static __typeof__(&CreateVideoAdjustColor) create_hdr;
+static __typeof__(&VideoAdjustColorProcess) hdr;
+static __typeof__(&DestroyVideoAdjustColor) destroy_hdr;
 
 static int faults;
 static void expect(bool holds, const char* what) {
@@ -70,7 +62,7 @@ static void write_negative(const wchar_t* name) {
 static bool is_negative(const wchar_t* name) {
   const uint8_t src[4] = {0, 0, 255, 255};
   uint8_t dst[4] = {9, 9, 9, 9};
-  void* const effect = create_lut(name, 1, 1);
+  void* const effect = create_lut((const char16_t*)name, 1, 1);
   if (effect == NULL) return false;
   lut(effect, dst, 1, 1, 0, src, 1, 1, 0, 100);
   destroy_lut(effect);
@@ -90,8 +82,8 @@ static void try_paths(const wchar_t* folder) {
   expect(SetCurrentDirectoryW(folder) && is_negative(wcsrchr(path, L'\\') + 1), "a name alone");
   path[wcslen(path) - 6] = 0xdd1f; /* another low half */
   expect(!is_negative(path), "a name that differs in the second half of a surrogate pair is another name");
-  expect(create_lut(L"C:\\nothing\\here.cube", 1, 1) == NULL, "a missing file gives null");
-  expect(create_lut(folder, 1, 1) == NULL, "a folder gives null");
+  expect(create_lut(u"C:\\nothing\\here.cube", 1, 1) == NULL, "a missing file gives null");
+  expect(create_lut((const char16_t*)folder, 1, 1) == NULL, "a folder gives null");
 }
 
 static void try_hdr(const wchar_t* folder) {
@@ -106,7 +98,7 @@ static void try_hdr(const wchar_t* folder) {
   for (pq = 0; pq < 2; ++pq) {
     memset(y, 0, sizeof y);
     v = u = 128;
-    effect = create_hdr(folder, 0, 0, pq, 2, 2);
+    effect = create_hdr((const char16_t*)folder, 0, 0, pq, 2, 2);
     expect(effect != NULL && hdr(effect, y, &v, &u, 2, 1, 1, 0, 0, y, &v, &u), "HDR frames");
     expect(y[0] == 255 && y[3] == 255, "the HDR LUTs are found by their names");
     destroy_hdr(effect);
