@@ -10,35 +10,23 @@
 
 #include "lumvane.h"
 #include "tests/inputs.h"
-#include "tests/row_comparer.h"
+#include "tests/yv12.h"
 
 namespace test {
 
-/// The functions of lumvane.h, linked or looked up.
+/// The functions of lumvane.h under their own names, linked or looked up.
 struct Library {
-  decltype(&::Create3DLutColorAdjustEffect) createLut = nullptr;
-  decltype(&::Lut3DColorAdjustEffectProcess) processLut = nullptr;
-  decltype(&::Destory3DLutColorAdjustEffect) destroyLut = nullptr;
-  decltype(&::CreateNLEPureCClarity) createClarity = nullptr;
-  decltype(&::NLEPureCClarityProcess) processClarity = nullptr;
-  decltype(&::DestoryNLEPureCClarity) destroyClarity = nullptr;
-  decltype(&::WhiteBalanceFun) whiteBalance = nullptr;
-  decltype(&::CreateVideoAdjustColor) createHdr = nullptr;
-  decltype(&::VideoAdjustColorProcess) processHdr = nullptr;
-  decltype(&::DestroyVideoAdjustColor) destroyHdr = nullptr;
+#define LUMVANE_EXPORT(name) decltype(&::name) name = nullptr;
+#include "cmake/exports.inc"
+#undef LUMVANE_EXPORT
 };
 
 #ifndef LUMVANE_TEST_NOT_LINKED
-inline const Library kLinked = {Create3DLutColorAdjustEffect,
-                                Lut3DColorAdjustEffectProcess,
-                                Destory3DLutColorAdjustEffect,
-                                CreateNLEPureCClarity,
-                                NLEPureCClarityProcess,
-                                DestoryNLEPureCClarity,
-                                WhiteBalanceFun,
-                                CreateVideoAdjustColor,
-                                VideoAdjustColorProcess,
-                                DestroyVideoAdjustColor};
+inline const Library kLinked = {
+#define LUMVANE_EXPORT(name) ::name,
+#include "cmake/exports.inc"
+#undef LUMVANE_EXPORT
+};
 #endif
 
 /// LUT files in a folder of their own: look.cube, look.3dl, tiny.cube, and the two for HDR.
@@ -90,36 +78,32 @@ class LutFolder {
 
 /// What every effect makes of a frame of noise, loads included, one behind the other. What a null handle
 /// refuses is left out, and so is HDR without its function.
-inline std::vector<uint8_t> renderAll(const Library& lib, const std::u16string& folder, int width, int height) {
-  const std::vector<uint8_t> src = noise(size_t{4} * width * height, 1);
-  std::vector<uint8_t> result;
-  const auto take = [&](const std::vector<uint8_t>& frame) { result.insert(result.end(), frame.begin(), frame.end()); };
+inline Bytes renderAll(const Library& lib, const std::u16string& folder, int width, int height) {
+  const Bytes src = noise(size_t{4} * width * height, 1);
+  Bytes result;
+  const auto take = [&](const Bytes& frame) { result.insert(result.end(), frame.begin(), frame.end()); };
   for (const char16_t* name : {u"/look.cube", u"/look.3dl", u"/tiny.cube"}) {
-    void* const lut = lib.createLut((folder + name).c_str(), width, height);
+    void* const lut = lib.Create3DLutColorAdjustEffect((folder + name).c_str(), width, height);
     for (const int strength : {40, 100}) {
-      std::vector<uint8_t> dst(src.size());
-      lib.processLut(lut, dst.data(), width, height, 0, src.data(), width, height, 0, strength);
+      Bytes dst(src.size());
+      lib.Lut3DColorAdjustEffectProcess(lut, dst.data(), width, height, 0, src.data(), width, height, 0, strength);
       if (lut != nullptr) take(dst);
     }
-    lib.destroyLut(lut);
+    lib.Destory3DLutColorAdjustEffect(lut);
   }
-  std::vector<uint8_t> dst(src.size());
-  void* const clarity = lib.createClarity(width, height, 0, 30, 90);
-  if (lib.processClarity(clarity, dst.data(), width, height, 0, src.data(), width, height, 0) == 1) take(dst);
-  lib.destroyClarity(clarity);
-  lib.whiteBalance(src.data(), dst.data(), 0.0f, 0.0f, 0.0f, 0.21f, -0.13f, width, height);
+  Bytes dst(src.size());
+  void* const clarity = lib.CreateNLEPureCClarity(width, height, 0, 30, 90);
+  if (lib.NLEPureCClarityProcess(clarity, dst.data(), width, height, 0, src.data(), width, height, 0) == 1) take(dst);
+  lib.DestoryNLEPureCClarity(clarity);
+  lib.WhiteBalanceFun(src.data(), dst.data(), 0.0f, 0.0f, 0.0f, 0.21f, -0.13f, width, height);
   take(dst);
-  for (int flags = 0; flags < 4 && lib.createHdr != nullptr; ++flags) {
-    void* const hdr = lib.createHdr(folder.c_str(), 0, flags & 1, flags & 2, width, height);
-    const int chroma = (width + 1) / 2;
-    std::vector<uint8_t> planes(size_t{1} * width * height + size_t{2} * chroma * ((height + 1) / 2));
-    uint8_t* const y = planes.data();
-    uint8_t* const v = y + size_t{1} * width * height;
-    uint8_t* const u = v + size_t{1} * chroma * ((height + 1) / 2);
-    std::copy_n(src.begin(), planes.size(), planes.begin());
-    lib.processHdr(hdr, y, v, u, width, chroma, chroma, 0, 0, y, v, u);
-    take(planes);
-    lib.destroyHdr(hdr);
+  for (int flags = 0; flags < 4 && lib.CreateVideoAdjustColor != nullptr; ++flags) {
+    void* const hdr = lib.CreateVideoAdjustColor(folder.c_str(), 0, flags & 1, flags & 2, width, height);
+    Yv12Frame frame(width, height);
+    frame.fill(src);
+    frame.processTo(frame, hdr, 0, lib.VideoAdjustColorProcess);
+    take(frame.packed());
+    lib.DestroyVideoAdjustColor(hdr);
   }
   return result;
 }

@@ -1,5 +1,8 @@
 #!/bin/sh
-# The shared object exports the functions of lumvane.h and nothing else.
+# A shared object exports the ten functions that lumvane.h declares, and nothing else: exported_names.sh LUMVANE.H LIBRARY
+# Or, with the names on the standard input, a DLL: exported_names.sh LUMVANE.H -
 set -eu
-found=$(nm -D --defined-only "$1" | awk '{ print $3 }' | sort)
-echo "$found" | diff "$(dirname "$0")/exported_names.txt" -
+declared=$(sed -n 's/^LUMVANE_API[^(]*[ *]\([A-Za-z0-9]*\)(.*/\1/p' "$1" | sort)
+[ "$(echo "$declared" | wc -l)" -eq 10 ]
+found=$(if [ "$2" = - ]; then cat; else nm -D --defined-only "$2" | awk '{ print $3 }'; fi | sort)
+[ "$found" = "$declared" ] || { printf 'declared:\n%s\nexported:\n%s\n' "$declared" "$found"; exit 1; }

@@ -8,8 +8,8 @@
 #include "lumvane.h"
 #include "tests/guarded_plane.h"
 #include "tests/inputs.h"
-#include "tests/row_comparer.h"
 #include "tests/targets.h"
+#include "tests/yv12.h"
 
 namespace {
 
@@ -46,10 +46,10 @@ void expectRowsAlone(const std::vector<RowLayout>& layouts, const Render& render
       GuardedPlane src(4 * width, height, layout), dst(4 * width, height, layout);
       src.fill(pixels);
       dst.fill(pixels);
-      render(dst.data(), dst.stride(), dst.data(), dst.stride(), width, height);
+      render(dst.data(), dst.step(), dst.data(), dst.step(), width, height);
       EXPECT_TRUE(dst.packed() == inPlace) << where << ", in place";
       src.makeReadOnly();
-      render(dst.data(), dst.stride(), src.data(), src.stride(), width, height);
+      render(dst.data(), dst.step(), src.data(), src.step(), width, height);
       EXPECT_TRUE(dst.packed() == expected) << where;
       EXPECT_TRUE(dst.paddingIntact()) << where;
     }
@@ -88,52 +88,30 @@ TEST_P(GuardPages, BoundWhiteBalanceFrames) {
   });
 }
 
-// The three planes of a YV12 frame, each between pages of its own.
-struct Planes {
-  GuardedPlane y, v, u;
-
-  Planes(int width, int height, const RowLayout& layout)
-      : y(width, height, layout),
-        v((width + 1) / 2, (height + 1) / 2, layout),
-        u((width + 1) / 2, (height + 1) / 2, layout) {}
-  void fill(int width, int height) {
-    const size_t chroma = size_t{1} * ((width + 1) / 2) * ((height + 1) / 2);
-    y.fill(test::noise(size_t{1} * width * height, 1));
-    v.fill(test::noise(chroma, 2));
-    u.fill(test::noise(chroma, 3));
-  }
-  void renderTo(Planes& dst, void* object) const {
-    EXPECT_TRUE(VideoAdjustColorProcess(object, y.data(), v.data(), u.data(), y.stride(), v.stride(), u.stride(), 0, 0,
-                                        dst.y.data(), dst.v.data(), dst.u.data()));
-  }
-  bool sameAs(const Planes& other) const {
-    return y.packed() == other.y.packed() && v.packed() == other.v.packed() && u.packed() == other.u.packed();
-  }
-};
+using Planes = test::Yv12<GuardedPlane>;  // each between pages of its own
 
 TEST_P(GuardPages, BoundHdrFrames) {
-  const test::TemporaryFile hlg("HDR_HLG.cube", test::negativeCube());  // PQ frames come out black
-  const std::u16string directory = std::filesystem::path(hlg.utf16()).parent_path().u16string();
+  const test::HdrFolder folder(test::negativeCube(), "");
   std::vector<RowLayout> layouts = kDownwards;
   layouts.insert(layouts.end(), kUpwards.begin(), kUpwards.end());
   for (const auto& [width, height] : sizes()) {
+    const test::Bytes bytes = test::noise(size_t{2} * width * height + 8, 1);
     for (const int limited : {0, 1}) {
-      void* const object = CreateVideoAdjustColor(directory.c_str(), 0, limited, 0, width, height);
-      // The first layout says what the others have to give: it is held against a reference elsewhere.
-      Planes expected(width, height, {});
-      expected.fill(width, height);
-      expected.renderTo(expected, object);
+      void* const object = CreateVideoAdjustColor(folder.folder().c_str(), 0, limited, 0, width, height);
+      test::Yv12Frame expected(width, height);
+      expected.fill(bytes);
+      expected.processTo(expected, object);
       for (const RowLayout& layout : layouts) {
         const auto where = testing::Message() << width << " x " << height << ", " << testing::PrintToString(layout);
         Planes src(width, height, layout), dst(width, height, layout);
-        src.fill(width, height);
+        src.fill(bytes);
         for (GuardedPlane* plane : {&src.y, &src.v, &src.u}) plane->makeReadOnly();
-        src.renderTo(dst, object);
-        EXPECT_TRUE(dst.sameAs(expected)) << where;
+        src.processTo(dst, object);
+        EXPECT_TRUE(dst.packed() == expected.packed()) << where;
         for (GuardedPlane* plane : {&dst.y, &dst.v, &dst.u}) EXPECT_TRUE(plane->paddingIntact()) << where;
-        dst.fill(width, height);
-        dst.renderTo(dst, object);
-        EXPECT_TRUE(dst.sameAs(expected)) << where << ", in place";
+        dst.fill(bytes);
+        dst.processTo(dst, object);
+        EXPECT_TRUE(dst.packed() == expected.packed()) << where << ", in place";
       }
       DestroyVideoAdjustColor(object);
     }

@@ -95,7 +95,7 @@ class GuardedPlane {
   }
 
   uint8_t* data() const { return first_; }
-  int stride() const { return stride_; }
+  int step() const { return stride_; }
   void makeReadOnly() { allow(Pages::kRead); }
 
   void fill(const std::vector<uint8_t>& packed) {

@@ -109,8 +109,9 @@ const Habit kHabits[] = {
     floatHabit("RoundsDown", [] { std::fesetround(FE_DOWNWARD); }),
     floatHabit("RoundsTowardZero", [] { std::fesetround(FE_TOWARDZERO); }),
 #ifdef __GLIBC__
-    // As runtimes of other languages do: what gives an infinity or no number, or is rounded, ends the program.
-    floatHabit("TrapsFloatExceptions", [] { feenableexcept(FE_ALL_EXCEPT); }),
+    // As runtimes of other languages do: what gives an infinity or no number, or is rounded, ends the program. Flags that
+    // were raised before would, too.
+    floatHabit("TrapsFloatExceptions", [] { std::feclearexcept(FE_ALL_EXCEPT), feenableexcept(FE_ALL_EXCEPT); }),
 #endif
     threadsHabit("NoThreads", 0),
     threadsHabit("OneThread", 1),

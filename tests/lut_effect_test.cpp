@@ -23,14 +23,15 @@ struct Effect {
 };
 
 TEST(LutEffect, IsCreatedByExtension) {
-  struct Case {
-    const char* name;
-    bool works;
-  };
-  for (const auto& [name, works] :
-       {Case{"grade.cube", true}, Case{"grade.Cube", true}, Case{"grade.CUBE", true}, Case{"grade.cube.bak", false},
-        Case{"grade", false}, Case{"grade.txt", false}, Case{"v1.2/my.look.cube", true}, Case{"dir.cube/grade", false},
-        Case{".cube", true}}) {
+  for (const auto& [name, works] : {std::pair{"grade.cube", true},
+                                    {"grade.Cube", true},
+                                    {"grade.CUBE", true},
+                                    {"grade.cube.bak", false},
+                                    {"grade", false},
+                                    {"grade.txt", false},
+                                    {"v1.2/my.look.cube", true},
+                                    {"dir.cube/grade", false},
+                                    {".cube", true}}) {
     const TemporaryFile file(name, negativeCube());
     EXPECT_EQ(Effect(file.utf16()).handle != nullptr, works) << name;
   }
@@ -109,6 +110,17 @@ TEST(LutEffect, FadesByStrength) {
     EXPECT_EQ(dst.data()[1], expected) << strength;
     EXPECT_EQ(dst.data()[3], s == 0 ? 7 : 255) << strength;
   }
+}
+
+// The fade finds the graded pixel in source and destination alike.
+TEST(LutEffect, GradesInPlaceAtFullStrength) {
+  const TemporaryFile file("random.cube", test::randomCube(9));
+  const Effect effect(file.utf16());
+  Frame src(150, 100), dst(150, 100);
+  src.fillWithNoise(2);
+  effect.process(dst, src, 100);
+  effect.process(src, src, 30);
+  EXPECT_EQ(src.bytes, dst.bytes);
 }
 
 }  // namespace

@@ -24,12 +24,6 @@ constexpr int kRounds = 30;
 constexpr int kRounds = 100;
 #endif
 
-template <class Function>
-void find(void* library, const char* name, Function& function) {
-  function = reinterpret_cast<Function>(dlsym(library, name));
-  ASSERT_NE(function, nullptr) << name;
-}
-
 test::Library open(void*& library) {
   library = dlopen(kLibrary, RTLD_NOW | RTLD_LOCAL);
   test::Library functions;
@@ -37,16 +31,11 @@ test::Library open(void*& library) {
     ADD_FAILURE() << dlerror();
     return functions;
   }
-  find(library, "Create3DLutColorAdjustEffect", functions.createLut);
-  find(library, "Lut3DColorAdjustEffectProcess", functions.processLut);
-  find(library, "Destory3DLutColorAdjustEffect", functions.destroyLut);
-  find(library, "CreateNLEPureCClarity", functions.createClarity);
-  find(library, "NLEPureCClarityProcess", functions.processClarity);
-  find(library, "DestoryNLEPureCClarity", functions.destroyClarity);
-  find(library, "WhiteBalanceFun", functions.whiteBalance);
-  find(library, "CreateVideoAdjustColor", functions.createHdr);
-  find(library, "VideoAdjustColorProcess", functions.processHdr);
-  find(library, "DestroyVideoAdjustColor", functions.destroyHdr);
+#define LUMVANE_EXPORT(name)                                                          \
+  functions.name = reinterpret_cast<decltype(functions.name)>(dlsym(library, #name)); \
+  EXPECT_NE(functions.name, nullptr) << #name;
+#include "cmake/exports.inc"
+#undef LUMVANE_EXPORT
   return functions;
 }
 
@@ -77,7 +66,7 @@ TEST(Reload, LeavesNothingButTheHdrTables) {
     void* library = nullptr;
     test::Library functions = open(library);
     ASSERT_FALSE(HasFailure());
-    if (round % kHdrEvery != 0) functions.createHdr = nullptr;
+    if (round % kHdrEvery != 0) functions.CreateVideoAdjustColor = nullptr;
     const std::vector<uint8_t> found = test::renderAll(functions, folder.path, 140, 100);
     if (round == 0) first = found;
     EXPECT_TRUE(std::equal(found.begin(), found.end(), first.begin())) << "round " << round;

@@ -54,15 +54,15 @@ TEST(Service, RendersAnHourOfFrames) {
   void* const clarity = CreateNLEPureCClarity(64, 36, 0, 20, 60);
   void* const small = CreateVideoAdjustColor(folder.path.c_str(), 0, 1, 0, 64, 36);
   void* const large = CreateVideoAdjustColor(folder.path.c_str(), 0, 1, 1, 130, 100);
+  test::Yv12Frame smallFrame(64, 36), largeFrame(130, 100);
   expectFlatMemory(90000 / kShare, [&](int i) {
     const bool spread = i % 50 == 0;
-    const int width = spread ? 130 : 64, height = spread ? 100 : 36, pixels = width * height;
+    const int width = spread ? 130 : 64, height = spread ? 100 : 36;
     Lut3DColorAdjustEffectProcess(lut, dst.data(), width, height, 0, src.data(), 0, 0, 0, 1 + i % 100);
     ASSERT_EQ(NLEPureCClarityProcess(clarity, dst.data(), width, height, 0, src.data(), 0, 0, 0), 1);
     WhiteBalanceFun(src.data(), dst.data(), 0, 0, 0, 0.1f, 0.1f, width, height);
-    uint8_t* const y = dst.data();
-    VideoAdjustColorProcess(spread ? large : small, y, y + pixels, y + pixels * 5 / 4, width, width / 2, width / 2, 0,
-                            0, y, y + pixels, y + pixels * 5 / 4);
+    test::Yv12Frame& frame = spread ? largeFrame : smallFrame;
+    frame.processTo(frame, spread ? large : small);
   });
   Destory3DLutColorAdjustEffect(lut);
   DestoryNLEPureCClarity(clarity);

@@ -8,17 +8,17 @@
 
 namespace test {
 
-/// A suite whose tests run with the kernels of one target. The choice holds for the whole process.
+/// Kernels run with the instructions of this target from now on, in the whole process; 0 for the best there are.
+inline void useTarget(int64_t target) {
+  hwy::SetSupportedTargetsForTest(target);
+  hwy::GetChosenTarget().Update(hwy::SupportedTargets());
+}
+
+/// A suite whose tests run with the kernels of one target.
 class EveryTarget : public testing::TestWithParam<int64_t> {
  protected:
-  void SetUp() override { choose(GetParam()); }
-  void TearDown() override { choose(0); }
-
- private:
-  static void choose(int64_t target) {
-    hwy::SetSupportedTargetsForTest(target);
-    hwy::GetChosenTarget().Update(hwy::SupportedTargets());
-  }
+  void SetUp() override { useTarget(GetParam()); }
+  void TearDown() override { useTarget(0); }
 };
 
 inline auto everyTarget() { return testing::ValuesIn(hwy::SupportedAndGeneratedTargets()); }

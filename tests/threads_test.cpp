@@ -48,7 +48,7 @@ TEST(Threads, AreThere) {
 TEST(Threads, RenderSideBySide) {
   constexpr int kThreads = 8;
   const test::LutFolder folder;
-  std::vector<uint8_t> results[kThreads];
+  test::Bytes results[kThreads];
   const auto render = [&](int i) {
     return test::renderAll(test::kLinked, folder.path, i % 2 == 0 ? 40 : 140, i % 2 == 0 ? 30 : 100);
   };
@@ -62,17 +62,14 @@ TEST(Threads, RenderSideBySide) {
 TEST(Threads, LoadHdrOnce) {
   constexpr int kThreads = 8, kWidth = 120, kHeight = 90;
   const test::LutFolder folder;
-  const std::vector<uint8_t> src = test::noise(kWidth * kHeight * 3 / 2, 1);
-  std::vector<uint8_t> results[kThreads];
+  test::Bytes results[kThreads];
   const auto convert = [&](int i) {
-    std::vector<uint8_t> planes = src;
-    uint8_t* const y = planes.data();
-    uint8_t* const v = y + kWidth * kHeight;
-    uint8_t* const u = v + kWidth * kHeight / 4;
+    test::Yv12Frame frame(kWidth, kHeight);
+    frame.fill(test::noise(kWidth * kHeight * 3 / 2, 1));
     void* const object = CreateVideoAdjustColor(folder.path.c_str(), 0, 1, i % 2, kWidth, kHeight);
-    VideoAdjustColorProcess(object, y, v, u, kWidth, kWidth / 2, kWidth / 2, 0, 0, y, v, u);
+    frame.processTo(frame, object);
     DestroyVideoAdjustColor(object);
-    return planes;
+    return frame.packed();
   };
   for (int round = 0; round < 3; ++round) {
     Lumvane::dropHdrData();

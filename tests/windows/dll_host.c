@@ -9,16 +9,10 @@
 #include "lumvane.h" /* for the types: nothing of it is linked */
 
 static HMODULE library;
-static __typeof__(&Create3DLutColorAdjustEffect) create_lut;
-static __typeof__(&Lut3DColorAdjustEffectProcess) lut;
-static __typeof__(&Destory3DLutColorAdjustEffect) destroy_lut;
-static __typeof__(&CreateNLEPureCClarity) create_clarity;
-static __typeof__(&NLEPureCClarityProcess) clarity;
-static __typeof__(&DestoryNLEPureCClarity) destroy_clarity;
-static __typeof__(&WhiteBalanceFun) white_balance;
-static __typeof__(&CreateVideoAdjustColor) create_hdr;
-static __typeof__(&VideoAdjustColorProcess) hdr;
-static __typeof__(&DestroyVideoAdjustColor) destroy_hdr;
+/* The functions of the DLL, under their names in lumvane.h and an F in front. */
+#define LUMVANE_EXPORT(name) static __typeof__(&name) F##name;
+#include "cmake/exports.inc"
+#undef LUMVANE_EXPORT
 
 static int faults;
 static void expect(bool holds, const char* what) {
@@ -27,26 +21,18 @@ static void expect(bool holds, const char* what) {
   ++faults;
 }
 
-#define FIND(function, name)                                       \
-  do {                                                             \
-    FARPROC const found = GetProcAddress(library, name);           \
-    if (found == NULL) printf("there is no %s\n", name), ++faults; \
-    memcpy(&function, &found, sizeof function);                    \
-  } while (0)
+static void find(void* function, const char* name) {
+  FARPROC const found = GetProcAddress(library, name);
+  if (found == NULL) printf("there is no %s\n", name), ++faults;
+  memcpy(function, &found, sizeof found);
+}
 
 static bool load(const wchar_t* file) {
   library = LoadLibraryW(file);
   if (library == NULL) return false;
-  FIND(create_lut, "Create3DLutColorAdjustEffect");
-  FIND(lut, "Lut3DColorAdjustEffectProcess");
-  FIND(destroy_lut, "Destory3DLutColorAdjustEffect");
-  FIND(create_clarity, "CreateNLEPureCClarity");
-  FIND(clarity, "NLEPureCClarityProcess");
-  FIND(destroy_clarity, "DestoryNLEPureCClarity");
-  FIND(white_balance, "WhiteBalanceFun");
-  FIND(create_hdr, "CreateVideoAdjustColor");
-  FIND(hdr, "VideoAdjustColorProcess");
-  FIND(destroy_hdr, "DestroyVideoAdjustColor");
+#define LUMVANE_EXPORT(name) find(&F##name, #name);
+#include "cmake/exports.inc"
+#undef LUMVANE_EXPORT
   return true;
 }
 
@@ -62,10 +48,10 @@ static void write_negative(const wchar_t* name) {
 static bool is_negative(const wchar_t* name) {
   const uint8_t src[4] = {0, 0, 255, 255};
   uint8_t dst[4] = {9, 9, 9, 9};
-  void* const effect = create_lut((const char16_t*)name, 1, 1);
+  void* const effect = FCreate3DLutColorAdjustEffect((const char16_t*)name, 1, 1);
   if (effect == NULL) return false;
-  lut(effect, dst, 1, 1, 0, src, 1, 1, 0, 100);
-  destroy_lut(effect);
+  FLut3DColorAdjustEffectProcess(effect, dst, 1, 1, 0, src, 1, 1, 0, 100);
+  FDestory3DLutColorAdjustEffect(effect);
   return dst[0] == 255 && dst[1] == 255 && dst[2] == 0 && dst[3] == 255;
 }
 
@@ -82,8 +68,8 @@ static void try_paths(const wchar_t* folder) {
   expect(SetCurrentDirectoryW(folder) && is_negative(wcsrchr(path, L'\\') + 1), "a name alone");
   path[wcslen(path) - 6] = 0xdd1f; /* another low half */
   expect(!is_negative(path), "a name that differs in the second half of a surrogate pair is another name");
-  expect(create_lut(u"C:\\nothing\\here.cube", 1, 1) == NULL, "a missing file gives null");
-  expect(create_lut((const char16_t*)folder, 1, 1) == NULL, "a folder gives null");
+  expect(FCreate3DLutColorAdjustEffect(u"C:\\nothing\\here.cube", 1, 1) == NULL, "a missing file gives null");
+  expect(FCreate3DLutColorAdjustEffect((const char16_t*)folder, 1, 1) == NULL, "a folder gives null");
 }
 
 static void try_hdr(const wchar_t* folder) {
@@ -98,10 +84,10 @@ static void try_hdr(const wchar_t* folder) {
   for (pq = 0; pq < 2; ++pq) {
     memset(y, 0, sizeof y);
     v = u = 128;
-    effect = create_hdr((const char16_t*)folder, 0, 0, pq, 2, 2);
-    expect(effect != NULL && hdr(effect, y, &v, &u, 2, 1, 1, 0, 0, y, &v, &u), "HDR frames");
+    effect = FCreateVideoAdjustColor((const char16_t*)folder, 0, 0, pq, 2, 2);
+    expect(effect != NULL && FVideoAdjustColorProcess(effect, y, &v, &u, 2, 1, 1, 0, 0, y, &v, &u), "HDR frames");
     expect(y[0] == 255 && y[3] == 255, "the HDR LUTs are found by their names");
-    destroy_hdr(effect);
+    FDestroyVideoAdjustColor(effect);
   }
 }
 
@@ -109,12 +95,12 @@ static void try_hdr(const wchar_t* folder) {
 static DWORD WINAPI render(void* unused) {
   enum { kWidth = 640, kHeight = 480, kBytes = kWidth * kHeight * 4 };
   uint8_t* const frame = HeapAlloc(GetProcessHeap(), HEAP_ZERO_MEMORY, kBytes);
-  void* const effect = create_clarity(kWidth, kHeight, 0, 20, 50);
+  void* const effect = FCreateNLEPureCClarity(kWidth, kHeight, 0, 20, 50);
   int i;
   for (i = 0; i < 5; ++i) {
-    if (clarity(effect, frame, kWidth, kHeight, 0, frame, kWidth, kHeight, 0) != 1) return 1;
+    if (FNLEPureCClarityProcess(effect, frame, kWidth, kHeight, 0, frame, kWidth, kHeight, 0) != 1) return 1;
   }
-  destroy_clarity(effect);
+  FDestoryNLEPureCClarity(effect);
   HeapFree(GetProcessHeap(), 0, frame);
   return unused != NULL;
 }
@@ -138,7 +124,7 @@ int wmain(int argc, wchar_t** argv) {
   for (round = 0; round < 20; ++round) {
     uint8_t pixel[4] = {100, 100, 100, 255};
     if (!load(argv[1])) return printf("the DLL cannot be loaded: error %lu\n", GetLastError()), 1;
-    expect(white_balance(pixel, pixel, 0, 0, 0, 1.0f, 0, 1, 1) && pixel[0] < pixel[2], "white balance");
+    expect(FWhiteBalanceFun(pixel, pixel, 0, 0, 0, 1.0f, 0, 1, 1) && pixel[0] < pixel[2], "white balance");
     expect(FindResourceW(library, MAKEINTRESOURCEW(VS_VERSION_INFO), (LPCWSTR)RT_VERSION) != NULL, "a version");
     FreeLibrary(library);
     expect(GetModuleHandleW(L"lumvane.dll") == NULL, "the DLL is unloaded where no effect was made");

@@ -1,0 +1,350 @@
+// The vector forms of all row kernels, on every target, against their plain forms, byte for byte and bit for bit.
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <bit>
+#include <cstring>
+#include <memory>
+#include <sstream>
+
+#include "apply/hdr_kernels.h"
+#include "apply/row_kernels.h"
+#include "clarity/clarity_rows.h"
+#include "hdr/yv12_rows.h"
+#include "lut/blend_table.h"
+#include "lut/cube_lut.h"
+#include "tests/inputs.h"
+#include "tests/targets.h"
+#include "whitebalance/white_balance_row.h"
+
+namespace Lumvane {
+namespace {
+
+using test::Bytes;
+
+// All kernels in one form.
+struct Kernels {
+  decltype(&Lumvane::gradeRow) gradeRow;
+  decltype(&Lumvane::gradeAndFadeRow) gradeAndFadeRow;
+  decltype(&Lumvane::fadeRow) fadeRow;
+  decltype(&Lumvane::hdrCacheRow) hdrCacheRow;
+  decltype(&Lumvane::whiteBalanceRow) whiteBalanceRow;
+  decltype(&Lumvane::valueRow) valueRow;
+  decltype(&Lumvane::analysisRow) analysisRow;
+  decltype(&Lumvane::detailRow) detailRow;
+  decltype(&Lumvane::blendRow) blendRow;
+  decltype(&Lumvane::synthesisRow) synthesisRow;
+  decltype(&Lumvane::rowToRgb) rowToRgb;
+  decltype(&Lumvane::rowPairFromRgb) rowPairFromRgb;
+};
+const Kernels kVector = {gradeRow,    gradeAndFadeRow, fadeRow,  hdrCacheRow,  whiteBalanceRow, valueRow,
+                         analysisRow, detailRow,       blendRow, synthesisRow, rowToRgb,        rowPairFromRgb};
+const Kernels kPlain = {
+    plain::gradeRow,
+    plain::gradeAndFadeRow,
+    plain::fadeRow,
+    plain::hdrCacheRow,
+    plain::whiteBalanceRow,
+    plain::valueRow,
+    plain::analysisRow,
+    plain::detailRow,
+    plain::blendRow,
+    plain::synthesisRow,
+    [](const ToRgb& m, const Yv12Row& row, uint8_t* bgra, int width) { plain::rowToRgb(m, row, bgra, width); },
+    [](const FromRgb& m, const uint8_t* const (&bgra)[4], const Yv12RowPair& pair, int width) {
+      plain::rowPairFromRgb(m, bgra, pair, width);
+    }};
+
+// The rows of one call.
+struct Rows {
+  const uint8_t* in[5];
+  uint8_t* out[4];
+  const float* floats(int i) const { return reinterpret_cast<const float*>(in[i]); }
+  float* outFloats(int i) const { return reinterpret_cast<float*>(out[i]); }
+};
+
+enum Kind { kBgra, kFloats, kBytes, kChroma };
+size_t sizeOf(Kind kind, size_t pixels) {
+  return kind == kBytes ? pixels : kind == kChroma ? (pixels + 1) / 2 : 4 * pixels;
+}
+
+// A kernel with what it reads and writes; its other arguments follow from one number.
+struct Kernel {
+  const char* name;
+  std::vector<Kind> in, out;
+  std::vector<float> parameters;
+  void (*call)(const Kernels& kernels, const Rows& rows, size_t pixels, float parameter);
+  bool inPlace = true;  // the first row that is written may be the first that is read
+};
+
+const LatticeView& lattice() {
+  static const auto lut = [] {
+    auto table = std::make_unique<CubeLut>();
+    std::istringstream text(test::randomCube(33, test::Values::kWild));
+    table->readCube(text);
+    return table;
+  }();
+  static const LatticeView view = {lut->latticeSize, lut->fraction, lut->cell, &lut->lattice[0][0][0][0]};
+  return view;
+}
+
+const BlendTables& blends() {
+  static const auto table = acquireTable();
+  static const BlendTables tables = {table->multiply, table->mix};
+  return tables;
+}
+
+const RGB8* cache() {
+  static const Bytes bytes = test::noise(kCacheEntries * 3, 1);
+  return reinterpret_cast<const RGB8*>(bytes.data());
+}
+
+const Kernel kGrade = {"grade", {kBgra}, {kBgra}, {0}, [](const Kernels& k, const Rows& r, size_t n, float) {
+                         k.gradeRow(lattice(), blends(), r.in[0], r.out[0], n);
+                       }};
+const Kernel kGradeAndFade = {"gradeAndFade",
+                              {kBgra},
+                              {kBgra},
+                              {1, 127, 254},
+                              [](const Kernels& k, const Rows& r, size_t n, float t) {
+                                k.gradeAndFadeRow(lattice(), blends(), static_cast<int32_t>(t), r.in[0], r.out[0], n);
+                              },
+                              false};
+const Kernel kFade = {"fade", {kBgra}, {kBgra}, {0, 100, 255}, [](const Kernels& k, const Rows& r, size_t n, float t) {
+                        k.fadeRow(blends(), static_cast<int32_t>(t), r.in[0], r.out[0], n);
+                      }};
+const Kernel kHdrCache = {"hdrCache", {kBgra}, {kBgra}, {0}, [](const Kernels& k, const Rows& r, size_t n, float) {
+                            k.hdrCacheRow(cache(), r.in[0], r.out[0], n);
+                          }};
+const Kernel kWhiteBalance = {
+    "whiteBalance", {kBgra}, {kBgra}, {0.3f, 1.1f, 3.0f}, [](const Kernels& k, const Rows& r, size_t n, float gain) {
+      k.whiteBalanceRow({gain, 2 - gain, 1.2f * gain}, r.in[0], r.out[0], n);
+    }};
+const Kernel kValue = {"value", {kBgra}, {kFloats}, {0}, [](const Kernels& k, const Rows& r, size_t n, float) {
+                         k.valueRow(r.in[0], r.outFloats(0), n);
+                       }};
+const Kernel kAnalysis = {"analysis",
+                          {kBgra},
+                          {kFloats, kFloats, kFloats},
+                          {0.85f, 1.15f},
+                          [](const Kernels& k, const Rows& r, size_t n, float factor) {
+                            k.analysisRow(r.in[0], factor, r.outFloats(0), r.outFloats(1), r.outFloats(2), n);
+                          },
+                          false};
+const Kernel kDetail = {
+    "detail", {kFloats, kFloats, kFloats}, {kFloats}, {0}, [](const Kernels& k, const Rows& r, size_t n, float) {
+      k.detailRow(r.floats(0), r.floats(1), 22.222221f, 0.55f, r.floats(2), r.outFloats(0), n);
+    }};
+const Kernel kBlend = {"blend",
+                       {kFloats, kFloats},
+                       {kFloats},
+                       {0.01f, 0.5f, 1.0f},
+                       [](const Kernels& k, const Rows& r, size_t n, float share) {
+                         k.blendRow(r.floats(0), 1.0f - share, r.floats(1), share, r.outFloats(0), n);
+                       }};
+const Kernel kSynthesis = {"synthesis",
+                           {kBgra, kFloats, kFloats, kFloats},
+                           {kBgra},
+                           {0},
+                           [](const Kernels& k, const Rows& r, size_t n, float) {
+                             k.synthesisRow(r.floats(1), r.floats(2), r.floats(3), r.in[0], r.out[0], n);
+                           }};
+const Kernel kToRgb = {"toRgb",
+                       {kBytes, kChroma, kChroma, kChroma, kChroma},
+                       {kBgra},
+                       {0, 1},
+                       [](const Kernels& k, const Rows& r, size_t n, float full) {
+                         k.rowToRgb(toRgb(kBt2020, full != 0 ? kFull : kLimited),
+                                    {r.in[0], r.in[1], r.in[2], r.in[3], r.in[4]}, r.out[0], static_cast<int>(n));
+                       },
+                       false};
+const Kernel kFromRgb = {"fromRgb",
+                         {kBgra, kBgra, kBgra, kBgra},
+                         {kBytes, kBytes, kChroma, kChroma},
+                         {0, 1},
+                         [](const Kernels& k, const Rows& r, size_t n, float full) {
+                           k.rowPairFromRgb(fromRgb(kBt709, full != 0 ? kFull : kLimited),
+                                            {r.in[0], r.in[1], r.in[2], r.in[3]},
+                                            {r.out[0], r.out[1], r.out[2], r.out[3]}, static_cast<int>(n));
+                         },
+                         false};
+const Kernel* const kKernels[] = {&kGrade,    &kGradeAndFade, &kFade,  &kHdrCache,  &kWhiteBalance, &kValue,
+                                  &kAnalysis, &kDetail,       &kBlend, &kSynthesis, &kToRgb,        &kFromRgb};
+
+constexpr size_t kBorder = 129;  // known bytes around what is written; a vector is no longer
+
+// What a form makes of the rows, which start `start` bytes, or floats, off any alignment.
+std::array<Bytes, 4> results(const Kernel& kernel, const Kernels& form, const std::vector<Bytes>& in, size_t pixels,
+                             float parameter, size_t start, bool inPlace) {
+  Rows rows = {};
+  std::vector<Bytes> read;
+  std::array<Bytes, 4> written;
+  const auto startOf = [&](Kind kind) { return kind == kFloats ? 4 * start : start; };
+  for (size_t i = 0; i < kernel.in.size(); ++i) {
+    // Of exactly its size, so that the address sanitizer sees a byte read beyond it.
+    Bytes& row = read.emplace_back(startOf(kernel.in[i]));
+    row.insert(row.end(), in[i].begin(), in[i].begin() + static_cast<ptrdiff_t>(sizeOf(kernel.in[i], pixels)));
+  }
+  for (size_t i = 0; i < kernel.in.size(); ++i) rows.in[i] = read[i].data() + startOf(kernel.in[i]);
+  for (size_t i = 0; i < kernel.out.size(); ++i) {
+    // Noise, since some kernels also read it. Aligned for floats as far as the start allows.
+    const size_t begin = (kernel.out[i] == kFloats ? kBorder / 4 * 4 : kBorder) + startOf(kernel.out[i]);
+    written[i] = test::noise(begin + sizeOf(kernel.out[i], pixels) + kBorder, 3);
+    rows.out[i] = written[i].data() + begin;
+  }
+  if (inPlace) {
+    std::memcpy(rows.out[0], rows.in[0], sizeOf(kernel.in[0], pixels));
+    rows.in[0] = rows.out[0];
+  }
+  kernel.call(form, rows, pixels, parameter);
+  return written;
+}
+
+// Nothing when both forms give the same bytes, apart and in place, and the same around the rows.
+std::string differences(const Kernel& kernel, const std::vector<Bytes>& in, size_t pixels, float parameter,
+                        size_t start = 0) {
+  for (const bool inPlace : {false, true}) {
+    if (inPlace && !kernel.inPlace) break;
+    const auto expected = results(kernel, kPlain, in, pixels, parameter, start, inPlace);
+    const auto found = results(kernel, kVector, in, pixels, parameter, start, inPlace);
+    for (size_t i = 0; i < expected.size(); ++i) {
+      if (found[i] == expected[i]) continue;
+      const auto at = std::mismatch(found[i].begin(), found[i].end(), expected[i].begin()).first - found[i].begin();
+      std::ostringstream text;
+      text << kernel.name << (inPlace ? " in place" : "") << ", " << pixels << " pixels from " << start
+           << ", parameter " << parameter << ": row " << i << " differs from byte "
+           << at - static_cast<ptrdiff_t>(kBorder + start) << ": " << int{found[i][static_cast<size_t>(at)]} << " for "
+           << int{expected[i][static_cast<size_t>(at)]};
+      return text.str();
+    }
+  }
+  return "";
+}
+
+Bytes bytesOf(const std::vector<float>& floats) {
+  const auto* bytes = reinterpret_cast<const uint8_t*>(floats.data());
+  return {bytes, bytes + 4 * floats.size()};
+}
+
+std::vector<float> unitFloats(size_t count, unsigned seed) {
+  std::mt19937 random(seed);
+  std::vector<float> result(count);
+  for (float& number : result) number = static_cast<float>(random() >> 8) * 0x1p-24f;
+  return result;
+}
+
+class RowKernels : public test::EveryTarget {};
+INSTANTIATE_TEST_SUITE_P(On, RowKernels, test::everyTarget(), test::targetName);
+
+// Up to three of the widest vectors of any kernel, and a little.
+TEST_P(RowKernels, KeepToTheirRowInEveryWidth) {
+  for (const Kernel* const kernel : kKernels) {
+    for (size_t pixels = kernel == &kToRgb || kernel == &kFromRgb ? 1 : 0; pixels <= 3 * 64 + 3; ++pixels) {
+      for (size_t start = 0; start < 4; ++start) {
+        std::vector<Bytes> in;
+        const auto seed = static_cast<unsigned>(4 * pixels + start);
+        for (const Kind kind : kernel->in) {
+          in.push_back(kind == kFloats ? bytesOf(unitFloats(pixels, seed + static_cast<unsigned>(in.size())))
+                                       : test::harshNoise(4 * pixels, seed + static_cast<unsigned>(in.size())));
+        }
+        for (const float parameter : kernel->parameters) {
+          ASSERT_EQ(differences(*kernel, in, pixels, parameter, start), "");
+        }
+      }
+    }
+  }
+}
+
+TEST_P(RowKernels, AgreeOnEveryColour) {
+  const Bytes pixels = test::everyColour([](uint32_t i) { return i * 7; });
+  for (const Kernel* const kernel : {&kHdrCache, &kValue, &kAnalysis}) {
+    for (const float parameter : kernel->parameters) {
+      EXPECT_EQ(differences(*kernel, {pixels}, pixels.size() / 4, parameter), "");
+    }
+  }
+}
+
+// All pairs of bytes at all 256 weights: what is written begins as noise, so in place, where both are one, tells less.
+TEST_P(RowKernels, FadeEveryPairOfBytes) {
+  Bytes src(65536), graded(65536);
+  for (size_t i = 0; i < src.size(); ++i) src[i] = static_cast<uint8_t>(i >> 8), graded[i] = static_cast<uint8_t>(i);
+  for (int t = 0; t < 256; t += test::kStep) {
+    Bytes expected = graded, found = graded;
+    plain::fadeRow(blends(), t, src.data(), expected.data(), src.size() / 4);
+    fadeRow(blends(), t, src.data(), found.data(), src.size() / 4);
+    ASSERT_TRUE(found == expected) << t;
+  }
+}
+
+// Every chroma with every luma at both parities.
+TEST_P(RowKernels, MakeTheSamePixelsOfEveryYv12Colour) {
+  Bytes luma(512);
+  for (size_t x = 0; x < 512; ++x) luma[x] = static_cast<uint8_t>(x < 256 ? x : ~x);
+  for (int chroma = 0; chroma < 1 << 16; chroma += 3 * test::kStep) {
+    const Bytes v(256, static_cast<uint8_t>(chroma >> 8)), u(256, static_cast<uint8_t>(chroma));
+    for (const float full : {0.0f, 1.0f}) ASSERT_EQ(differences(kToRgb, {luma, v, v, u, u}, 512, full), "") << chroma;
+  }
+}
+
+// A number with the two floats before and behind it.
+std::array<float, 5> neighbours(float x) {
+  const float below = std::nextafterf(x, -9.0f), above = std::nextafterf(x, 999.0f);
+  return {std::nextafterf(below, -9.0f), below, x, above, std::nextafterf(above, 999.0f)};
+}
+
+// Every difference of samples from 0 to 1 whose weight is not 1, and beyond that as far as resampling may overshoot;
+// smaller ones of both signs, down to those whose square is lost.
+TEST_P(RowKernels, RaiseEveryDetail) {
+  constexpr uint32_t kBlock = 1 << 16;
+  const std::vector<float> zeros(kBlock);
+  std::vector<float> expected(kBlock), found(kBlock), fine(kBlock);
+  const auto compare = [&] {
+    kPlain.detailRow(fine.data(), zeros.data(), 22.222221f, 0.55f, zeros.data(), expected.data(), kBlock);
+    kVector.detailRow(fine.data(), zeros.data(), 22.222221f, 0.55f, zeros.data(), found.data(), kBlock);
+    ASSERT_EQ(std::memcmp(expected.data(), found.data(), sizeof(float) * kBlock), 0) << fine[0];
+  };
+  const auto end = std::bit_cast<uint32_t>(1.1f);
+  for (auto bits = std::bit_cast<uint32_t>(0x1p-15f); bits < end; bits += kBlock * test::kStep) {
+    for (uint32_t i = 0; i < kBlock; ++i) fine[i] = std::bit_cast<float>(bits + i);
+    compare();
+  }
+  for (uint32_t i = 0; i < kBlock; ++i) fine[i] = std::bit_cast<float>((i % 2) << 31 | i * 14000);
+  compare();
+}
+
+TEST_P(RowKernels, BlendInEveryProportion) {
+  std::vector<float> value = unitFloats(5000, 1), enhanced = unitFloats(5000, 2);
+  for (const float v : {0.0f, 1e-45f, 1e-38f, 1e-7f, 0.25f, 0.99999994f, 1.0f}) {
+    for (const float e : {-1.0f, -1e-45f, 0.0f, 1e-45f, 1e-38f, 0.99999994f, 1.0f, 1.5f}) {
+      value.push_back(v);
+      enhanced.push_back(e);
+    }
+  }
+  for (int percent = 1; percent <= 100; ++percent) {
+    const float share = static_cast<float>(percent) * 0.01f;
+    ASSERT_EQ(differences(kBlend, {bytesOf(value), bytesOf(enhanced)}, value.size(), share), "");
+  }
+}
+
+TEST_P(RowKernels, EncodeHuesAllAround) {
+  std::vector<float> hues, units = {1e-45f, 1e-20f, 1e-7f, 0.99999994f}, hue, saturation, value;
+  for (float degrees = 0.0f; degrees < 360.0f; degrees += 0.73f * test::kStep) hues.push_back(degrees);
+  for (int degrees = 0; degrees <= 360; degrees += 30) {
+    for (const float near : neighbours(static_cast<float>(degrees))) hues.push_back(std::clamp(near, 0.0f, 360.0f));
+  }
+  for (int i = 0; i <= 17; ++i) {
+    for (const float near : neighbours(static_cast<float>(i) / 17.0f)) units.push_back(std::clamp(near, 0.0f, 1.0f));
+  }
+  for (const float h : hues) {
+    for (const float s : units) {
+      for (const float v : units) hue.push_back(h), saturation.push_back(s), value.push_back(v);
+    }
+  }
+  EXPECT_EQ(differences(kSynthesis, {test::noise(4 * hue.size(), 5), bytesOf(hue), bytesOf(saturation), bytesOf(value)},
+                        hue.size(), 0),
+            "");
+}
+
+}  // namespace
+}  // namespace Lumvane

@@ -1,0 +1,149 @@
+// What a LUT makes of one colour, from the definitions: cells, tetrahedra, bytes, blends.
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <memory>
+#include <sstream>
+
+#include "apply/byte_conversions.h"
+#include "apply/step_reciprocal.h"
+#include "apply/tetrahedral_lookup.h"
+#include "lut/blend_table.h"
+#include "lut/cube_lut.h"
+#include "tests/inputs.h"
+
+namespace Lumvane {
+namespace {
+
+constexpr float kInfinity = std::numeric_limits<float>::infinity();
+
+// The values that 255 / (N - 1) puts just beside a lattice point. Vector forms multiply where the tables divide.
+TEST(InterpolationTables, PlaceBytesInTheirCells) {
+  const auto lut = std::make_unique<CubeLut>();
+  lut->status = statusOk;
+  for (int n = 2; n <= 65; ++n) {
+    lut->latticeSize = n;
+    lut->fillInterpolationTables();
+    EXPECT_EQ(lut->cell[0], 0) << n;
+    EXPECT_EQ(lut->cell[255], n - 1) << n;
+    const bool above = n == 8 || n == 15 || n == 29 || n == 57 || n == 64;
+    EXPECT_EQ(lut->fraction[255] > 0.0f, above) << n;
+    EXPECT_LT(lut->fraction[255], 1e-5f) << n;
+    const StepReciprocal reciprocal(n);
+    for (int v = 0; v < 256; ++v) {
+      const float byte = static_cast<float>(v), x = byte / (255.0f / static_cast<float>(n - 1));
+      EXPECT_EQ(byte * reciprocal.high + byte * reciprocal.low, x) << n << " " << v;
+      EXPECT_EQ(static_cast<float>(lut->cell[v]) + lut->fraction[v], x) << n << " " << v;
+    }
+  }
+}
+
+// The same colour from the definition: from the lower corner of the cell along the axes in the order of their fractions,
+// each step weighted by its fraction.
+TEST(Tetrahedra, AreWalkedAlongTheLargestFractionFirst) {
+  const auto lut = std::make_unique<CubeLut>();
+  std::istringstream text(test::randomCube(9));
+  ASSERT_EQ(lut->readCube(text), 0);
+  const LatticeView view = {9, lut->fraction, lut->cell, &lut->lattice[0][0][0][0]};
+  const test::Bytes colours = test::noise(300000, 1);
+  for (size_t i = 0; i < colours.size(); i += 3) {
+    const uint8_t* const rgb = &colours[i];
+    const auto found = tetrahedralLookup(view, rgb[0], rgb[1], rgb[2]);
+    int at[3], axes[3] = {0, 1, 2};
+    double fractions[3], expected[3];
+    for (int a = 0; a < 3; ++a)
+      fractions[a] = std::modf(rgb[a] * 8 / 255.0, &expected[0]), at[a] = static_cast<int>(expected[0]);
+    std::sort(axes, axes + 3, [&](int a, int b) { return fractions[a] > fractions[b]; });
+    const float* point = view.point(at[0], at[1], at[2]);
+    std::copy_n(point, 3, expected);
+    for (const int axis : axes) {
+      at[axis] = std::min(at[axis] + 1, 8);
+      const float* const next = view.point(at[0], at[1], at[2]);
+      for (int c = 0; c < 3; ++c) expected[c] += fractions[axis] * (double{next[c]} - point[c]);
+      point = next;
+    }
+    for (size_t c = 0; c < 3; ++c)
+      ASSERT_NEAR(found[c], expected[c], 2e-4) << int{rgb[0]} << " " << int{rgb[1]} << " " << int{rgb[2]};
+  }
+}
+
+TEST(RoundToByte, GoesUpToTheNextEvenOrWholeNumber) {
+  for (const auto& [value, byte] : std::initializer_list<std::pair<float, int>>{{10.0f, 10},
+                                                                                {10.2f, 11},
+                                                                                {10.9f, 11},
+                                                                                {11.0f, 12},
+                                                                                {255.0f, 255},
+                                                                                {254.0f, 254},
+                                                                                {300.0f, 255},
+                                                                                {-4.0f, 0},
+                                                                                {-0.2f, 0},
+                                                                                {0.0f, 0},
+                                                                                {1e-20f, 0},
+                                                                                {0.1f, 1},
+                                                                                {2147483520.0f, 255},
+                                                                                {2147483648.0f, 0},
+                                                                                {kInfinity, 0},
+                                                                                {-kInfinity, 0},
+                                                                                {-3e9f, 0},
+                                                                                {NAN, 0}}) {
+    EXPECT_EQ(roundToByte(value), byte) << value;
+  }
+}
+
+TEST(TruncToByte, RoundsHalvesUpAndWrapsBelowZero) {
+  for (const auto& [value, byte] : std::initializer_list<std::pair<float, int>>{{10.0f, 10},
+                                                                                {10.4f, 10},
+                                                                                {10.5f, 11},
+                                                                                {11.0f, 11},
+                                                                                {255.0f, 255},
+                                                                                {300.0f, 255},
+                                                                                {-0.2f, 0},
+                                                                                {-1.4f, 0},
+                                                                                {-1.5f, 255},
+                                                                                {-2.5f, 254},
+                                                                                {-257.5f, 255},
+                                                                                {1e30f, 255},
+                                                                                {-1e30f, 0},
+                                                                                {NAN, 0},
+                                                                                {kInfinity, 255},
+                                                                                {-kInfinity, 0}}) {
+    EXPECT_EQ(truncToByte(value), byte) << value;
+  }
+}
+
+// The planes as such are on record. The largest m with 255 m <= a t + b (255 - t) is found by counting up: as t grows by
+// one, the right side moves by a - b.
+TEST(BlendTable, HoldsProductsAndMeans) {
+  const auto table = acquireTable();
+  for (int a = 0; a < 256; ++a) {
+    for (int b = 0; b < 256; ++b) {
+      ASSERT_EQ(table->multiply[a][b], std::lround(a * b / 255.0)) << a << " " << b;
+      int mean = b, rest = 0;
+      for (int t = 0; t < 256; ++t) {
+        ASSERT_EQ(table->mix[a][b][t], mean) << a << " " << b << " " << t;
+        rest += a - b;
+        if (rest >= 255) ++mean, rest -= 255;
+        if (rest < 0) --mean, rest += 255;
+      }
+    }
+  }
+}
+
+TEST(CubeLut, RefusesFramesWithoutATable) {
+  const auto lut = std::make_unique<CubeLut>();
+  test::Frame src(4, 4), dst(4, 4);
+  src.fillWithNoise(3);
+  for (const auto& [size, result] : {std::pair{0, 23}, {66, 23}, {-1, 23}, {1, 0}, {65, 0}}) {
+    lut->latticeSize = size;
+    lut->status = statusUnloaded;
+    dst.fill(test::Bytes(64, 7));
+    EXPECT_EQ(lut->apply(dst.data(), 0, src.data(), 4, 4, 0), result) << size;
+    EXPECT_EQ(lut->status, statusOk) << size;
+    EXPECT_EQ(dst.packed() == test::Bytes(64, 7), result != 0) << size;
+  }
+}
+
+}  // namespace
+}  // namespace Lumvane

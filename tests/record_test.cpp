@@ -1,0 +1,450 @@
+// The record of bytes: tests/record.txt has a digest for each of many frames and tables, and every build, with each set
+// of vector instructions and with the plain forms, on one thread and on three, has to give the same.
+//
+//   lumvane_record_test RECORD     compares
+//   lumvane_record_test --print    prints the list, for a change of bytes that is meant
+//
+// Lines that begin with "opencv" rest on how OpenCV's build resamples planes, and hold for Debian's.
+
+#include <cstring>
+#include <functional>
+#include <iostream>
+#include <map>
+#include <opencv2/core/utility.hpp>
+#include <sstream>
+
+#include "hdr/hdr_shared.h"
+#include "hdr/yv12_conversions.h"
+#include "lut/blend_table.h"
+#include "lut/cube_lut.h"
+#include "tests/effects.h"
+#include "tests/targets.h"
+#include "tests/yv12.h"
+
+namespace {
+
+using test::Bytes;
+using test::Frame;
+using test::Plane;
+using test::Values;
+using test::Yv12Frame;
+
+// FNV-1a by words of 64 bits (http://www.isthe.com/chongo/tech/comp/fnv/), with a shift behind each product that brings
+// its upper bits down again.
+uint64_t digest(const void* data, size_t size) {
+  uint64_t hash = 0xcbf29ce484222325 + size;
+  for (size_t i = 0; i < size; i += 8) {
+    uint64_t word = 0;
+    std::memcpy(&word, static_cast<const uint8_t*>(data) + i, std::min<size_t>(8, size - i));
+    hash = (hash ^ word) * 0x100000001b3;
+    hash ^= hash >> 29;
+  }
+  return hash;
+}
+
+// Takes each line: a name and a digest.
+using Report = std::function<void(const std::string& name, uint64_t digest)>;
+
+template <class... Words>
+std::string words(const Words&... all) {
+  std::ostringstream text;
+  ((text << all), ...);
+  return text.str();
+}
+
+#ifdef LUMVANE_SANITIZED
+constexpr bool kAllColours = false;  // they take too long under a sanitizer
+#else
+constexpr bool kAllColours = true;
+#endif
+constexpr int kSide = 4096;  // of a frame with a pixel for every colour
+
+// Every colour once; one pixel in four is translucent.
+const Bytes& allColours() {
+  static const Bytes bytes = test::everyColour([](uint32_t i) { return i % 4 == 0 ? i / 4 * 31 : 255u; });
+  return bytes;
+}
+
+// Half noise, half smooth; alpha of all values.
+const Bytes& picture(int width, int height) {
+  static std::map<std::pair<int, int>, Bytes> made;
+  Bytes& bytes = made[{width, height}];
+  if (!bytes.empty()) return bytes;
+  bytes = test::noise(size_t{4} * width * height, 7);
+  for (int y = 0; y < height; ++y) {
+    if (y % 64 >= 32) continue;
+    for (int x = 0; x < width; ++x) {
+      uint8_t* const pixel = bytes.data() + size_t{4} * (size_t{1} * y * width + x);
+      for (int c = 0; c < 3; ++c) pixel[c] = static_cast<uint8_t>((x * (c + 1) + y * (3 - c)) / 4);
+    }
+  }
+  return bytes;
+}
+
+// A frame from bytes to bytes, rows `srcPadding` and `dstPadding` bytes apart; below 0, bottom-up.
+using Render = std::function<void(Frame& dst, Frame& src)>;
+Bytes rendered(int width, int height, const Bytes& pixels, const Render& render, int srcPadding = 0,
+               int dstPadding = 0) {
+  const auto stride = [&](int padding) {
+    return padding == 0 ? 0 : padding < 0 ? -4 * width + padding : 4 * width + padding;
+  };
+  Frame src(width, height, stride(srcPadding)), dst(width, height, stride(dstPadding));
+  src.fill(pixels);
+  render(dst, src);
+  return dst.packed();
+}
+Bytes renderedInPlace(int width, int height, const Render& render) {
+  return rendered(width, height, picture(width, height), [&](Frame& dst, Frame& src) {
+    dst.fill(src.packed());
+    render(dst, dst);
+  });
+}
+
+struct Size {
+  int width, height;
+};
+// Around the 10000 pixels from which frames are spread over threads, and with fewer rows than bands.
+constexpr Size kSizes[] = {{1, 1},     {3, 2},    {17, 5},   {99, 101},  {100, 100},
+                           {101, 100}, {1301, 8}, {4000, 3}, {10007, 1}, {641, 479}};
+constexpr int kWidest = 70;  // a little more than four of the widest vectors
+
+void reportBytes(const Report& report, const std::string& name, const Bytes& bytes) {
+  report(name, digest(bytes.data(), bytes.size()));
+}
+
+// All widths to begin with, in one digest.
+void reportWidths(const Report& report, const std::string& name, const Render& render) {
+  Bytes all;
+  for (int width = 1; width <= kWidest; ++width) {
+    const Bytes bytes = rendered(width, 2, picture(width, 2), render);
+    all.insert(all.end(), bytes.begin(), bytes.end());
+  }
+  reportBytes(report, name + ", widths", all);
+}
+
+// ---- LUT grading
+
+Render gradeBy(void* effect, int strength) {
+  return [=](Frame& dst, Frame& src) {
+    Lut3DColorAdjustEffectProcess(effect, dst.data(), src.width, src.height, dst.stride, src.data(), 0, 0, src.stride,
+                                  strength);
+  };
+}
+
+// A lattice in which the byte v becomes v: what is graded by it is multiplied by alpha alone.
+std::string keepingCube() {
+  const std::string ends[] = {"-0.0019607843 ", "0.99803922 "};
+  std::string text = "LUT_3D_SIZE 2\n";
+  for (int i = 0; i < 8; ++i) text += ends[i & 1] + ends[i >> 1 & 1] + ends[i >> 2] + "\n";
+  return text;
+}
+
+void reportLut(const Report& report, const std::string& lut, const std::u16string& path, bool inDetail) {
+  void* const effect = Create3DLutColorAdjustEffect(path.c_str(), 0, 0);
+  ASSERT_NE(effect, nullptr) << lut;
+  const std::string name = "lut " + lut;
+  if (kAllColours) {
+    reportBytes(report, name + ", all colours", rendered(kSide, kSide, allColours(), gradeBy(effect, 100)));
+  }
+  reportBytes(report, name + ", 641 x 479, strength 70", rendered(641, 479, picture(641, 479), gradeBy(effect, 70)));
+  if (inDetail) {
+    if (kAllColours) {
+      reportBytes(report, name + ", all colours, strength 50",
+                  rendered(kSide, kSide, allColours(), gradeBy(effect, 50)));
+    }
+    for (const auto [width, height] : kSizes) {
+      const Bytes& pixels = picture(width, height);
+      for (const int strength : {1, 99, 100}) {
+        const auto where = words(name, ", ", width, " x ", height, ", strength ", strength);
+        reportBytes(report, where, rendered(width, height, pixels, gradeBy(effect, strength)));
+        reportBytes(report, where + ", in place", renderedInPlace(width, height, gradeBy(effect, strength)));
+      }
+      for (const auto& [srcPadding, dstPadding] : {std::pair{12, 0}, {0, 5}, {-4, 7}, {-1, -64}}) {
+        reportBytes(report, words(name, ", ", width, " x ", height, ", padded by ", srcPadding, " and ", dstPadding),
+                    rendered(width, height, pixels, gradeBy(effect, 60), srcPadding, dstPadding));
+      }
+    }
+    for (const int strength : {50, 100})
+      reportWidths(report, words(name, ", strength ", strength), gradeBy(effect, strength));
+    Bytes all;
+    for (int strength = -1; strength <= 102; ++strength) {
+      const Bytes bytes = rendered(64, 33, picture(64, 33), gradeBy(effect, strength));
+      all.insert(all.end(), bytes.begin(), bytes.end());
+    }
+    reportBytes(report, name + ", every strength", all);
+    // Two frames in one buffer, the destination a row above the source; small, since bands would race for the rows.
+    Frame both(40, 31);
+    both.fill(picture(40, 31));
+    Lut3DColorAdjustEffectProcess(effect, both.row(0), 40, 30, 0, both.row(1), 0, 0, 0, 30);
+    reportBytes(report, name + ", a row apart", both.packed());
+  }
+  Destory3DLutColorAdjustEffect(effect);
+}
+
+// One byte a pixel, which no export asks for.
+void reportPlanes(const Report& report) {
+  const auto lut = std::make_unique<Lumvane::CubeLut>();
+  std::istringstream text(test::randomCube(17));
+  lut->readCube(text);
+  lut->alphaMode = true;
+  for (const auto [width, height] : kSizes) {
+    for (const int padding : {0, 3}) {
+      Plane dst(width, height, padding);
+      lut->apply(dst.data(), padding == 0 ? 0 : dst.stride, picture(width, height).data(), width, height, 0);
+      reportBytes(report, words("lut to a plane, ", width, " x ", height, ", padded by ", padding), dst.packed());
+    }
+  }
+}
+
+void reportLuts(const Report& report) {
+  const test::LutFolder folder;
+  for (const char* name : {"look.cube", "look.3dl", "tiny.cube"}) {
+    reportLut(report, name, (std::filesystem::path(folder.path) / name).u16string(), false);
+  }
+  for (const auto& [name, text, inDetail] : {std::tuple{"of 2 points, wild", test::randomCube(2, Values::kWild), false},
+                                             {"of 33 points", test::randomCube(33), true},
+                                             {"of 57 points, halves", test::randomCube(57, Values::kHalves), false},
+                                             {"of 65 points, wild", test::randomCube(65, Values::kWild), false}}) {
+    reportLut(report, name, test::TemporaryFile("lut.cube", text).utf16(), inDetail);
+  }
+  const test::TemporaryFile keeping("keeping.cube", keepingCube());
+  void* const effect = Create3DLutColorAdjustEffect(keeping.utf16().c_str(), 0, 0);
+  Bytes pixels;
+  for (int i = 0; i < 65536; ++i) {
+    for (const int byte : {i, i, i, i >> 8}) pixels.push_back(static_cast<uint8_t>(byte));
+  }
+  reportBytes(report, "lut that keeps colours, every byte at every alpha",
+              rendered(256, 256, pixels, gradeBy(effect, 100)));
+  Destory3DLutColorAdjustEffect(effect);
+  reportPlanes(report);
+
+  const auto table = Lumvane::acquireTable();
+  const auto* const planes = reinterpret_cast<const uint8_t*>(table.get());
+  for (size_t plane = 0; plane < 19; ++plane) {
+    report(words("blend table, plane ", plane), digest(planes + plane * 65536, 65536));
+  }
+  Bytes mix;
+  for (const auto& rows : table->mix) {
+    for (const auto& row : rows) mix.insert(mix.end(), row, row + 256);
+  }
+  reportBytes(report, "blend table, mix", mix);
+  report("blend table, last plane", digest(table->screen255, 65536));
+}
+
+// ---- Clarity
+
+Render clarify(int width, int height, int saturation, int intensity) {
+  return [=](Frame& dst, Frame& src) {
+    void* const effect = CreateNLEPureCClarity(width, height, 0, saturation, intensity);
+    EXPECT_EQ(
+        NLEPureCClarityProcess(effect, dst.data(), src.width, src.height, dst.stride, src.data(), 0, 0, src.stride), 1);
+    DestoryNLEPureCClarity(effect);
+  };
+}
+
+void reportClarity(const Report& report) {
+  for (const int saturation : {-100, 0, 37, 100}) {
+    reportWidths(report, words("clarity, saturation ", saturation), clarify(64, 64, saturation, 0));
+    if (kAllColours) {
+      reportBytes(report, words("clarity, all colours, saturation ", saturation),
+                  rendered(kSide, kSide, allColours(), clarify(64, 64, saturation, 0)));
+    }
+  }
+  // Sides around those at which a level is added, and around the widths of vectors and of the chunks of a row.
+  std::vector<Size> sizes = {{640, 363}, {1920, 1080}, {1, 50},   {50, 1},   {2, 9},
+                             {333, 65},  {65, 333},    {511, 70}, {513, 70}, {1025, 12}};
+  for (const int side : {1, 2, 3, 4, 5, 7, 8, 9, 15, 16, 17, 31, 32, 33, 47, 63, 64, 65, 66, 129})
+    sizes.push_back({side, side});
+  for (const auto [width, height] : sizes) {
+    const Bytes& pixels = picture(width, height);
+    const std::string name = words("opencv clarity, ", width, " x ", height);
+    for (const auto& [saturation, intensity] : {std::pair{0, 100}, {-60, 37}, {1000, 1000}}) {
+      reportBytes(report, words(name, ", saturation ", saturation, ", intensity ", intensity),
+                  rendered(width, height, pixels, clarify(width, height, saturation, intensity)));
+    }
+    reportBytes(report, name + ", in place", renderedInPlace(width, height, clarify(width, height, 20, 70)));
+    reportBytes(report, name + ", padded", rendered(width, height, pixels, clarify(width, height, 20, 70), 12, 5));
+    reportBytes(report, name + ", made for another size", rendered(width, height, pixels, clarify(20, 9, 20, 70)));
+  }
+  Bytes all;
+  for (int intensity = 0; intensity <= 100; ++intensity) {
+    const Bytes bytes = rendered(70, 66, picture(70, 66), clarify(70, 66, intensity - 50, intensity));
+    all.insert(all.end(), bytes.begin(), bytes.end());
+  }
+  reportBytes(report, "opencv clarity, every intensity", all);
+}
+
+// ---- White balance
+
+Render balance(float temperature, float tint) {
+  return [=](Frame& dst, Frame& src) {
+    WhiteBalanceFun(src.data(), dst.data(), 0, 0, 0, temperature, tint, src.width, src.height);
+  };
+}
+
+void reportWhiteBalance(const Report& report) {
+  Bytes everyByte;
+  for (int i = 0; i < 1024; ++i) everyByte.push_back(static_cast<uint8_t>(i / 4));
+  for (const float tint : {-2.0f, -0.31f, 0.0f, 0.17f, 1.0f, 3e9f, INFINITY, NAN}) {
+    Bytes all;
+    const auto add = [&](float temperature) {
+      const Bytes bytes = rendered(256, 1, everyByte, balance(temperature, tint));
+      all.insert(all.end(), bytes.begin(), bytes.end());
+    };
+    for (int i = -300; i < 300; ++i) add(static_cast<float>(i) / 128.0f + 0.001f);
+    for (const float odd : {1e-40f, 1e30f, -1e30f, INFINITY, -INFINITY, NAN}) add(odd);
+    reportBytes(report, words("white balance, every byte, tint ", tint), all);
+  }
+  reportWidths(report, "white balance", balance(0.3f, -0.1f));
+  // From 16 MiB on frames are written past the caches.
+  for (const auto [width, height] : {Size{101, 100}, Size{2053, 2050}}) {
+    for (const int start : {0, 1, 4, 60}) {
+      Frame src(width, height), dst(width, height + 1);
+      src.fill(picture(width, height));
+      WhiteBalanceFun(src.data(), dst.data() + start, 0, 0, 0, 0.3f, -0.1f, width, height);
+      reportBytes(report, words("white balance, ", width, " x ", height, " from byte ", start), dst.packed());
+    }
+    reportBytes(report, words("white balance, ", width, " x ", height, ", in place"),
+                renderedInPlace(width, height, balance(0.3f, -0.1f)));
+  }
+}
+
+// ---- HDR
+
+Yv12Frame converted(const std::u16string& folder, int flags, Yv12Frame src, int dstPadding, bool inPlace = false) {
+  const int width = src.y.width, height = src.y.height;
+  void* const effect = CreateVideoAdjustColor(folder.c_str(), 0, flags & 1, flags & 2, width, height);
+  Yv12Frame dst(width, height, dstPadding);
+  EXPECT_TRUE(src.processTo(inPlace ? src : dst, effect, flags));
+  DestroyVideoAdjustColor(effect);
+  return inPlace ? src : dst;
+}
+
+// Of 16 by 16 pixels with one chroma, and each luma once: but for the edges of these, every colour there is.
+Yv12Frame allYv12Colours() {
+  Yv12Frame frame(kSide, kSide);
+  for (int y = 0; y < kSide; ++y) {
+    for (int x = 0; x < kSide; ++x) frame.y.row(y)[x] = static_cast<uint8_t>(y % 16 * 16 + x % 16);
+    for (int x = 0; x < kSide / 2; ++x) {
+      if (y % 2 == 0)
+        frame.v.row(y / 2)[x] = static_cast<uint8_t>(y / 16), frame.u.row(y / 2)[x] = static_cast<uint8_t>(x / 8);
+    }
+  }
+  return frame;
+}
+
+void reportHdrFrames(const Report& report, const std::u16string& folder) {
+  for (int flags = 0; flags < 4; ++flags) {
+    const std::string name = words("hdr, ", flags & 2 ? "PQ, " : "HLG, ", flags & 1 ? "limited" : "full", " range");
+    if (kAllColours) {
+      static Yv12Frame colours = allYv12Colours();
+      reportBytes(report, name + ", all colours", converted(folder, flags, colours, 0).packed());
+    }
+    Bytes widths;
+    for (int width = 1; width <= 2 * kWidest; ++width) {
+      Yv12Frame src(width, 3);
+      src.fill(test::harshNoise(size_t{6} * width + 12, static_cast<unsigned>(width)));
+      const Bytes bytes = converted(folder, flags, src, 0).packed();
+      widths.insert(widths.end(), bytes.begin(), bytes.end());
+    }
+    reportBytes(report, name + ", widths", widths);
+    for (const auto [width, height] : kSizes) {
+      const Bytes noise = test::harshNoise(size_t{2} * width * height + 8, static_cast<unsigned>(width));
+      for (const int padding : {0, 3, -1}) {
+        Yv12Frame src(width, height, padding);
+        src.fill(noise);
+        const auto where = words(name, ", ", width, " x ", height, ", padded by ", padding);
+        reportBytes(report, where, converted(folder, flags, src, padding).packed());
+        reportBytes(report, where + ", in place", converted(folder, flags, src, padding, true).packed());
+      }
+    }
+  }
+}
+
+// The tables that the first object of a process computes. A PQ file that ends in its header, behind a good HLG file of
+// another size, leaves tables and size of different files.
+void reportHdr(const Report& report) {
+  const std::string endsInHeader = "LUT_3D_SIZE 9\nDOMAIN_MIN 0\n";
+  struct Pair {
+    const char* name;
+    std::string hlg, pq;
+    bool frames;
+  };
+  for (const auto& [name, hlg, pq, frames] :
+       {Pair{"65 and 33 points", test::randomCube(65), test::randomCube(33), true},
+        Pair{"52 points, halves, and 17, wild", test::randomCube(52, Values::kHalves),
+             test::randomCube(17, Values::kWild), false},
+        Pair{"2 points, wild, and a header of 9", test::randomCube(2, Values::kWild), endsInHeader, false}}) {
+    if (!kAllColours && !frames) continue;
+    Lumvane::dropHdrData();
+    const test::HdrFolder folder(hlg, pq);
+    DestroyVideoAdjustColor(CreateVideoAdjustColor(folder.folder().c_str(), 0, 0, 0, 1, 1));
+    for (const bool isPq : {false, true}) {
+      const auto& cache = Lumvane::hdrTransferData(isPq).cache;
+      report(words("hdr, ", name, ", cache of ", isPq ? "PQ" : "HLG"), digest(cache.data(), 3 * cache.size()));
+    }
+    if (frames) reportHdrFrames(report, folder.folder());
+  }
+  Lumvane::dropHdrData();
+  if (!kAllColours) return;
+  // BGRA pixels to planes, of which the LUTs leave few.
+  for (const bool limited : {false, true}) {
+    Yv12Frame dst(kSide, kSide);
+    (limited ? imageRGBAToYV12BT709_Limited : imageRGBAToYV12BT709_Full)(allColours().data(), 4 * kSide, dst.y.data(),
+                                                                         dst.y.step(), dst.v.data(), dst.v.step(),
+                                                                         dst.u.data(), dst.u.step(), kSide, kSide);
+    reportBytes(report, words("all colours to planes, ", limited ? "limited" : "full", " range"), dst.packed());
+  }
+}
+
+void reportAll(const Report& report) {
+  reportLuts(report);
+  reportClarity(report);
+  reportWhiteBalance(report);
+  reportHdr(report);
+}
+
+std::string recordFile;
+
+std::map<std::string, uint64_t> readRecord() {
+  std::map<std::string, uint64_t> record;
+  std::ifstream file(recordFile);
+  for (std::string line; std::getline(file, line);) {
+    if (line.ends_with('\r')) line.pop_back();
+    if (!line.starts_with('#')) record[line.substr(17)] = std::stoull(line, nullptr, 16);
+  }
+  return record;
+}
+
+class Record : public testing::TestWithParam<std::tuple<int64_t, int>> {};
+
+TEST_P(Record, Holds) {
+  const auto [target, threads] = GetParam();
+  std::map<std::string, uint64_t> record = readRecord();
+  ASSERT_FALSE(record.empty()) << "no record in '" << recordFile << "'";
+  test::useTarget(target);
+  cv::setNumThreads(threads);
+  reportAll([&](const std::string& name, uint64_t found) {
+    EXPECT_EQ(record.count(name), 1u) << name << " is not on record, or comes twice";
+    EXPECT_EQ(record[name], found) << name;
+    record.erase(name);
+  });
+  test::useTarget(0);
+  for (const auto& [name, unused] : record) EXPECT_FALSE(kAllColours) << name << " is on record, but was not made";
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    , Record, testing::Combine(testing::ValuesIn(hwy::SupportedAndGeneratedTargets()), testing::Values(1, 3)),
+    [](const auto& info) { return words(hwy::TargetName(std::get<0>(info.param)), "_", std::get<1>(info.param)); });
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  testing::InitGoogleTest(&argc, argv);
+  if (argc > 1) recordFile = argv[1];
+  if (recordFile != "--print") return RUN_ALL_TESTS();
+  reportAll([](const std::string& name, uint64_t found) {
+    std::printf("%016llx %s\n", static_cast<unsigned long long>(found), name.c_str());
+  });
+  return 0;
+}

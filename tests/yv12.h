@@ -1,0 +1,52 @@
+// YV12 frames: Y, then V (Cr) and U (Cb) of half the size, rounded up.
+#pragma once
+
+#include "lumvane.h"
+#include "tests/inputs.h"
+
+namespace test {
+
+struct Plane : Frame {
+  /// A padding below 0 makes rows that lie bottom-up, packed.
+  Plane(int width, int height, int padding = 0) : Frame(width, height, padding < 0 ? -width : width + padding, 1) {}
+};
+
+/// The planes may be of any type that has data(), step(), fill() and packed().
+template <class PlaneType>
+struct Yv12 {
+  PlaneType y, v, u;
+
+  template <class... Layout>
+  Yv12(int width, int height, const Layout&... layout)
+      : y(width, height, layout...),
+        v((width + 1) / 2, (height + 1) / 2, layout...),
+        u((width + 1) / 2, (height + 1) / 2, layout...) {}
+
+  /// The bytes of all planes from those of one text of bytes, which is long enough.
+  void fill(const Bytes& bytes) {
+    auto rest = bytes.begin();
+    for (PlaneType* plane : {&y, &v, &u}) {
+      const auto size = static_cast<ptrdiff_t>(plane->packed().size());
+      plane->fill({rest, rest + size});
+      rest += size;
+    }
+  }
+  Bytes packed() {
+    Bytes result;
+    for (PlaneType* plane : {&y, &v, &u}) {
+      const Bytes bytes = plane->packed();
+      result.insert(result.end(), bytes.begin(), bytes.end());
+    }
+    return result;
+  }
+  /// By an HDR object of this size, with planes of the same strides; `reserved` must not count.
+  bool processTo(Yv12& dst, void* handle, int reserved = 0,
+                 decltype(&VideoAdjustColorProcess) process = &VideoAdjustColorProcess) {
+    return process(handle, y.data(), v.data(), u.data(), y.step(), v.step(), u.step(), reserved, -reserved,
+                   dst.y.data(), dst.v.data(), dst.u.data());
+  }
+};
+
+using Yv12Frame = Yv12<Plane>;
+
+}  // namespace test
