@@ -1,15 +1,15 @@
 #!/bin/sh
-# Each plug-in in a real host, over a short clip: what the host writes has to be, byte for byte, what the library makes
-# of the same frames.
-#   hosts.sh ffmpeg|melt RAW_FRAMES PLUGIN_FOLDER SAMPLES
+# Each plug-in in a real host, over a short clip: what the host writes has to be, byte for byte, what lumvane-host makes of
+# the same pictures.
+#   hosts.sh ffmpeg|melt LUMVANE-HOST PLUGIN_FOLDER SAMPLES
 # Exit code 77 where the host is not installed.
 set -u
 host=$1
-frames=$2
+program=$2
 export FREI0R_PATH=$3
 lut=$4/teal_orange.cube
-for program in "$host" ffmpeg; do  # FFmpeg also packs clips for melt
-  command -v "$program" >/dev/null || { echo "skipped: $program is not installed"; exit 77; }
+for needed in "$host" ffmpeg; do  # FFmpeg also packs clips for melt
+  command -v "$needed" >/dev/null || { echo "skipped: $needed is not installed"; exit 77; }
 done
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
@@ -23,11 +23,11 @@ case $host in
   melt) width=150 ;;
   *) exit 2 ;;
 esac
-raw="-f rawvideo -pix_fmt bgra -s ${width}x$height -r 25"
+raw='-f rawvideo -pix_fmt bgra'
 
 run_ffmpeg() {  # run_ffmpeg PLUGIN FIRST SECOND
   # shellcheck disable=SC2086  # a list of words
-  ffmpeg -nostdin -v error -y $raw -i clip.raw -vf "frei0r=$1:$2|$3" -f rawvideo -pix_fmt bgra out.raw
+  ffmpeg -nostdin -v error -y $raw -s ${width}x$height -r 25 -i clip.raw -vf "frei0r=$1:$2|$3" $raw out.raw
 }
 
 run_melt() {  # run_melt PLUGIN FIRST SECOND [PROPERTY]
@@ -41,7 +41,16 @@ run_melt() {  # run_melt PLUGIN FIRST SECOND [PROPERTY]
       >melt.log 2>&1 && [ -s out.mkv ] && break
   done
   [ -s out.mkv ] || { cat melt.log; return 1; }
-  ffmpeg -nostdin -v error -y -i out.mkv -f rawvideo -pix_fmt bgra out.raw
+  # shellcheck disable=SC2086
+  ffmpeg -nostdin -v error -y -i out.mkv $raw out.raw
+}
+
+# expect COMMAND...: the frames as lumvane-host makes them
+expect() {
+  rm -rf graded
+  "$program" "$@" clip graded || exit 1
+  # shellcheck disable=SC2086
+  ffmpeg -nostdin -v error -y -i graded/%d.png $raw expected.raw || exit 1
 }
 
 # gives PLUGIN FIRST SECOND [PROPERTY]: the host's frames are those in expected.raw
@@ -50,10 +59,14 @@ gives() {
   "run_$host" "$@" && cmp out.raw expected.raw || { echo "failed: $host, $*"; failed=1; }
 }
 
-"$frames" clip $width $height 4 >clip.raw || exit 1
+# Slopes under noise, no two channels alike, opaque on the left and of every alpha on the right.
+mkdir clip
+ffmpeg -nostdin -v error -f lavfi -i "nullsrc=s=${width}x$height:r=25,format=rgba,geq=r='60*N+40*random(1)':\
+g='220*Y/H+30*random(2)':b='220*X/W+30*random(3)':a='if(lt(2*X,W),255,255*random(4))'" -frames:v 4 clip/%d.png || exit 1
+# shellcheck disable=SC2086
+ffmpeg -nostdin -v error -i clip/%d.png $raw clip.raw || exit 1
 if [ "$host" = melt ]; then
-  # shellcheck disable=SC2086
-  ffmpeg -nostdin -v error $raw -i clip.raw -c:v ffv1 clip.mkv || exit 1
+  ffmpeg -nostdin -v error -i clip/%d.png -pix_fmt bgra -c:v ffv1 clip.mkv || exit 1
   # melt does not bear a profile without a description.
   cat >clip.profile <<END
 description=clip
@@ -70,14 +83,12 @@ colorspace=709
 END
 fi
 
-"$frames" lut $width $height "$lut" 60 <clip.raw >expected.raw
+expect lut --lut "$lut" --strength 60
 gives lumvane_lut "$lut" 0.6
 [ "$host" = melt ] && gives lumvane_lut "$lut" 0.6 threads=2
-"$frames" lut $width $height "$lut" 100 <clip.raw >expected.raw
-gives lumvane_lut "$lut" 1
-"$frames" clarity $width $height 70 20 <clip.raw >expected.raw
+expect clarity --intensity 70 --saturation 20
 gives lumvane_clarity 0.7 0.6
-"$frames" whitebalance $width $height 0.5 -0.25 <clip.raw >expected.raw
+expect whitebalance --temperature 0.5 --tint -0.25
 gives lumvane_whitebalance 0.75 0.375
 [ "$host" = melt ] && gives lumvane_whitebalance 0.75 0.375 threads=2
 
