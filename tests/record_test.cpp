@@ -81,45 +81,53 @@ const Bytes& picture(int width, int height) {
   return bytes;
 }
 
-// A frame from bytes to bytes, rows `srcPadding` and `dstPadding` bytes apart; below 0, bottom-up.
+// Takes a frame from src to dst, whose strides may be anything that the effect allows.
 using Render = std::function<void(Frame& dst, Frame& src)>;
-Bytes rendered(int width, int height, const Bytes& pixels, const Render& render, int srcPadding = 0,
-               int dstPadding = 0) {
-  const auto stride = [&](int padding) {
-    return padding == 0 ? 0 : padding < 0 ? -4 * width + padding : 4 * width + padding;
-  };
-  Frame src(width, height, stride(srcPadding)), dst(width, height, stride(dstPadding));
-  src.fill(pixels);
-  render(dst, src);
-  return dst.packed();
-}
-Bytes renderedInPlace(int width, int height, const Render& render) {
-  return rendered(width, height, picture(width, height), [&](Frame& dst, Frame& src) {
-    dst.fill(src.packed());
-    render(dst, dst);
-  });
-}
 
 struct Size {
   int width, height;
 };
 // Around the 10000 pixels from which frames are spread over threads, and with fewer rows than bands.
-constexpr Size kSizes[] = {{1, 1},     {3, 2},    {17, 5},   {99, 101},  {100, 100},
-                           {101, 100}, {1301, 8}, {4000, 3}, {10007, 1}, {641, 479}};
+const std::vector<Size> kSizes = {{1, 1},     {3, 2},    {17, 5},   {99, 101},  {100, 100},
+                                  {101, 100}, {1301, 8}, {4000, 3}, {10007, 1}, {641, 479}};
 constexpr int kWidest = 70;  // a little more than four of the widest vectors
+
+void add(Bytes& all, const Bytes& more) { all.insert(all.end(), more.begin(), more.end()); }
+
+Bytes rendered(int width, int height, const Bytes& pixels, const Render& render) {
+  Frame src(width, height), dst(width, height);
+  src.fill(pixels);
+  render(dst, src);
+  return dst.packed();
+}
 
 void reportBytes(const Report& report, const std::string& name, const Bytes& bytes) {
   report(name, digest(bytes.data(), bytes.size()));
 }
 
-// All widths to begin with, in one digest.
-void reportWidths(const Report& report, const std::string& name, const Render& render) {
-  Bytes all;
-  for (int width = 1; width <= kWidest; ++width) {
-    const Bytes bytes = rendered(width, 2, picture(width, 2), render);
-    all.insert(all.end(), bytes.begin(), bytes.end());
+// All widths to begin with, in one digest; frames of each size, apart, in place, and with rows further apart than packed
+// ones, by these numbers of bytes in source and destination; below 0 they lie bottom-up.
+void reportFrames(const Report& report, const std::string& name, const std::vector<Size>& sizes, const Render& render,
+                  const std::vector<std::pair<int, int>>& paddings) {
+  Bytes widths;
+  for (int width = 1; width <= kWidest; ++width) add(widths, rendered(width, 2, picture(width, 2), render));
+  reportBytes(report, name + ", widths", widths);
+  for (const auto [width, height] : sizes) {
+    const Bytes& pixels = picture(width, height);
+    const std::string where = words(name, ", ", width, " x ", height);
+    reportBytes(report, where, rendered(width, height, pixels, render));
+    Frame inPlace(width, height);
+    inPlace.fill(pixels);
+    render(inPlace, inPlace);
+    reportBytes(report, where + ", in place", inPlace.packed());
+    for (const auto& [srcPadding, dstPadding] : paddings) {
+      const auto stride = [&](int padding) { return padding == 0 ? 0 : (padding < 0 ? -4 : 4) * width + padding; };
+      Frame src(width, height, stride(srcPadding)), dst(width, height, stride(dstPadding));
+      src.fill(pixels);
+      render(dst, src);
+      reportBytes(report, words(where, ", padded by ", srcPadding, " and ", dstPadding), dst.packed());
+    }
   }
-  reportBytes(report, name + ", widths", all);
 }
 
 // ---- LUT grading
@@ -143,41 +151,26 @@ void reportLut(const Report& report, const std::string& lut, const std::u16strin
   void* const effect = Create3DLutColorAdjustEffect(path.c_str(), 0, 0);
   ASSERT_NE(effect, nullptr) << lut;
   const std::string name = "lut " + lut;
-  if (kAllColours) {
-    reportBytes(report, name + ", all colours", rendered(kSide, kSide, allColours(), gradeBy(effect, 100)));
+  for (const int strength : {50, 100}) {
+    if (!kAllColours) break;
+    reportBytes(report, words(name, ", all colours, strength ", strength),
+                rendered(kSide, kSide, allColours(), gradeBy(effect, strength)));
   }
-  reportBytes(report, name + ", 641 x 479, strength 70", rendered(641, 479, picture(641, 479), gradeBy(effect, 70)));
-  if (inDetail) {
-    if (kAllColours) {
-      reportBytes(report, name + ", all colours, strength 50",
-                  rendered(kSide, kSide, allColours(), gradeBy(effect, 50)));
-    }
-    for (const auto [width, height] : kSizes) {
-      const Bytes& pixels = picture(width, height);
-      for (const int strength : {1, 99, 100}) {
-        const auto where = words(name, ", ", width, " x ", height, ", strength ", strength);
-        reportBytes(report, where, rendered(width, height, pixels, gradeBy(effect, strength)));
-        reportBytes(report, where + ", in place", renderedInPlace(width, height, gradeBy(effect, strength)));
-      }
-      for (const auto& [srcPadding, dstPadding] : {std::pair{12, 0}, {0, 5}, {-4, 7}, {-1, -64}}) {
-        reportBytes(report, words(name, ", ", width, " x ", height, ", padded by ", srcPadding, " and ", dstPadding),
-                    rendered(width, height, pixels, gradeBy(effect, 60), srcPadding, dstPadding));
-      }
-    }
-    for (const int strength : {50, 100})
-      reportWidths(report, words(name, ", strength ", strength), gradeBy(effect, strength));
-    Bytes all;
-    for (int strength = -1; strength <= 102; ++strength) {
-      const Bytes bytes = rendered(64, 33, picture(64, 33), gradeBy(effect, strength));
-      all.insert(all.end(), bytes.begin(), bytes.end());
-    }
-    reportBytes(report, name + ", every strength", all);
-    // Two frames in one buffer, the destination a row above the source; small, since bands would race for the rows.
-    Frame both(40, 31);
-    both.fill(picture(40, 31));
-    Lut3DColorAdjustEffectProcess(effect, both.row(0), 40, 30, 0, both.row(1), 0, 0, 0, 30);
-    reportBytes(report, name + ", a row apart", both.packed());
+  for (const int strength : {1, 99, 100}) {
+    if (!inDetail) break;
+    reportFrames(report, words(name, ", strength ", strength), kSizes, gradeBy(effect, strength),
+                 {{12, 0}, {0, 5}, {-4, 7}, {-1, -64}});
   }
+  Bytes all;
+  for (int strength = -1; strength <= 102; ++strength) {
+    add(all, rendered(64, 33, picture(64, 33), gradeBy(effect, strength)));
+  }
+  reportBytes(report, name + ", every strength", all);
+  // Two frames in one buffer, the destination a row above the source; small, since bands would race for the rows.
+  Frame both(40, 31);
+  both.fill(picture(40, 31));
+  Lut3DColorAdjustEffectProcess(effect, both.row(0), 40, 30, 0, both.row(1), 0, 0, 0, 30);
+  reportBytes(report, name + ", a row apart", both.packed());
   Destory3DLutColorAdjustEffect(effect);
 }
 
@@ -210,9 +203,7 @@ void reportLuts(const Report& report) {
   const test::TemporaryFile keeping("keeping.cube", keepingCube());
   void* const effect = Create3DLutColorAdjustEffect(keeping.utf16().c_str(), 0, 0);
   Bytes pixels;
-  for (int i = 0; i < 65536; ++i) {
-    for (const int byte : {i, i, i, i >> 8}) pixels.push_back(static_cast<uint8_t>(byte));
-  }
+  for (int i = 0; i < 65536; ++i) add(pixels, Bytes(3, static_cast<uint8_t>(i))), pixels.push_back(i >> 8 & 255);
   reportBytes(report, "lut that keeps colours, every byte at every alpha",
               rendered(256, 256, pixels, gradeBy(effect, 100)));
   Destory3DLutColorAdjustEffect(effect);
@@ -225,7 +216,7 @@ void reportLuts(const Report& report) {
   }
   Bytes mix;
   for (const auto& rows : table->mix) {
-    for (const auto& row : rows) mix.insert(mix.end(), row, row + 256);
+    for (const auto& row : rows) add(mix, Bytes(row, row + 256));
   }
   reportBytes(report, "blend table, mix", mix);
   report("blend table, last plane", digest(table->screen255, 65536));
@@ -244,32 +235,25 @@ Render clarify(int width, int height, int saturation, int intensity) {
 
 void reportClarity(const Report& report) {
   for (const int saturation : {-100, 0, 37, 100}) {
-    reportWidths(report, words("clarity, saturation ", saturation), clarify(64, 64, saturation, 0));
-    if (kAllColours) {
-      reportBytes(report, words("clarity, all colours, saturation ", saturation),
-                  rendered(kSide, kSide, allColours(), clarify(64, 64, saturation, 0)));
-    }
+    reportFrames(report, words("clarity, saturation ", saturation), {{101, 100}}, clarify(64, 64, saturation, 0), {});
+    if (!kAllColours) continue;
+    reportBytes(report, words("clarity, saturation ", saturation, ", all colours"),
+                rendered(kSide, kSide, allColours(), clarify(64, 64, saturation, 0)));
   }
   // Sides around those at which a level is added, and around the widths of vectors and of the chunks of a row.
   std::vector<Size> sizes = {{640, 363}, {1920, 1080}, {1, 50},   {50, 1},   {2, 9},
                              {333, 65},  {65, 333},    {511, 70}, {513, 70}, {1025, 12}};
-  for (const int side : {1, 2, 3, 4, 5, 7, 8, 9, 15, 16, 17, 31, 32, 33, 47, 63, 64, 65, 66, 129})
+  for (const int side : {1, 2, 3, 4, 5, 7, 8, 9, 15, 16, 17, 31, 32, 33, 47, 63, 64, 65, 66, 129}) {
     sizes.push_back({side, side});
-  for (const auto [width, height] : sizes) {
-    const Bytes& pixels = picture(width, height);
-    const std::string name = words("opencv clarity, ", width, " x ", height);
-    for (const auto& [saturation, intensity] : {std::pair{0, 100}, {-60, 37}, {1000, 1000}}) {
-      reportBytes(report, words(name, ", saturation ", saturation, ", intensity ", intensity),
-                  rendered(width, height, pixels, clarify(width, height, saturation, intensity)));
-    }
-    reportBytes(report, name + ", in place", renderedInPlace(width, height, clarify(width, height, 20, 70)));
-    reportBytes(report, name + ", padded", rendered(width, height, pixels, clarify(width, height, 20, 70), 12, 5));
-    reportBytes(report, name + ", made for another size", rendered(width, height, pixels, clarify(20, 9, 20, 70)));
+  }
+  for (const auto& [levels, saturation, intensity] : {std::tuple{64, 20, 70}, {65, -60, 100}, {7, 1000, 1000}}) {
+    reportFrames(report,
+                 words("opencv clarity of side ", levels, ", saturation ", saturation, ", intensity ", intensity),
+                 sizes, clarify(levels, levels, saturation, intensity), {{12, 5}});
   }
   Bytes all;
   for (int intensity = 0; intensity <= 100; ++intensity) {
-    const Bytes bytes = rendered(70, 66, picture(70, 66), clarify(70, 66, intensity - 50, intensity));
-    all.insert(all.end(), bytes.begin(), bytes.end());
+    add(all, rendered(70, 66, picture(70, 66), clarify(70, 66, intensity - 50, intensity)));
   }
   reportBytes(report, "opencv clarity, every intensity", all);
 }
@@ -287,25 +271,22 @@ void reportWhiteBalance(const Report& report) {
   for (int i = 0; i < 1024; ++i) everyByte.push_back(static_cast<uint8_t>(i / 4));
   for (const float tint : {-2.0f, -0.31f, 0.0f, 0.17f, 1.0f, 3e9f, INFINITY, NAN}) {
     Bytes all;
-    const auto add = [&](float temperature) {
-      const Bytes bytes = rendered(256, 1, everyByte, balance(temperature, tint));
-      all.insert(all.end(), bytes.begin(), bytes.end());
-    };
-    for (int i = -300; i < 300; ++i) add(static_cast<float>(i) / 128.0f + 0.001f);
-    for (const float odd : {1e-40f, 1e30f, -1e30f, INFINITY, -INFINITY, NAN}) add(odd);
+    for (int i = -300; i < 300; ++i) {
+      add(all, rendered(256, 1, everyByte, balance(static_cast<float>(i) / 128.0f + 0.001f, tint)));
+    }
+    for (const float odd : {1e-40f, 1e30f, -1e30f, INFINITY, -INFINITY, NAN}) {
+      add(all, rendered(256, 1, everyByte, balance(odd, tint)));
+    }
     reportBytes(report, words("white balance, every byte, tint ", tint), all);
   }
-  reportWidths(report, "white balance", balance(0.3f, -0.1f));
-  // From 16 MiB on frames are written past the caches.
-  for (const auto [width, height] : {Size{101, 100}, Size{2053, 2050}}) {
-    for (const int start : {0, 1, 4, 60}) {
-      Frame src(width, height), dst(width, height + 1);
-      src.fill(picture(width, height));
-      WhiteBalanceFun(src.data(), dst.data() + start, 0, 0, 0, 0.3f, -0.1f, width, height);
-      reportBytes(report, words("white balance, ", width, " x ", height, " from byte ", start), dst.packed());
-    }
-    reportBytes(report, words("white balance, ", width, " x ", height, ", in place"),
-                renderedInPlace(width, height, balance(0.3f, -0.1f)));
+  // From 16 MiB on frames are written past the caches, from a place on that depends on the first byte's.
+  const Size large = {2053, 2050};
+  reportFrames(report, "white balance", {{101, 100}, large}, balance(0.3f, -0.1f), {});
+  for (const int start : {1, 4, 60}) {
+    Frame src(large.width, large.height), dst(large.width, large.height + 1);
+    src.fill(picture(large.width, large.height));
+    WhiteBalanceFun(src.data(), dst.data() + start, 0, 0, 0, 0.3f, -0.1f, large.width, large.height);
+    reportBytes(report, words("white balance from byte ", start), dst.packed());
   }
 }
 
@@ -344,8 +325,7 @@ void reportHdrFrames(const Report& report, const std::u16string& folder) {
     for (int width = 1; width <= 2 * kWidest; ++width) {
       Yv12Frame src(width, 3);
       src.fill(test::harshNoise(size_t{6} * width + 12, static_cast<unsigned>(width)));
-      const Bytes bytes = converted(folder, flags, src, 0).packed();
-      widths.insert(widths.end(), bytes.begin(), bytes.end());
+      add(widths, converted(folder, flags, src, 0).packed());
     }
     reportBytes(report, name + ", widths", widths);
     for (const auto [width, height] : kSizes) {
@@ -365,16 +345,11 @@ void reportHdrFrames(const Report& report, const std::u16string& folder) {
 // another size, leaves tables and size of different files.
 void reportHdr(const Report& report) {
   const std::string endsInHeader = "LUT_3D_SIZE 9\nDOMAIN_MIN 0\n";
-  struct Pair {
-    const char* name;
-    std::string hlg, pq;
-    bool frames;
-  };
   for (const auto& [name, hlg, pq, frames] :
-       {Pair{"65 and 33 points", test::randomCube(65), test::randomCube(33), true},
-        Pair{"52 points, halves, and 17, wild", test::randomCube(52, Values::kHalves),
-             test::randomCube(17, Values::kWild), false},
-        Pair{"2 points, wild, and a header of 9", test::randomCube(2, Values::kWild), endsInHeader, false}}) {
+       {std::tuple{"65 and 33 points", test::randomCube(65), test::randomCube(33), true},
+        {"52 points, halves, and 17, wild", test::randomCube(52, Values::kHalves), test::randomCube(17, Values::kWild),
+         false},
+        {"2 points, wild, and a header of 9", test::randomCube(2, Values::kWild), endsInHeader, false}}) {
     if (!kAllColours && !frames) continue;
     Lumvane::dropHdrData();
     const test::HdrFolder folder(hlg, pq);

@@ -77,37 +77,6 @@ double colourAt(Frame& rgba, int c, int chromaX, int chromaY) {
 
 class Yv12Test : public testing::TestWithParam<bool> {};
 
-// A frame of 2 x 2 pixels has one colour of its own.
-TEST_P(Yv12Test, ConvertsUniformColoursWithinOneCodeValue) {
-  const bool limited = GetParam();
-  const Model in(0.2627, 0.0593, limited), out(0.2126, 0.0722, limited);
-  double worst = 0;
-  for (int a = 0; a < 256; a += 3) {
-    for (int b = 0; b < 256; b += 5) {
-      for (int c = 0; c < 256; c += 5) {
-        Yv12Frame frame(2, 2);
-        Frame rgba(2, 2);
-        for (int i = 0; i < 4; ++i) frame.y.row(i / 2)[i % 2] = static_cast<uint8_t>(a);
-        frame.u.row(0)[0] = static_cast<uint8_t>(b);
-        frame.v.row(0)[0] = static_cast<uint8_t>(c);
-        toRgb(limited, frame, rgba);
-        for (int n = 0; n < 3; ++n) worst = std::max(worst, distance(in.bgr(a, b, c)[n], rgba.row(1)[4 + n]));
-
-        for (int i = 0; i < 4; ++i) {
-          uint8_t* pixel = rgba.row(i / 2) + i % 2 * 4;
-          pixel[0] = static_cast<uint8_t>(a), pixel[1] = static_cast<uint8_t>(b), pixel[2] = static_cast<uint8_t>(c);
-        }
-        fromRgb(limited, rgba, frame);
-        const auto expected = out.yCbCr(a, b, c);
-        worst = std::max({worst, distance(expected[0], frame.y.row(1)[1]), distance(expected[1], frame.u.row(0)[0]),
-                          distance(expected[2], frame.v.row(0)[0])});
-      }
-    }
-  }
-  RecordProperty("worst", std::to_string(worst));
-  EXPECT_LT(worst, 0.51);  // half a code value of rounding, and the coefficients' own
-}
-
 TEST_P(Yv12Test, KeepsGreysNeutral) {
   const bool limited = GetParam();
   for (int grey = 0; grey < 256; ++grey) {
@@ -130,7 +99,7 @@ TEST_P(Yv12Test, KeepsGreysNeutral) {
 TEST_P(Yv12Test, FiltersChromaAsItIsSited) {
   const bool limited = GetParam();
   const Model in(0.2627, 0.0593, limited), out(0.2126, 0.0722, limited);
-  for (const auto& [width, height] : {std::pair{1, 1}, {2, 1}, {1, 2}, {3, 3}, {4, 6}, {17, 33}, {64, 20}}) {
+  for (const auto& [width, height] : {std::pair{1, 1}, {2, 1}, {1, 2}, {3, 3}, {4, 6}, {17, 33}, {640, 480}}) {
     Yv12Frame frame(width, height, 3), back(width, height, 3);
     Frame rgba(width, height, 4 * width + 3);
     frame.fill(test::harshNoise(size_t{2} * width * height + 8, 1));
