@@ -3,9 +3,7 @@
 #include <climits>
 #include <cmath>
 #include <memory>
-#include <opencv2/core/utility.hpp>
 
-#include "clarity/clarity_passes.h"
 #include "clarity/clarity_pyramid.h"
 #include "clarity/clarity_rows.h"
 #include "clarity/nle_pure_c_clarity.h"
@@ -148,24 +146,6 @@ TEST(ClarityPyramid, HasALevelForEachHalvingOfTheShorterSide) {
   }
 }
 
-// Every band of every height that a plane can be cut into.
-TEST(ClarityPyramid, BringsUpBandsAsItDoesPlanes) {
-  cv::Mat buffer;
-  for (const auto& [width, height] : {std::pair{37, 1}, {5, 2}, {2, 3}, {64, 9}, {131, 22}, {131, 23}}) {
-    cv::Mat fine(height, width, CV_32FC1), coarse, expected;
-    cv::randu(fine, 0.0, 1.0);
-    Lumvane::pyramidDown(fine, coarse);
-    Lumvane::pyramidUp(coarse, fine.size(), expected);
-    for (int first = 0; first < height; ++first) {
-      for (int end = first + 1; end <= height; ++end) {
-        const cv::Mat rows = Lumvane::pyramidUpRows(coarse, fine.size(), first, end, buffer);
-        ASSERT_EQ(rows.size(), cv::Size(width, end - first));
-        ASSERT_EQ(cv::countNonZero(rows != expected.rowRange(first, end)), 0) << height << " " << first << " " << end;
-      }
-    }
-  }
-}
-
 // The weight is the exponential rounded correctly, which C libraries do not promise. What bytes of a frame hide as long
 // as it is small.
 TEST(ClarityRows, WeighDetailsByTheCorrectlyRoundedExponential) {
@@ -177,18 +157,6 @@ TEST(ClarityRows, WeighDetailsByTheCorrectlyRoundedExponential) {
     const auto weight = static_cast<float>(std::exp(-static_cast<long double>(exponent)));
     const float gained = d * 0.55f, raised = gained * weight;
     ASSERT_EQ(out[i], raised + d) << d;
-  }
-}
-
-TEST(StripeRows, CoverEachRowOnce) {
-  for (const auto& [rows, stripes] : {std::pair{1, 16}, {16, 16}, {1083, 16}, {7, 2}, {200000000, 16}}) {
-    int next = 0;
-    for (int stripe = 0; stripe < stripes; ++stripe) {
-      const Lumvane::StripeRows band(cv::Range(stripe, stripe + 1), rows, stripes);
-      EXPECT_EQ(band.first, next) << rows << " " << stripe;
-      next = band.end;
-    }
-    EXPECT_EQ(next, rows);
   }
 }
 

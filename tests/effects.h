@@ -3,10 +3,7 @@
 
 #include <filesystem>
 #include <fstream>
-#include <locale>
-#include <sstream>
 #include <string>
-#include <vector>
 
 #include "lumvane.h"
 #include "tests/inputs.h"
@@ -32,33 +29,28 @@ inline const Library kLinked = {
 /// LUT files in a folder of their own: look.cube, look.3dl, tiny.cube, and the two for HDR.
 class LutFolder {
  public:
-  LutFolder() : look_("look.cube", cube(5, 0.0)) {
+  LutFolder() : look_("look.cube", cube(5, "0.1")) {
     const std::filesystem::path folder = std::filesystem::path(look_.utf16()).parent_path();
     path = folder.u16string();
     std::ofstream(folder / "look.3dl") << threeDl();
     std::ofstream(folder / "tiny.cube") << tinyCube();
-    std::ofstream(folder / "HDR_HLG.cube") << cube(4, 0.05);
-    std::ofstream(folder / "HDR_PQ.cube") << cube(3, 0.1);
+    std::ofstream(folder / "HDR_HLG.cube") << cube(4, "0.05");
+    std::ofstream(folder / "HDR_PQ.cube") << cube(3, "0.2");
   }
   std::u16string path;
 
  private:
   // All the ways in which numbers are read: header and rows, plain decimals, exponents, hexadecimal ones, long ones.
-  static std::string cube(int size, double lift) {
-    const std::string longNumber = "0x0.8" + std::string(2000, '0') + "p0";
-    std::ostringstream text;
-    text.imbue(std::locale::classic());
-    text << "TITLE \"a title of more letters than a short string holds\"\nDOMAIN_MIN -0.125 0 0\n"
-         << "LUT_3D_SIZE " << size << "\nDOMAIN_MAX 0.875 1.25 1.0\n";
+  static std::string cube(int size, const std::string& lift) {
+    std::string text =
+        "TITLE \"a title of more letters than a short string holds\"\nDOMAIN_MIN -0.125 0 0\nLUT_3D_SIZE " +
+        std::to_string(size) + "\nDOMAIN_MAX 0.875 1.25 1.0\n";
     for (int i = 0; i < size * size * size; ++i) {
-      text << lift + 0.9 * (i % size) / (size - 1) << ' ' << 1.2 * (i / size % size) / (size - 1) - 0.1
-           << (i % 3 == 0 ? "e0 " : " ")
-           << (i % 5 == 0 ? "0x1.8p-1"
-               : i == 6   ? longNumber
-                          : "0.37251964")
-           << "\n";
+      const char* const blues[] = {"0x1.8p-1", "0.37251964", ".5e-1"};
+      text += lift + std::to_string(i % size * 17) + ' ' + std::to_string(i / size % size) +
+              (i % 3 == 0 ? "e-1 " : " ") + (i == 6 ? "0x0.8" + std::string(2000, '0') + "p0" : blues[i % 3]) + "\n";
     }
-    return text.str();
+    return text;
   }
   static std::string threeDl() {
     std::string text = "0 512 1023\n";

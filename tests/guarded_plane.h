@@ -1,12 +1,8 @@
 // Rows of bytes between pages that nobody may touch: one byte read or written beyond them ends the program.
 #pragma once
 
-#ifdef _WIN32
-#include <windows.h>
-#else
 #include <sys/mman.h>
 #include <unistd.h>
-#endif
 
 #include <algorithm>
 #include <cstddef>
@@ -36,23 +32,6 @@ class Pages {
  public:
   enum Access { kNone, kRead, kReadAndWrite };
 
-#ifdef _WIN32
-  explicit Pages(size_t bytes)
-      : bytes_(bytes), memory_(VirtualAlloc(nullptr, bytes, MEM_RESERVE | MEM_COMMIT, PAGE_NOACCESS)) {
-    if (memory_ == nullptr) throw std::bad_alloc();
-  }
-  ~Pages() { VirtualFree(memory_, 0, MEM_RELEASE); }
-  static void allow(void* at, Access access) {
-    const DWORD protections[] = {PAGE_NOACCESS, PAGE_READONLY, PAGE_READWRITE};
-    DWORD before;
-    if (!VirtualProtect(at, static_cast<size_t>(size()), protections[access], &before)) throw std::bad_alloc();
-  }
-  static int size() {
-    SYSTEM_INFO info;
-    GetSystemInfo(&info);
-    return static_cast<int>(info.dwPageSize);
-  }
-#else
   explicit Pages(size_t bytes)
       : bytes_(bytes), memory_(mmap(nullptr, bytes, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0)) {
     if (memory_ == MAP_FAILED) throw std::bad_alloc();
@@ -63,14 +42,13 @@ class Pages {
     if (mprotect(at, static_cast<size_t>(size()), protections[access]) != 0) throw std::bad_alloc();
   }
   static int size() { return static_cast<int>(sysconf(_SC_PAGESIZE)); }
-#endif
   Pages(const Pages&) = delete;
   Pages& operator=(const Pages&) = delete;
 
   uint8_t* data() const { return static_cast<uint8_t*>(memory_); }
 
  private:
-  [[maybe_unused]] size_t bytes_;
+  size_t bytes_;
   void* memory_;
 };
 

@@ -1,4 +1,4 @@
-// What a LUT makes of one colour, from the definitions: cells, tetrahedra, bytes, blends.
+// What a LUT makes of one colour, from the definitions: cells, tetrahedra, bytes.
 
 #include <gtest/gtest.h>
 
@@ -10,7 +10,6 @@
 #include "apply/byte_conversions.h"
 #include "apply/step_reciprocal.h"
 #include "apply/tetrahedral_lookup.h"
-#include "lut/blend_table.h"
 #include "lut/cube_lut.h"
 #include "tests/inputs.h"
 
@@ -110,24 +109,6 @@ TEST(TruncToByte, RoundsHalvesUpAndWrapsBelowZero) {
                                                                                 {kInfinity, 255},
                                                                                 {-kInfinity, 0}}) {
     EXPECT_EQ(truncToByte(value), byte) << value;
-  }
-}
-
-// The planes as such are on record. The largest m with 255 m <= a t + b (255 - t) is found by counting up: as t grows by
-// one, the right side moves by a - b.
-TEST(BlendTable, HoldsProductsAndMeans) {
-  const auto table = acquireTable();
-  for (int a = 0; a < 256; ++a) {
-    for (int b = 0; b < 256; ++b) {
-      ASSERT_EQ(table->multiply[a][b], std::lround(a * b / 255.0)) << a << " " << b;
-      int mean = b, rest = 0;
-      for (int t = 0; t < 256; ++t) {
-        ASSERT_EQ(table->mix[a][b][t], mean) << a << " " << b << " " << t;
-        rest += a - b;
-        if (rest >= 255) ++mean, rest -= 255;
-        if (rest < 0) --mean, rest += 255;
-      }
-    }
   }
 }
 

@@ -6,21 +6,20 @@ namespace Lumvane {
 namespace {
 
 TEST(NLEFilterParams, StripsTheSchemeFromPathsAlone) {
-  struct Case {
-    int type;
-    const char *text, *stored;
-  };
-  for (const auto& c :
-       {Case{5, "file:/a", "file:/a"}, Case{6, "file:/a", "a"}, Case{6, "a", "a"}, Case{6, "x file:/y", "x y"},
-        Case{6, "file:/file:/a", "file:/a"}, Case{6, "File:/a", "File:/a"}}) {
+  for (const auto& [type, text, stored] : {std::tuple{5, "file:/a", "file:/a"},
+                                           {6, "file:/a", "a"},
+                                           {6, "a", "a"},
+                                           {6, "x file:/y", "x y"},
+                                           {6, "file:/file:/a", "file:/a"},
+                                           {6, "File:/a", "File:/a"}}) {
     NLEFilterParams parameter;
-    parameter.type = c.type;
-    parameter.SetValue({3, c.text, 9});
+    parameter.type = type;
+    parameter.SetValue({3, text, 9});
     NLEFilterValue value;
     parameter.GetValue(value);
-    EXPECT_EQ(value.text, c.stored);
+    EXPECT_EQ(value.text, stored);
     EXPECT_EQ(value.number, 3u);
-    EXPECT_EQ(value.type, c.type);
+    EXPECT_EQ(value.type, type);
     EXPECT_EQ(parameter.value.type, 9);
   }
 }

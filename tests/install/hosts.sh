@@ -27,13 +27,13 @@ else
   export PKG_CONFIG_PATH="$library/pkgconfig" LD_LIBRARY_PATH="$library"
   mkdir "$folder/hosts"
   # shellcheck disable=SC2046  # lists of words
-  cc -Wall -Wextra -Werror "$sources/host.c" -o "$folder/hosts/c_host" $("$pkg_config" --cflags --libs lumvane)
+  cc -std=c11 -Wall -Wextra -Werror "$sources/../c_host.c" -o "$folder/hosts/c_host" $("$pkg_config" --cflags --libs lumvane)
   # shellcheck disable=SC2046
   c++ -std=c++17 -Wall -Wextra -Werror "$sources/host.cpp" -o "$folder/hosts/cpp_host" \
     $("$pkg_config" --cflags --libs lumvane)
   "$pkg_config" --modversion lumvane | grep -q '^[0-9.]*$'
 fi
-"$folder/hosts/c_host"
+"$folder/hosts/c_host" "$samples/silver.cube"
 "$folder/hosts/cpp_host" "$samples/silver.cube"
 
 # The program finds the library by itself.

@@ -46,9 +46,5 @@ cmp out.y4m piped.y4m || fail 'standard input and output'
 expect_code 2 nonsense
 cp in.y4m ä.y4m
 expect_code 2 hdr --luts luts --transfer hlg ä.y4m Ä.Y4M  # one name to Windows
-mkdir one two both
-cp again.ppm one/a.ppm
-cp again.ppm two/A.ppm
-expect_code 2 whitebalance one/a.ppm two/A.ppm both
 expect_code 3 lut --lut missing.cube again.ppm x.ppm
 expect_code 4 scene nowhere/x.ppm
