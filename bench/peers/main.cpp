@@ -55,7 +55,7 @@ void run(const Arguments& arguments) {
   bench::Report report(arguments.settings, arguments.tsv);
   bench::stateFacts(report, arguments.commit);
   for (const auto cases : {bench::lutCases, bench::whiteBalanceCases, bench::clarityCases, bench::hdrCases,
-                           bench::loadCases, bench::firstCallCases, bench::memoryCases}) {
+                           bench::growthCases, bench::loadCases, bench::firstCallCases, bench::memoryCases}) {
     try {
       cases(report);
     } catch (const std::exception& error) {  // the others can go on

@@ -4,49 +4,32 @@
 
 #include "bench/frames.h"
 #include "bench/peers/cases.h"
-#include "bench/peers/peer.h"
-#include "lumvane.h"
+#include "bench/peers/effects.h"
 
 namespace bench {
 namespace {
 
-constexpr float kTemperature = 0.2f;
-constexpr float kTint = -0.05f;
-// The gains of these two, as numbers that FFmpeg reads: 1 + tint / 2 + temperature, and so on.
+// The gains of the effect's temperature and tint, as numbers that FFmpeg reads: 1 + tint / 2 + temperature, and so on.
 constexpr const char* kGains = "colorchannelmixer=rr=1.175:gg=1.05:bb=0.775";
 
-void ofSize(Report& report, const std::string& size, int width, int height, bool barred) {
-  const Picture src = {"bgra", width, height, {photoLikeFrame(width, height)}};
-  Picture dst = src;
-  const double megapixels = 1e-6 * width * height;
-  const auto limit = [barred](double value) { return barred ? std::optional(value) : std::nullopt; };
-  const auto balance = [&] {
-    WhiteBalanceFun(src.planes[0].data(), dst.planes[0].data(), 0, 0, 0, kTemperature, kTint, width, height);
-  };
-  const std::string name = "white balance " + size + " photo";
-
-  Picture copy = src;
-  report.compare({name + ": memcpy", 1, megapixels, {Bar::timesAsFast, limit(0.7)}}, frames(balance),
+void ofSize(Report& report, const Size& size, bool barred) {
+  const std::string name = "white balance " + size.name + " photo";
+  const Picture src = photoLikeFrame(size);
+  Picture dst = src, copy = src;
+  const Side ours = frames(whiteBalanceEffect(size), src, dst);
+  report.compare({name + ": memcpy", 1, size.megapixels(), {Bar::timesAsFast, onlyIf(barred, 0.7)}}, ours,
                  frames([&] { std::memcpy(copy.planes[0].data(), src.planes[0].data(), src.planes[0].size()); }),
                  "memcpy of the frame");
-
-  const Case mixer = {name + ": FFmpeg gains", 1, megapixels, {Bar::timesAsFast, limit(10.0)}};
-  if (!report.wants(mixer.name)) return;
-  const auto peer = ffmpegFilters(kGains, src, 1);
-  if (!peer) return report.missing(mixer, "FFmpeg is not installed");
-  balance();
-  peer->run();
   // Ours truncates, FFmpeg rounds.
-  if (!report.agree(mixer, peer->name(), dst, peer->output(), 0.6, 1)) return;
-  report.compare(mixer, frames(balance), frames([&] { peer->run(); }), peer->name());
+  report.comparePeer({name + ": FFmpeg gains", 1, size.megapixels(), {Bar::timesAsFast, onlyIf(barred, 10.0)}}, ours,
+                     dst, [&] { return ffmpegFilters(kGains, src, 1); }, {0.6, 1});
 }
 
 }  // namespace
 
 void whiteBalanceCases(Report& report) {
-  const int part = report.settings.smoke ? 10 : 1;
-  ofSize(report, "1080p", 1920 / part, 1080 / part, false);
-  ofSize(report, "4K", 3840 / part, 2160 / part, true);
+  ofSize(report, report.sized(k1080p), false);
+  ofSize(report, report.sized(k4K), true);
 }
 
 }  // namespace bench
