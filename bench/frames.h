@@ -5,7 +5,7 @@
 #include <cmath>
 #include <random>
 
-#include "bench/peers/picture.h"
+#include "bench/picture.h"
 
 namespace bench {
 

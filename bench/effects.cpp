@@ -1,4 +1,4 @@
-#include "bench/peers/effects.h"
+#include "bench/effects.h"
 
 #include <memory>
 #include <stdexcept>

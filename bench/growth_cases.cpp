@@ -1,9 +1,9 @@
 // How the time of each effect grows with the frame, on one thread and on two.
 
+#include "bench/cases.h"
+#include "bench/effects.h"
 #include "bench/frames.h"
 #include "bench/lut_files.h"
-#include "bench/peers/cases.h"
-#include "bench/peers/effects.h"
 
 namespace bench {
 namespace {

@@ -6,7 +6,7 @@
 #include <memory>
 #include <string>
 
-#include "bench/peers/picture.h"
+#include "bench/picture.h"
 
 namespace bench {
 

@@ -5,8 +5,8 @@
 #include <optional>
 #include <string>
 
-#include "bench/peers/peer.h"
-#include "bench/peers/timing.h"
+#include "bench/peer.h"
+#include "bench/timing.h"
 
 namespace bench {
 

@@ -1,9 +1,9 @@
 // What happens once: loading a LUT file, the first calls of a process, the memory that a frame takes.
 
+#include "bench/cases.h"
+#include "bench/child.h"
+#include "bench/effects.h"
 #include "bench/lut_files.h"
-#include "bench/peers/cases.h"
-#include "bench/peers/child.h"
-#include "bench/peers/effects.h"
 
 namespace bench {
 namespace {

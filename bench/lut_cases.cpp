@@ -1,9 +1,9 @@
 // LUT grading against others' tetrahedral interpolation of the same file, and against itself.
 
+#include "bench/cases.h"
+#include "bench/effects.h"
 #include "bench/frames.h"
 #include "bench/lut_files.h"
-#include "bench/peers/cases.h"
-#include "bench/peers/effects.h"
 
 namespace bench {
 namespace {

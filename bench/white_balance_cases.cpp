@@ -2,9 +2,9 @@
 
 #include <cstring>
 
+#include "bench/cases.h"
+#include "bench/effects.h"
 #include "bench/frames.h"
-#include "bench/peers/cases.h"
-#include "bench/peers/effects.h"
 
 namespace bench {
 namespace {

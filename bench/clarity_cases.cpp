@@ -1,9 +1,9 @@
 // Clarity against its own plain form, and against FFmpeg's sharpening of the luma alone at one small scale, which is
 // less work for a similar purpose.
 
+#include "bench/cases.h"
+#include "bench/effects.h"
 #include "bench/frames.h"
-#include "bench/peers/cases.h"
-#include "bench/peers/effects.h"
 
 namespace bench {
 namespace {

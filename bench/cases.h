@@ -1,7 +1,7 @@
 // What is compared, by effect.
 #pragma once
 
-#include "bench/peers/report.h"
+#include "bench/report.h"
 
 namespace bench {
 

@@ -13,9 +13,9 @@
 #include <stdexcept>
 #include <string>
 
-#include "bench/peers/cases.h"
-#include "bench/peers/child.h"
-#include "bench/peers/facts.h"
+#include "bench/cases.h"
+#include "bench/child.h"
+#include "bench/facts.h"
 
 namespace {
 
@@ -75,7 +75,7 @@ int main(int argc, char** argv) {
     }
     run(parsed(argc, argv));
   } catch (const std::exception& error) {
-    std::fprintf(stderr, "lumvane_peers: %s\n", error.what());
+    std::fprintf(stderr, "lumvane_bench: %s\n", error.what());
     return EXIT_FAILURE;
   }
   return EXIT_SUCCESS;

@@ -1,5 +1,5 @@
-#include "bench/peers/effects.h"
-#include "bench/peers/peer.h"
+#include "bench/effects.h"
+#include "bench/peer.h"
 
 #include <opencv2/core.hpp>
 #include <opencv2/imgproc.hpp>

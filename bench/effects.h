@@ -4,8 +4,8 @@
 #include <filesystem>
 #include <functional>
 
-#include "bench/peers/picture.h"
-#include "bench/peers/timing.h"
+#include "bench/picture.h"
+#include "bench/timing.h"
 
 namespace bench {
 

@@ -1,4 +1,4 @@
-#include "bench/peers/child.h"
+#include "bench/child.h"
 
 #include <cstdio>
 #include <stdexcept>

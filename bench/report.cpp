@@ -1,4 +1,4 @@
-#include "bench/peers/report.h"
+#include "bench/report.h"
 
 #include <fnmatch.h>
 

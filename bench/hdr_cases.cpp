@@ -1,9 +1,9 @@
 // HDR to BT.709 against FFmpeg's chain for the same: up to RGB in floats, through the same LUT file, and down again.
 
+#include "bench/cases.h"
+#include "bench/effects.h"
 #include "bench/frames.h"
 #include "bench/lut_files.h"
-#include "bench/peers/cases.h"
-#include "bench/peers/effects.h"
 
 namespace bench {
 namespace {

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "bench/peers/picture.h"
+#include "bench/picture.h"
 
 namespace bench {
 

@@ -3,10 +3,10 @@
 #include <opencv2/core/utility.hpp>
 #include <stdexcept>
 
+#include "bench/child.h"
+#include "bench/effects.h"
 #include "bench/frames.h"
-#include "bench/peers/child.h"
-#include "bench/peers/effects.h"
-#include "bench/peers/peer.h"
+#include "bench/peer.h"
 
 namespace bench {
 namespace {
