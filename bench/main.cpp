@@ -1,17 +1,10 @@
-// Times of the library side by side with those of other programs on the same frames, and with bars that it has to
-// reach. Options:
-//   --repeats N     blocks of calls of each side, by default 15
-//   --only PATTERN  the cases in whose names this shell pattern is found, such as '1080p*FFmpeg'
-//   --tsv FILE      the results in fields, too: see Report
-//   --commit TEXT   what was measured, for the results
-//   --smoke         small frames, once: whether everything runs, not how fast
+// Times of the library side by side with those of other programs on the same frames, and with bars that it has to reach.
 
-#include <algorithm>
+#include <CLI/CLI.hpp>
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
 #include <stdexcept>
-#include <string>
 
 #include "bench/cases.h"
 #include "bench/child.h"
@@ -19,41 +12,9 @@
 
 namespace {
 
-struct Arguments {
-  bench::Settings settings;
-  std::string tsv, commit;
-};
-
-Arguments parsed(int argc, char** argv) {
-  Arguments out;
-  for (int i = 1; i < argc; ++i) {
-    const std::string option = argv[i];
-    const auto value = [&]() -> std::string {
-      if (++i == argc) throw std::runtime_error(option + " needs a value");
-      return argv[i];
-    };
-    if (option == "--repeats") {
-      out.settings.repeats = std::max(std::atoi(value().c_str()), 1);
-    } else if (option == "--only") {
-      out.settings.only = value();
-    } else if (option == "--tsv") {
-      out.tsv = value();
-    } else if (option == "--commit") {
-      out.commit = value();
-    } else if (option == "--smoke") {
-      out.settings.smoke = true;
-      out.settings.repeats = 1;
-      out.settings.blockMs = 0.0;
-    } else {
-      throw std::runtime_error("unknown option " + option);
-    }
-  }
-  return out;
-}
-
-void run(const Arguments& arguments) {
-  bench::Report report(arguments.settings, arguments.tsv);
-  bench::stateFacts(report, arguments.commit);
+void measure(const bench::Settings& settings, const std::string& tsv, const std::string& commit) {
+  bench::Report report(settings, tsv);
+  bench::stateFacts(report, commit);
   for (const auto cases : {bench::lutCases, bench::whiteBalanceCases, bench::clarityCases, bench::hdrCases,
                            bench::growthCases, bench::loadCases, bench::firstCallCases, bench::memoryCases}) {
     try {
@@ -68,15 +29,33 @@ void run(const Arguments& arguments) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  CLI::App app("Times Lumvane's effects, beside those of other programs");
+  bench::Settings settings;
+  std::string tsv, commit;
+  std::vector<std::string> child;
+  app.add_option("--repeats", settings.repeats, "Blocks of calls of each side")
+      ->check(CLI::PositiveNumber)
+      ->capture_default_str();
+  app.add_option("--only", settings.only,
+                 "The cases in whose names this shell pattern is found, such as '1080p*FFmpeg'");
+  app.add_option("--tsv", tsv, "A file for the results in fields");
+  app.add_option("--commit", commit, "What is measured, for the results");
+  app.add_flag("--smoke", settings.smoke, "Small frames, once: whether everything runs, not how fast");
+  app.add_option("--child", child)->group("");  // not shown: see child.h
+  CLI11_PARSE(app, argc, argv);
+  if (settings.smoke) {
+    settings.repeats = 1;
+    settings.blockMs = 0.0;
+  }
   try {
-    if (argc > 2 && std::string(argv[1]) == "--child") {
-      bench::childWork({argv + 2, argv + argc});
-      return EXIT_SUCCESS;
+    if (child.empty()) {
+      measure(settings, tsv, commit);
+    } else {
+      bench::childWork(child);
     }
-    run(parsed(argc, argv));
+    return EXIT_SUCCESS;
   } catch (const std::exception& error) {
     std::fprintf(stderr, "lumvane_bench: %s\n", error.what());
     return EXIT_FAILURE;
   }
-  return EXIT_SUCCESS;
 }
