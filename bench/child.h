@@ -9,8 +9,8 @@
 
 namespace bench {
 
-/// Starts this program for a work of child_work.cpp, with this number of OpenCV's threads, and gives the numbers that it
-/// prints. Throws std::runtime_error when it fails.
+/// Starts this program for a work of child_work.cpp, with this number of OpenCV's threads, and gives the numbers that
+/// it prints. Throws std::runtime_error when it fails.
 std::vector<double> inChild(const std::string& work, int threads, const std::filesystem::path& luts, const Size& size,
                             const std::string& effect = "-");
 

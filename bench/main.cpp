@@ -1,4 +1,5 @@
-// Times of the library side by side with those of other programs on the same frames, and with bars that it has to reach.
+// Times of the library side by side with those of other programs on the same frames, and with bars that it has to
+// reach.
 
 #include <CLI/CLI.hpp>
 #include <cstdio>

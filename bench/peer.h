@@ -18,16 +18,16 @@ class Peer {
   virtual std::string name() const = 0;  ///< library, version, options
 };
 
-// The first two give null where the library, or something that the work needs of it, is missing, and throw std::runtime_error
-// where the library is there and refuses.
+// The first two give null where the library, or something that the work needs of it, is missing, and throw
+// std::runtime_error where the library is there and refuses.
 
 /// FFmpeg's filters, as its command line takes them, each sliced over `threads`.
 std::unique_ptr<Peer> ffmpegFilters(const std::string& chain, const Picture& src, int threads);
 /// OpenColorIO's processor for a LUT file and BGRA pixels, on the calling thread.
 std::unique_ptr<Peer> openColorIo(const std::filesystem::path& lut, const Picture& src);
 
-/// Clarity of BGRA by the plain rows and OpenCV alone, on one thread: what it is without vector instructions of its own.
-/// Both sides of the frame are at least 65.
+/// Clarity of BGRA by the plain rows and OpenCV alone, on one thread: what it is without vector instructions of its
+/// own. Both sides of the frame are at least 65.
 std::unique_ptr<Peer> plainClarity(const Picture& src);
 
 /// Empty where the library is missing.

@@ -103,7 +103,7 @@ void Report::memory(const std::string& effect, const std::string& size, double m
 }
 
 void Report::missing(const Case& what) {
-  std::printf("%-70s not measured: a library is not installed\n", titleOf(what).c_str());
+  std::printf("%-70s not measured: the peer, or a part of it, is not installed\n", titleOf(what).c_str());
 }
 
 bool Report::agree(const Case& what, const std::string& otherName, const Picture& ours, const Picture& other,

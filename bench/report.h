@@ -50,8 +50,8 @@ class Report {
   void fact(const std::string& name, const std::string& value);
   /// Times the two sides and adds what comes of it.
   void compare(const Case& what, const Side& ours, const Side& other, const std::string& otherName);
-  /// Times ours, which writes `dst`, against a peer that is to make the same of the frame but for `roundings`.
   using MakePeer = std::function<std::unique_ptr<Peer>()>;
+  /// Times ours, which writes `dst`, against a peer that is to make the same of the frame but for `roundings`.
   void comparePeer(const Case& what, const Side& ours, const Picture& dst, const MakePeer& make,
                    const Difference& roundings);
   void add(const Case& what, const Timing& ours, const Timing& other, const std::string& otherName);
