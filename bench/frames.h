@@ -3,30 +3,27 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdint>
 #include <random>
-#include <vector>
+
+#include "bench/picture.h"
 
 namespace bench {
 
-inline constexpr int kWidth = 1920;
-inline constexpr int kHeight = 1080;
-
 /// An opaque BGRA frame of smooth areas with grain, as a camera gives them.
-inline std::vector<uint8_t> photoLikeFrame(int width = kWidth, int height = kHeight) {
+inline Picture photoLikeFrame(const Size& size) {
   std::mt19937 random(1);
   std::normal_distribution<float> distribution(0.0f, 4.0f);
   std::vector<float> grain(1 << 16);  // each row starts at another place in it, so that no pattern shows
   for (float& value : grain) value = distribution(random);
-  std::vector<float> across(size_t{3} * width);
+  std::vector<float> across(size_t{3} * size.width);
   for (size_t i = 0; i < across.size(); ++i) across[i] = 120.0f + 70.0f * std::sin(0.004f * (i / 3) + i % 3);
-  std::vector<uint8_t> frame(size_t{4} * width * height);
+  std::vector<uint8_t> frame(size_t{4} * size.width * size.height);
   uint8_t* pixel = frame.data();
-  for (int y = 0; y < height; ++y) {
+  for (int y = 0; y < size.height; ++y) {
     float down[3];
     for (int c = 0; c < 3; ++c) down[c] = 50.0f * std::cos(0.007f * y - 2.0f * c);
     size_t place = random();
-    for (int x = 0; x < width; ++x, pixel += 4) {
+    for (int x = 0; x < size.width; ++x, pixel += 4) {
       for (int c = 0; c < 3; ++c) {
         const float value = across[size_t{3} * x + c] + down[c] + grain[place++ % grain.size()];
         pixel[c] = static_cast<uint8_t>(std::clamp(value, 0.0f, 255.0f));
@@ -34,29 +31,30 @@ inline std::vector<uint8_t> photoLikeFrame(int width = kWidth, int height = kHei
       pixel[3] = 255;
     }
   }
-  return frame;
+  return {"bgra", size.width, size.height, {frame}};
 }
 
 /// An opaque BGRA frame in which every colour is as likely as any other and neighbours have nothing in common.
-inline std::vector<uint8_t> noiseFrame(int width = kWidth, int height = kHeight) {
+inline Picture noiseFrame(const Size& size) {
   std::mt19937 random(2);
-  std::vector<uint8_t> frame(size_t{4} * width * height);
+  std::vector<uint8_t> frame(size_t{4} * size.width * size.height);
   for (size_t i = 0; i < frame.size(); i += 4) {
     const auto bits = random();
     for (int c = 0; c < 3; ++c) frame[i + c] = static_cast<uint8_t>(bits >> 8 * c);
     frame[i + 3] = 255;
   }
-  return frame;
+  return {"bgra", size.width, size.height, {frame}};
 }
 
 /// The frame with every alpha from 0 to 255 side by side, and its colours multiplied by it.
-inline std::vector<uint8_t> translucent(std::vector<uint8_t> frame) {
+inline Picture translucent(Picture bgra) {
+  std::vector<uint8_t>& frame = bgra.planes[0];
   for (size_t i = 0; i < frame.size(); i += 4) {
     const auto alpha = static_cast<uint8_t>(i / 4);
     for (int c = 0; c < 3; ++c) frame[i + c] = static_cast<uint8_t>(frame[i + c] * alpha / 255);
     frame[i + 3] = alpha;
   }
-  return frame;
+  return bgra;
 }
 
 }  // namespace bench

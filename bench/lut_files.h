@@ -1,11 +1,7 @@
 // LUT files to time effects with.
 #pragma once
 
-#ifdef _WIN32
-#include <process.h>
-#else
 #include <unistd.h>
-#endif
 
 #include <cstdio>
 #include <filesystem>

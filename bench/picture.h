@@ -7,6 +7,17 @@
 
 namespace bench {
 
+/// A size of frames, and those in use, under their usual names.
+struct Size {
+  std::string name;
+  int width, height;
+  double megapixels() const { return 1e-6 * width * height; }
+};
+inline const Size k720p = {"720p", 1280, 720};
+inline const Size k1080p = {"1080p", 1920, 1080};
+inline const Size k4K = {"4K", 3840, 2160};
+inline const Size k8K = {"8K", 7680, 4320};
+
 /// Planes with packed rows. `format` is FFmpeg's name of the layout: "bgra", "gbrpf32le" or "yuv420p".
 struct Picture {
   std::string format;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "bench/peers/report.h"
+#include "bench/report.h"
 
 namespace bench {
 

@@ -1,4 +1,4 @@
-#include "bench/peers/facts.h"
+#include "bench/facts.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -6,7 +6,7 @@
 #include <opencv2/core/utility.hpp>
 #include <opencv2/core/version.hpp>
 
-#include "bench/peers/peer.h"
+#include "bench/peer.h"
 
 namespace bench {
 namespace {

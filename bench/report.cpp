@@ -1,4 +1,4 @@
-#include "bench/peers/report.h"
+#include "bench/report.h"
 
 #include <fnmatch.h>
 
@@ -39,6 +39,10 @@ bool Report::wants(const std::string& name) const {
   return fnmatch(("*" + settings.only + "*").c_str(), name.c_str(), 0) == 0;
 }
 
+Size Report::sized(const Size& size) const {
+  return settings.smoke ? Size{size.name, size.width / 10, size.height / 10} : size;
+}
+
 void Report::fact(const std::string& name, const std::string& value) {
   std::printf("%s: %s\n", name.c_str(), value.c_str());
   file_ << "fact\t" << name << '\t' << value << '\n';
@@ -48,6 +52,19 @@ void Report::compare(const Case& what, const Side& ours, const Side& other, cons
   if (!wants(what.name)) return;
   const PairTiming timing = timePair(ours, other, settings.repeats, settings.blockMs);
   add(what, timing.ours, timing.other, otherName);
+}
+
+void Report::comparePeer(const Case& what, const Side& ours, const Picture& dst, const MakePeer& make,
+                         const Difference& roundings) {
+  if (!wants(what.name)) return;
+  const std::unique_ptr<Peer> peer = make();
+  if (!peer) return missing(what);
+  ours.run();
+  peer->run();
+  const Picture theirs = peer->output();
+  const bool floats = theirs.format == "gbrpf32le";
+  if (!agree(what, peer->name(), dst, floats ? fromFloatPlanes(theirs) : theirs, roundings)) return;
+  compare(what, ours, frames([&] { peer->run(); }), peer->name());
 }
 
 void Report::add(const Case& what, const Timing& ours, const Timing& other, const std::string& otherName) {
@@ -72,19 +89,27 @@ void Report::add(const Case& what, const Timing& ours, const Timing& other, cons
   file_.flush();
 }
 
+void Report::growth(const std::string& effect, int threads, const Size& size, const Timing& timing) {
+  std::printf("%-70s %s\n", titleOf({effect + ", one " + size.name + " frame", threads}).c_str(),
+              milliseconds(timing).c_str());
+  std::fflush(stdout);
+  file_ << "growth\t" << effect << '\t' << threads << '\t' << size.name << '\t' << number(timing.milliseconds) << '\t'
+        << number(timing.spread, "%.2g") << '\n';
+}
+
 void Report::memory(const std::string& effect, const std::string& size, double megabytes) {
   std::printf("memory of %s, one %s frame: %.1f MB\n", effect.c_str(), size.c_str(), megabytes);
   file_ << "memory\t" << effect << '\t' << size << '\t' << number(megabytes) << '\n';
 }
 
-void Report::missing(const Case& what, const std::string& why) {
-  if (wants(what.name)) std::printf("%-70s not measured: %s\n", titleOf(what).c_str(), why.c_str());
+void Report::missing(const Case& what) {
+  std::printf("%-70s not measured: the peer, or a part of it, is not installed\n", titleOf(what).c_str());
 }
 
 bool Report::agree(const Case& what, const std::string& otherName, const Picture& ours, const Picture& other,
-                   double mean, int most) {
+                   const Difference& roundings) {
   const Difference difference = differenceOf(ours, other);
-  if (difference.mean <= mean && difference.most <= most) return true;
+  if (difference.mean <= roundings.mean && difference.most <= roundings.most) return true;
   char why[128];
   std::snprintf(why, sizeof why, "mean difference %.3f, largest %d", difference.mean, difference.most);
   refuse(titleOf(what) + ": " + why + " from " + otherName);

@@ -1,4 +1,4 @@
-#include "bench/peers/picture.h"
+#include "bench/picture.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,6 +1,6 @@
 #include <OpenColorIO/OpenColorIO.h>
 
-#include "bench/peers/peer.h"
+#include "bench/peer.h"
 
 namespace bench {
 namespace {

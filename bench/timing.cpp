@@ -1,4 +1,4 @@
-#include "bench/peers/timing.h"
+#include "bench/timing.h"
 
 #include <algorithm>
 #include <chrono>

@@ -1,7 +1,7 @@
 // What is compared, by effect.
 #pragma once
 
-#include "bench/peers/report.h"
+#include "bench/report.h"
 
 namespace bench {
 
@@ -9,6 +9,7 @@ void lutCases(Report& report);
 void whiteBalanceCases(Report& report);
 void clarityCases(Report& report);
 void hdrCases(Report& report);
+void growthCases(Report& report);
 void loadCases(Report& report);
 void firstCallCases(Report& report);
 void memoryCases(Report& report);

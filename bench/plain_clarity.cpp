@@ -1,4 +1,5 @@
-#include "bench/peers/plain_clarity.h"
+#include "bench/effects.h"
+#include "bench/peer.h"
 
 #include <opencv2/core.hpp>
 #include <opencv2/imgproc.hpp>
@@ -54,27 +55,42 @@ void clampToUnit(cv::Mat& plane) {
   cv::max(plane, 0.0, plane);
 }
 
+class PlainClarity : public Peer {
+ public:
+  explicit PlainClarity(const Picture& src) : src_(src), dst_(src) {}
+
+  void run() override {
+    const int width = src_.width, height = src_.height;
+    const auto pixels = static_cast<size_t>(width);
+    const uint8_t* src = src_.planes[0].data();
+    uint8_t* dst = dst_.planes[0].data();
+    cv::Mat planes[3];
+    for (cv::Mat& plane : planes) plane.create(height, width, CV_32FC1);
+    const float factor = kSaturation * kPercent * kSaturationSpan + 1.0f;
+    for (int y = 0; y < height; ++y) {
+      plain::analysisRow(src + 4 * pixels * y, factor, planes[0].ptr<float>(y), planes[1].ptr<float>(y),
+                         planes[2].ptr<float>(y), pixels);
+    }
+    cv::Mat raised = enhanced(planes[2]);
+    clampToUnit(raised);
+    const float amount = kIntensity * kPercent;
+    cv::Mat blended;
+    cv::addWeighted(planes[2], 1.0f - amount, raised, amount, 0.0, blended, -1);
+    clampToUnit(blended);
+    for (int y = 0; y < height; ++y) {
+      plain::synthesisRow(planes[0].ptr<float>(y), planes[1].ptr<float>(y), blended.ptr<float>(y), src + 4 * pixels * y,
+                          dst + 4 * pixels * y, pixels);
+    }
+  }
+  Picture output() const override { return dst_; }
+  std::string name() const override { return "plain form, same bytes"; }
+
+ private:
+  Picture src_, dst_;
+};
+
 }  // namespace
 
-void plainClarity(const uint8_t* src, uint8_t* dst, int width, int height, int saturation, int intensity) {
-  cv::Mat planes[3];
-  for (cv::Mat& plane : planes) plane.create(height, width, CV_32FC1);
-  const auto pixels = static_cast<size_t>(width);
-  const float factor = static_cast<float>(saturation) * kPercent * kSaturationSpan + 1.0f;
-  for (int y = 0; y < height; ++y) {
-    plain::analysisRow(src + 4 * pixels * y, factor, planes[0].ptr<float>(y), planes[1].ptr<float>(y),
-                       planes[2].ptr<float>(y), pixels);
-  }
-  cv::Mat raised = enhanced(planes[2]);
-  clampToUnit(raised);
-  const float amount = static_cast<float>(intensity) * kPercent;
-  cv::Mat blended;
-  cv::addWeighted(planes[2], 1.0f - amount, raised, amount, 0.0, blended, -1);
-  clampToUnit(blended);
-  for (int y = 0; y < height; ++y) {
-    plain::synthesisRow(planes[0].ptr<float>(y), planes[1].ptr<float>(y), blended.ptr<float>(y), src + 4 * pixels * y,
-                        dst + 4 * pixels * y, pixels);
-  }
-}
+std::unique_ptr<Peer> plainClarity(const Picture& src) { return std::make_unique<PlainClarity>(src); }
 
 }  // namespace bench

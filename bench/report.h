@@ -5,8 +5,8 @@
 #include <optional>
 #include <string>
 
-#include "bench/peers/picture.h"
-#include "bench/peers/timing.h"
+#include "bench/peer.h"
+#include "bench/timing.h"
 
 namespace bench {
 
@@ -20,6 +20,8 @@ struct Bar {
   Kind kind = timesAsFast;
   std::optional<double> limit = {};
 };
+
+inline std::optional<double> onlyIf(bool barred, double limit) { return barred ? std::optional(limit) : std::nullopt; }
 
 struct Case {
   std::string name;
@@ -41,17 +43,24 @@ class Report {
 
   const Settings settings;
   bool wants(const std::string& name) const;
+  /// The size, or a tenth of both sides for `smoke`.
+  Size sized(const Size& size) const;
 
   /// "cpu", "gcc 12.2".
   void fact(const std::string& name, const std::string& value);
   /// Times the two sides and adds what comes of it.
   void compare(const Case& what, const Side& ours, const Side& other, const std::string& otherName);
+  using MakePeer = std::function<std::unique_ptr<Peer>()>;
+  /// Times ours, which writes `dst`, against a peer that is to make the same of the frame but for `roundings`.
+  void comparePeer(const Case& what, const Side& ours, const Picture& dst, const MakePeer& make,
+                   const Difference& roundings);
   void add(const Case& what, const Timing& ours, const Timing& other, const std::string& otherName);
+  void growth(const std::string& effect, int threads, const Size& size, const Timing& timing);
   void memory(const std::string& effect, const std::string& size, double megabytes);
-  void missing(const Case& what, const std::string& why);
+  void missing(const Case& what);
   /// Whether two results are the same but for roundings; if not, the case is refused.
-  bool agree(const Case& what, const std::string& otherName, const Picture& ours, const Picture& other, double mean,
-             int most);
+  bool agree(const Case& what, const std::string& otherName, const Picture& ours, const Picture& other,
+             const Difference& roundings);
   void refuse(const std::string& why);
   int refusals() const { return refusals_; }
 

@@ -1,7 +1,6 @@
-#include "bench/peers/child.h"
+#include "bench/child.h"
 
 #include <cstdio>
-#include <filesystem>
 #include <stdexcept>
 
 namespace bench {
@@ -15,9 +14,13 @@ std::string quoted(const std::string& word) {
 
 }  // namespace
 
-std::vector<double> inChild(const std::vector<std::string>& work) {
+std::vector<double> inChild(const std::string& work, int threads, const std::filesystem::path& luts, const Size& size,
+                            const std::string& effect) {
   std::string command = quoted(std::filesystem::read_symlink("/proc/self/exe").string()) + " --child";
-  for (const std::string& word : work) command += " " + quoted(word);
+  for (const std::string& word : {work, std::to_string(threads), luts.string(), std::to_string(size.width),
+                                  std::to_string(size.height), effect}) {
+    command += " " + quoted(word);
+  }
   std::FILE* output = popen(command.c_str(), "r");
   if (output == nullptr) throw std::runtime_error("cannot start " + command);
   std::vector<double> numbers;

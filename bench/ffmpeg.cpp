@@ -10,7 +10,7 @@ extern "C" {
 #include <sstream>
 #include <stdexcept>
 
-#include "bench/peers/peer.h"
+#include "bench/peer.h"
 
 namespace bench {
 namespace {

@@ -1,4 +1,4 @@
-#include "bench/peers/peer.h"
+#include "bench/peer.h"
 
 namespace bench {
 

@@ -1,4 +1,4 @@
-// Other programs' work on a frame, behind one interface. Each comes in two forms, of which the build takes one: with
+// Others' work on a frame, behind one interface. Each library comes in two forms, of which the build takes one: with
 // the library, or without it, when it is not installed.
 #pragma once
 
@@ -6,7 +6,7 @@
 #include <memory>
 #include <string>
 
-#include "bench/peers/picture.h"
+#include "bench/picture.h"
 
 namespace bench {
 
@@ -18,13 +18,17 @@ class Peer {
   virtual std::string name() const = 0;  ///< library, version, options
 };
 
-// Both give null where the library, or something that the work needs of it, is missing, and throw std::runtime_error
-// where the library is there and refuses.
+// The first two give null where the library, or something that the work needs of it, is missing, and throw
+// std::runtime_error where the library is there and refuses.
 
 /// FFmpeg's filters, as its command line takes them, each sliced over `threads`.
 std::unique_ptr<Peer> ffmpegFilters(const std::string& chain, const Picture& src, int threads);
 /// OpenColorIO's processor for a LUT file and BGRA pixels, on the calling thread.
 std::unique_ptr<Peer> openColorIo(const std::filesystem::path& lut, const Picture& src);
+
+/// Clarity of BGRA by the plain rows and OpenCV alone, on one thread: what it is without vector instructions of its
+/// own. Both sides of the frame are at least 65.
+std::unique_ptr<Peer> plainClarity(const Picture& src);
 
 /// Empty where the library is missing.
 std::string ffmpegVersion();

@@ -1,0 +1,47 @@
+// Clarity against its own plain form, and against FFmpeg's sharpening of the luma alone at one small scale, which is
+// less work for a similar purpose.
+
+#include "bench/cases.h"
+#include "bench/effects.h"
+#include "bench/frames.h"
+
+namespace bench {
+namespace {
+
+void againstUnsharp(Report& report, const Case& what, const Side& ours, const Picture& src) {
+  if (!report.wants(what.name)) return;
+  const Picture yuv = toYuv420(src);
+  const auto peer = ffmpegFilters("unsharp=5:5:1:5:5:0", yuv, what.threads);
+  if (!peer) return report.missing(what);
+  peer->run();
+  Picture chroma = yuv, theirChroma = peer->output();
+  if (differenceOf(yuv, theirChroma).mean < 0.1) return report.refuse(peer->name() + ": leaves the luma as it is");
+  chroma.planes.erase(chroma.planes.begin());
+  theirChroma.planes.erase(theirChroma.planes.begin());
+  if (!report.agree(what, peer->name(), chroma, theirChroma, {})) return;
+  report.compare(what, ours, frames([&] { peer->run(); }), peer->name());
+}
+
+void ofSize(Report& report, const Size& size, bool barred) {
+  const std::string name = "clarity " + size.name + " photo";
+  const Picture src = photoLikeFrame(size);
+  Picture dst = src;
+  const Effect clarity = clarityEffect(size);
+  report.comparePeer({name + ": plain form", 1, size.megapixels(), {Bar::timesAsFast, onlyIf(barred, 6.0)}},
+                     frames(clarity, src, dst), dst, [&] { return plainClarity(src); }, {});
+  for (const int threads : {1, 2}) {
+    againstUnsharp(report,
+                   {name + ": FFmpeg unsharp", threads, size.megapixels(), {Bar::timesAsFast, onlyIf(barred, 1.0)}},
+                   frames(clarity, src, dst, threads), src);
+  }
+  report.compare({name, 2, size.megapixels()}, frames(clarity, src, dst, 2), frames(clarity, src, dst), "1 thread");
+}
+
+}  // namespace
+
+void clarityCases(Report& report) {
+  ofSize(report, report.sized(k1080p), true);
+  ofSize(report, report.sized(k4K), false);
+}
+
+}  // namespace bench

@@ -1,0 +1,62 @@
+// Times of the library side by side with those of other programs on the same frames, and with bars that it has to
+// reach.
+
+#include <CLI/CLI.hpp>
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
+#include <stdexcept>
+
+#include "bench/cases.h"
+#include "bench/child.h"
+#include "bench/facts.h"
+
+namespace {
+
+void measure(const bench::Settings& settings, const std::string& tsv, const std::string& commit) {
+  bench::Report report(settings, tsv);
+  bench::stateFacts(report, commit);
+  for (const auto cases : {bench::lutCases, bench::whiteBalanceCases, bench::clarityCases, bench::hdrCases,
+                           bench::growthCases, bench::loadCases, bench::firstCallCases, bench::memoryCases}) {
+    try {
+      cases(report);
+    } catch (const std::exception& error) {  // the others can go on
+      report.refuse(error.what());
+    }
+  }
+  if (report.refusals() > 0) throw std::runtime_error("something could not be compared, see above");
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  CLI::App app("Times Lumvane's effects, beside those of other programs");
+  bench::Settings settings;
+  std::string tsv, commit;
+  std::vector<std::string> child;
+  app.add_option("--repeats", settings.repeats, "Blocks of calls of each side")
+      ->check(CLI::PositiveNumber)
+      ->capture_default_str();
+  app.add_option("--only", settings.only,
+                 "The cases in whose names this shell pattern is found, such as '1080p*FFmpeg'");
+  app.add_option("--tsv", tsv, "A file for the results in fields");
+  app.add_option("--commit", commit, "What is measured, for the results");
+  app.add_flag("--smoke", settings.smoke, "Small frames, once: whether everything runs, not how fast");
+  app.add_option("--child", child)->group("");  // not shown: see child.h
+  CLI11_PARSE(app, argc, argv);
+  if (settings.smoke) {
+    settings.repeats = 1;
+    settings.blockMs = 0.0;
+  }
+  try {
+    if (child.empty()) {
+      measure(settings, tsv, commit);
+    } else {
+      bench::childWork(child);
+    }
+    return EXIT_SUCCESS;
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "lumvane_bench: %s\n", error.what());
+    return EXIT_FAILURE;
+  }
+}
