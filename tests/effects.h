@@ -3,6 +3,8 @@
 
 #include <filesystem>
 #include <fstream>
+#include <functional>
+#include <memory>
 #include <string>
 
 #include "lumvane.h"
@@ -11,11 +13,37 @@
 
 namespace test {
 
+/// Renders a BGRA frame; strides as the effect takes them, and of the same size.
+using Render =
+    std::function<void(uint8_t* dst, int dstStride, const uint8_t* src, int srcStride, int width, int height)>;
+
 /// The functions of lumvane.h under their own names, linked or looked up.
 struct Library {
 #define LUMVANE_EXPORT(name) decltype(&::name) name = nullptr;
 #include "cmake/exports.inc"
 #undef LUMVANE_EXPORT
+
+  Render grading(const std::u16string& path, int strength) const {
+    const auto process = Lut3DColorAdjustEffectProcess;
+    const std::shared_ptr<void> effect(Create3DLutColorAdjustEffect(path.c_str(), 0, 0), Destory3DLutColorAdjustEffect);
+    return [=](uint8_t* dst, int dstStride, const uint8_t* src, int srcStride, int width, int height) {
+      process(effect.get(), dst, width, height, dstStride, src, 0, 0, srcStride, strength);
+    };
+  }
+  /// An effect for each frame, made for frames of `side` pixels both ways, or for the frame's own size.
+  Render clarity(int saturation, int intensity, int side = 0) const {
+    return [=, *this](uint8_t* dst, int dstStride, const uint8_t* src, int srcStride, int width, int height) {
+      void* const effect =
+          CreateNLEPureCClarity(side == 0 ? width : side, side == 0 ? height : side, 0, saturation, intensity);
+      NLEPureCClarityProcess(effect, dst, width, height, dstStride, src, 0, 0, srcStride);
+      DestoryNLEPureCClarity(effect);
+    };
+  }
+  Render whiteBalance(float temperature, float tint) const {
+    return [=, balance = WhiteBalanceFun](uint8_t* dst, int, const uint8_t* src, int, int width, int height) {
+      balance(src, dst, 0.0f, 0.0f, 0.0f, temperature, tint, width, height);
+    };
+  }
 };
 
 #ifndef LUMVANE_TEST_NOT_LINKED
@@ -68,27 +96,19 @@ class LutFolder {
   TemporaryFile look_;
 };
 
-/// What every effect makes of a frame of noise, loads included, one behind the other. What a null handle
-/// refuses is left out, and so is HDR without its function.
+/// What every effect makes of a frame of noise, loads included, one behind the other; without HDR where its function is
+/// missing.
 inline Bytes renderAll(const Library& lib, const std::u16string& folder, int width, int height) {
   const Bytes src = noise(size_t{4} * width * height, 1);
   Bytes result;
   const auto take = [&](const Bytes& frame) { result.insert(result.end(), frame.begin(), frame.end()); };
-  for (const char16_t* name : {u"/look.cube", u"/look.3dl", u"/tiny.cube"}) {
-    void* const lut = lib.Create3DLutColorAdjustEffect((folder + name).c_str(), width, height);
-    for (const int strength : {40, 100}) {
-      Bytes dst(src.size());
-      lib.Lut3DColorAdjustEffectProcess(lut, dst.data(), width, height, 0, src.data(), width, height, 0, strength);
-      if (lut != nullptr) take(dst);
-    }
-    lib.Destory3DLutColorAdjustEffect(lut);
+  for (const Render& render :
+       {lib.grading(folder + u"/look.cube", 40), lib.grading(folder + u"/look.3dl", 100),
+        lib.grading(folder + u"/tiny.cube", 100), lib.clarity(30, 90), lib.whiteBalance(0.21f, -0.13f)}) {
+    Bytes dst(src.size());
+    render(dst.data(), 0, src.data(), 0, width, height);
+    take(dst);
   }
-  Bytes dst(src.size());
-  void* const clarity = lib.CreateNLEPureCClarity(width, height, 0, 30, 90);
-  if (lib.NLEPureCClarityProcess(clarity, dst.data(), width, height, 0, src.data(), width, height, 0) == 1) take(dst);
-  lib.DestoryNLEPureCClarity(clarity);
-  lib.WhiteBalanceFun(src.data(), dst.data(), 0.0f, 0.0f, 0.0f, 0.21f, -0.13f, width, height);
-  take(dst);
   for (int flags = 0; flags < 4 && lib.CreateVideoAdjustColor != nullptr; ++flags) {
     void* const hdr = lib.CreateVideoAdjustColor(folder.c_str(), 0, flags & 1, flags & 2, width, height);
     Yv12Frame frame(width, height);

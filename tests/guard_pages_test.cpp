@@ -3,13 +3,9 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
-
-#include "lumvane.h"
+#include "tests/effects.h"
 #include "tests/guarded_plane.h"
-#include "tests/inputs.h"
 #include "tests/targets.h"
-#include "tests/yv12.h"
 
 namespace {
 
@@ -32,10 +28,8 @@ std::vector<std::pair<int, int>> sizes() {
   return result;
 }
 
-using Render = std::function<void(uint8_t* dst, int dstStride, const uint8_t* src, int srcStride, int w, int h)>;
-
 // Renders apart and in place, in every layout, and compares with what comes of ordinary memory.
-void expectRowsAlone(const std::vector<RowLayout>& layouts, const Render& render) {
+void expectRowsAlone(const std::vector<RowLayout>& layouts, const test::Render& render) {
   for (const auto& [width, height] : sizes()) {
     const std::vector<uint8_t> pixels = test::noise(size_t{4} * width * height, static_cast<unsigned>(width + height));
     std::vector<uint8_t> expected(pixels.size()), inPlace = pixels;
@@ -59,33 +53,14 @@ void expectRowsAlone(const std::vector<RowLayout>& layouts, const Render& render
 class GuardPages : public test::EveryTarget {};
 INSTANTIATE_TEST_SUITE_P(On, GuardPages, test::everyTarget(), test::targetName);
 
-TEST_P(GuardPages, BoundLutFrames) {
+TEST_P(GuardPages, BoundFrames) {
   const test::TemporaryFile file("negative.cube", test::negativeCube());
-  void* const effect = Create3DLutColorAdjustEffect(file.utf16().c_str(), 0, 0);
-  ASSERT_NE(effect, nullptr);
   for (const int strength : {50, 100}) {
-    const auto render = [&](uint8_t* dst, int dstStride, const uint8_t* src, int srcStride, int w, int h) {
-      Lut3DColorAdjustEffectProcess(effect, dst, w, h, dstStride, src, w, h, srcStride, strength);
-    };
-    expectRowsAlone(kDownwards, render);
-    expectRowsAlone(kUpwards, render);
+    expectRowsAlone(kDownwards, test::kLinked.grading(file.utf16(), strength));
+    expectRowsAlone(kUpwards, test::kLinked.grading(file.utf16(), strength));
   }
-  Destory3DLutColorAdjustEffect(effect);
-}
-
-TEST_P(GuardPages, BoundClarityFrames) {
-  expectRowsAlone(kDownwards, [](uint8_t* dst, int dstStride, const uint8_t* src, int srcStride, int w, int h) {
-    void* const effect = CreateNLEPureCClarity(w, h, 0, 40, 80);
-    EXPECT_EQ(NLEPureCClarityProcess(effect, dst, w, h, dstStride, src, w, h, srcStride), 1);
-    DestoryNLEPureCClarity(effect);
-  });
-}
-
-TEST_P(GuardPages, BoundWhiteBalanceFrames) {
-  const std::vector<RowLayout> packed(kDownwards.begin(), kDownwards.begin() + 2);
-  expectRowsAlone(packed, [](uint8_t* dst, int, const uint8_t* src, int, int w, int h) {
-    WhiteBalanceFun(src, dst, 0.0f, 0.0f, 0.0f, 0.2f, -0.1f, w, h);
-  });
+  expectRowsAlone(kDownwards, test::kLinked.clarity(40, 80));
+  expectRowsAlone({kDownwards[0], kDownwards[1]}, test::kLinked.whiteBalance(0.2f, -0.1f));
 }
 
 using Planes = test::Yv12<GuardedPlane>;  // each between pages of its own

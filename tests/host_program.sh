@@ -75,11 +75,6 @@ refuses $usage "would be written over" hdr --luts luts --transfer hlg same.y4m s
 cmp same.y4m hlg.y4m || fail "a video that was to be read was written over"
 : > nothing.y4m
 refuses $input "'nothing.y4m' is empty" hdr --luts luts --transfer hlg nothing.y4m x.y4m
-refuses $input "the standard input is empty" hdr --luts luts --transfer hlg - x.y4m </dev/null
-refuses $input "'luts' cannot be read: Is a directory" hdr --luts luts --transfer hlg luts x.y4m
-mkdir broken
-echo text > broken/HDR_HLG.cube
-refuses $input "cannot be used" hdr --luts broken --transfer hlg hlg.y4m x.y4m
 sed '1s/Ip/It/' hlg.y4m > interlaced.y4m
 refuses $input "is interlaced" hdr --luts luts --transfer hlg interlaced.y4m x.y4m
 sed '1s/LIMITED/FULL/' hlg.y4m > full.y4m
@@ -89,7 +84,6 @@ cmp out-full.y4m out-full-too.y4m || fail "the range that a video names is not t
 refuses $input "C444" hdr --luts luts --transfer hlg other.y4m x.y4m
 refuses $output "cannot write 'none/x.y4m': No such file" hdr --luts luts --transfer hlg hlg.y4m none/x.y4m
 refuses $output "cannot write '/dev/full': No space left" hdr --luts luts --transfer hlg hlg.y4m /dev/full
-refuses $input "is shorter: it has 3 frames" still --frame 3 hlg.y4m x.png
 
 echo text > broken.cube
 echo text > broken.png
@@ -98,17 +92,12 @@ refuses $input "LUT file 'none.cube' cannot be used: No such file" lut --lut non
 refuses $input "'broken.cube' cannot be used: a LUT is" lut --lut broken.cube many/one.png x.png
 refuses $input "cannot read picture 'none.png': No such file" lut --lut "$samples/silver.cube" none.png x.png
 refuses $input "cannot read picture 'broken.png': it is damaged, or no picture" lut --lut "$samples/silver.cube" broken.png x.png
-refuses $output "cannot write 'none/x.png': No such file" lut --lut "$samples/silver.cube" many/one.png none/x.png
 refuses $output "no format has this extension" lut --lut "$samples/silver.cube" many/one.png x.none
 refuses $usage "would be written over" lut --lut "$samples/silver.cube" many many
-refuses $usage "two pictures would go to" lut --lut "$samples/silver.cube" many/one.png graded/one.png x
 cp many/one.png one-compare.png
-refuses $usage "'one-compare.png' would be written over" clarity --compare one-compare.png one.png
 refuses $usage "two pictures would go to 'x/one-compare.png'" clarity --compare many/one.png one-compare.png x
-cmp one-compare.png many/one.png || fail "a comparison took the place of a picture that was to be read"
 refuses $input "1 of 2 pictures failed" lut --lut "$samples/silver.cube" broken.png many/one.png some
 [ -s some/one.png ] || fail "one bad picture kept another from being graded"
-refuses $output "cannot make the folder" lut --lut "$samples/silver.cube" many same.png
 refuses $input "no pictures in 'empty'" lut --lut "$samples/silver.cube" empty x
 succeeds clarity many/one.png new/folder/
 [ -s new/folder/one.png ] || fail "a slash at the end did not make a folder"
@@ -122,7 +111,6 @@ done
 refuses $input "'many': it is a folder" whitebalance many/one.png many x
 refuses $input "one-dimensional" lut --lut curve.cube many/one.png x.png
 refuses $usage "subcommand is required"
-refuses $usage "no subcommand 'grade'" grade many/one.png x.png
 for number in nan -inf 1e39; do
   refuses $usage "'$number' is no number" whitebalance --tint $number many/one.png x.png
 done
@@ -150,9 +138,6 @@ chmod 700 closed
 # What a format cannot hold: a JPEG has up to 65535 rows.
 { printf 'P5 1 70000 255\n' && head -c 70000 /dev/zero; } > tall.pgm
 refuses $output ".jpg holds no 1 x 70000 pixels" clarity tall.pgm x.jpg
-refuses $usage "At least 2 required" clarity many/one.png
-refuses $usage "--intensity = much" clarity --intensity much many/one.png x.png
-refuses $input "1 of 2 pictures failed" whitebalance short.jpg many/one.png some
 
 # A picture that a camera held upright, as its EXIF tells (orientation 6), comes out upright.
 {

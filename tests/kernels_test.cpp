@@ -23,38 +23,12 @@ namespace {
 
 using test::Bytes;
 
-// All kernels in one form.
-struct Kernels {
-  decltype(&Lumvane::gradeRow) gradeRow;
-  decltype(&Lumvane::gradeAndFadeRow) gradeAndFadeRow;
-  decltype(&Lumvane::fadeRow) fadeRow;
-  decltype(&Lumvane::hdrCacheRow) hdrCacheRow;
-  decltype(&Lumvane::whiteBalanceRow) whiteBalanceRow;
-  decltype(&Lumvane::valueRow) valueRow;
-  decltype(&Lumvane::analysisRow) analysisRow;
-  decltype(&Lumvane::detailRow) detailRow;
-  decltype(&Lumvane::blendRow) blendRow;
-  decltype(&Lumvane::synthesisRow) synthesisRow;
-  decltype(&Lumvane::rowToRgb) rowToRgb;
-  decltype(&Lumvane::rowPairFromRgb) rowPairFromRgb;
-};
-const Kernels kVector = {gradeRow,    gradeAndFadeRow, fadeRow,  hdrCacheRow,  whiteBalanceRow, valueRow,
-                         analysisRow, detailRow,       blendRow, synthesisRow, rowToRgb,        rowPairFromRgb};
-const Kernels kPlain = {
-    plain::gradeRow,
-    plain::gradeAndFadeRow,
-    plain::fadeRow,
-    plain::hdrCacheRow,
-    plain::whiteBalanceRow,
-    plain::valueRow,
-    plain::analysisRow,
-    plain::detailRow,
-    plain::blendRow,
-    plain::synthesisRow,
-    [](const ToRgb& m, const Yv12Row& row, uint8_t* bgra, int width) { plain::rowToRgb(m, row, bgra, width); },
-    [](const FromRgb& m, const uint8_t* const (&bgra)[4], const Yv12RowPair& pair, int width) {
-      plain::rowPairFromRgb(m, bgra, pair, width);
-    }};
+enum Form { kPlain, kVector };
+template <class Function>
+Function* pick(Form form, Function* plainForm, Function* vectorForm) {
+  return form == kPlain ? plainForm : vectorForm;
+}
+#define IN_FORM(name) pick(form, plain::name, name)
 
 // The rows of one call.
 struct Rows {
@@ -74,7 +48,7 @@ struct Kernel {
   const char* name;
   std::vector<Kind> in, out;
   std::vector<float> parameters;
-  void (*call)(const Kernels& kernels, const Rows& rows, size_t pixels, float parameter);
+  void (*call)(Form form, const Rows& rows, size_t pixels, float parameter);
   bool inPlace = true;  // the first row that is written may be the first that is read
 };
 
@@ -100,73 +74,74 @@ const RGB8* cache() {
   return reinterpret_cast<const RGB8*>(bytes.data());
 }
 
-const Kernel kGrade = {"grade", {kBgra}, {kBgra}, {0}, [](const Kernels& k, const Rows& r, size_t n, float) {
-                         k.gradeRow(lattice(), blends(), r.in[0], r.out[0], n);
+const Kernel kGrade = {"grade", {kBgra}, {kBgra}, {0}, [](Form form, const Rows& r, size_t n, float) {
+                         IN_FORM(gradeRow)(lattice(), blends(), r.in[0], r.out[0], n);
                        }};
 const Kernel kGradeAndFade = {"gradeAndFade",
                               {kBgra},
                               {kBgra},
                               {1, 127, 254},
-                              [](const Kernels& k, const Rows& r, size_t n, float t) {
-                                k.gradeAndFadeRow(lattice(), blends(), static_cast<int32_t>(t), r.in[0], r.out[0], n);
+                              [](Form form, const Rows& r, size_t n, float t) {
+                                IN_FORM(gradeAndFadeRow)
+                                (lattice(), blends(), static_cast<int32_t>(t), r.in[0], r.out[0], n);
                               },
                               false};
-const Kernel kFade = {"fade", {kBgra}, {kBgra}, {0, 100, 255}, [](const Kernels& k, const Rows& r, size_t n, float t) {
-                        k.fadeRow(blends(), static_cast<int32_t>(t), r.in[0], r.out[0], n);
+const Kernel kFade = {"fade", {kBgra}, {kBgra}, {0, 100, 255}, [](Form form, const Rows& r, size_t n, float t) {
+                        IN_FORM(fadeRow)(blends(), static_cast<int32_t>(t), r.in[0], r.out[0], n);
                       }};
-const Kernel kHdrCache = {"hdrCache", {kBgra}, {kBgra}, {0}, [](const Kernels& k, const Rows& r, size_t n, float) {
-                            k.hdrCacheRow(cache(), r.in[0], r.out[0], n);
+const Kernel kHdrCache = {"hdrCache", {kBgra}, {kBgra}, {0}, [](Form form, const Rows& r, size_t n, float) {
+                            IN_FORM(hdrCacheRow)(cache(), r.in[0], r.out[0], n);
                           }};
 const Kernel kWhiteBalance = {
-    "whiteBalance", {kBgra}, {kBgra}, {0.3f, 1.1f, 3.0f}, [](const Kernels& k, const Rows& r, size_t n, float gain) {
-      k.whiteBalanceRow({gain, 2 - gain, 1.2f * gain}, r.in[0], r.out[0], n);
+    "whiteBalance", {kBgra}, {kBgra}, {0.3f, 1.1f, 3.0f}, [](Form form, const Rows& r, size_t n, float gain) {
+      IN_FORM(whiteBalanceRow)({gain, 2 - gain, 1.2f * gain}, r.in[0], r.out[0], n);
     }};
-const Kernel kValue = {"value", {kBgra}, {kFloats}, {0}, [](const Kernels& k, const Rows& r, size_t n, float) {
-                         k.valueRow(r.in[0], r.outFloats(0), n);
+const Kernel kValue = {"value", {kBgra}, {kFloats}, {0}, [](Form form, const Rows& r, size_t n, float) {
+                         IN_FORM(valueRow)(r.in[0], r.outFloats(0), n);
                        }};
 const Kernel kAnalysis = {"analysis",
                           {kBgra},
                           {kFloats, kFloats, kFloats},
                           {0.85f, 1.15f},
-                          [](const Kernels& k, const Rows& r, size_t n, float factor) {
-                            k.analysisRow(r.in[0], factor, r.outFloats(0), r.outFloats(1), r.outFloats(2), n);
+                          [](Form form, const Rows& r, size_t n, float factor) {
+                            IN_FORM(analysisRow)(r.in[0], factor, r.outFloats(0), r.outFloats(1), r.outFloats(2), n);
                           },
                           false};
 const Kernel kDetail = {
-    "detail", {kFloats, kFloats, kFloats}, {kFloats}, {0}, [](const Kernels& k, const Rows& r, size_t n, float) {
-      k.detailRow(r.floats(0), r.floats(1), 22.222221f, 0.55f, r.floats(2), r.outFloats(0), n);
+    "detail", {kFloats, kFloats, kFloats}, {kFloats}, {0}, [](Form form, const Rows& r, size_t n, float) {
+      IN_FORM(detailRow)(r.floats(0), r.floats(1), 22.222221f, 0.55f, r.floats(2), r.outFloats(0), n);
     }};
-const Kernel kBlend = {"blend",
-                       {kFloats, kFloats},
-                       {kFloats},
-                       {0.01f, 0.5f, 1.0f},
-                       [](const Kernels& k, const Rows& r, size_t n, float share) {
-                         k.blendRow(r.floats(0), 1.0f - share, r.floats(1), share, r.outFloats(0), n);
-                       }};
-const Kernel kSynthesis = {"synthesis",
-                           {kBgra, kFloats, kFloats, kFloats},
-                           {kBgra},
-                           {0},
-                           [](const Kernels& k, const Rows& r, size_t n, float) {
-                             k.synthesisRow(r.floats(1), r.floats(2), r.floats(3), r.in[0], r.out[0], n);
-                           }};
+const Kernel kBlend = {
+    "blend", {kFloats, kFloats}, {kFloats}, {0.01f, 0.5f, 1.0f}, [](Form form, const Rows& r, size_t n, float share) {
+      IN_FORM(blendRow)(r.floats(0), 1.0f - share, r.floats(1), share, r.outFloats(0), n);
+    }};
+const Kernel kSynthesis = {
+    "synthesis", {kBgra, kFloats, kFloats, kFloats}, {kBgra}, {0}, [](Form form, const Rows& r, size_t n, float) {
+      IN_FORM(synthesisRow)(r.floats(1), r.floats(2), r.floats(3), r.in[0], r.out[0], n);
+    }};
 const Kernel kToRgb = {"toRgb",
                        {kBytes, kChroma, kChroma, kChroma, kChroma},
                        {kBgra},
                        {0, 1},
-                       [](const Kernels& k, const Rows& r, size_t n, float full) {
-                         k.rowToRgb(toRgb(kBt2020, full != 0 ? kFull : kLimited),
-                                    {r.in[0], r.in[1], r.in[2], r.in[3], r.in[4]}, r.out[0], static_cast<int>(n));
+                       [](Form form, const Rows& r, size_t n, float full) {
+                         const ToRgb matrix = toRgb(kBt2020, full != 0 ? kFull : kLimited);
+                         const Yv12Row row = {r.in[0], r.in[1], r.in[2], r.in[3], r.in[4]};
+                         const auto width = static_cast<int>(n);
+                         form == kPlain ? plain::rowToRgb(matrix, row, r.out[0], width)
+                                        : rowToRgb(matrix, row, r.out[0], width);
                        },
                        false};
 const Kernel kFromRgb = {"fromRgb",
                          {kBgra, kBgra, kBgra, kBgra},
                          {kBytes, kBytes, kChroma, kChroma},
                          {0, 1},
-                         [](const Kernels& k, const Rows& r, size_t n, float full) {
-                           k.rowPairFromRgb(fromRgb(kBt709, full != 0 ? kFull : kLimited),
-                                            {r.in[0], r.in[1], r.in[2], r.in[3]},
-                                            {r.out[0], r.out[1], r.out[2], r.out[3]}, static_cast<int>(n));
+                         [](Form form, const Rows& r, size_t n, float full) {
+                           const FromRgb matrix = fromRgb(kBt709, full != 0 ? kFull : kLimited);
+                           const Yv12RowPair pair = {r.out[0], r.out[1], r.out[2], r.out[3]};
+                           const auto width = static_cast<int>(n);
+                           const uint8_t* const in[4] = {r.in[0], r.in[1], r.in[2], r.in[3]};
+                           form == kPlain ? plain::rowPairFromRgb(matrix, in, pair, width)
+                                          : rowPairFromRgb(matrix, in, pair, width);
                          },
                          false};
 const Kernel* const kKernels[] = {&kGrade,    &kGradeAndFade, &kFade,  &kHdrCache,  &kWhiteBalance, &kValue,
@@ -175,7 +150,7 @@ const Kernel* const kKernels[] = {&kGrade,    &kGradeAndFade, &kFade,  &kHdrCach
 constexpr size_t kBorder = 129;  // known bytes around what is written; a vector is no longer
 
 // What a form makes of the rows, which start `start` bytes, or floats, off any alignment.
-std::array<Bytes, 4> results(const Kernel& kernel, const Kernels& form, const std::vector<Bytes>& in, size_t pixels,
+std::array<Bytes, 4> results(const Kernel& kernel, Form form, const std::vector<Bytes>& in, size_t pixels,
                              float parameter, size_t start, bool inPlace) {
   Rows rows = {};
   std::vector<Bytes> read;
@@ -300,8 +275,8 @@ TEST_P(RowKernels, RaiseEveryDetail) {
   const std::vector<float> zeros(kBlock);
   std::vector<float> expected(kBlock), found(kBlock), fine(kBlock);
   const auto compare = [&] {
-    kPlain.detailRow(fine.data(), zeros.data(), 22.222221f, 0.55f, zeros.data(), expected.data(), kBlock);
-    kVector.detailRow(fine.data(), zeros.data(), 22.222221f, 0.55f, zeros.data(), found.data(), kBlock);
+    plain::detailRow(fine.data(), zeros.data(), 22.222221f, 0.55f, zeros.data(), expected.data(), kBlock);
+    detailRow(fine.data(), zeros.data(), 22.222221f, 0.55f, zeros.data(), found.data(), kBlock);
     ASSERT_EQ(std::memcmp(expected.data(), found.data(), sizeof(float) * kBlock), 0) << fine[0];
   };
   const auto end = std::bit_cast<uint32_t>(1.1f);

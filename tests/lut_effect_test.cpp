@@ -64,39 +64,28 @@ TEST(LutEffect, IsNullWithoutAReadableTable) {
   }
 }
 
-TEST(LutEffect, IgnoresNull) {
-  Frame frame(2, 2);
-  const auto before = frame.bytes;
-  const TemporaryFile file("negative.cube", negativeCube());
-  const Effect effect(file.utf16());
-  Destory3DLutColorAdjustEffect(nullptr);
-  Lut3DColorAdjustEffectProcess(nullptr, frame.data(), 2, 2, 0, frame.data(), 2, 2, 0, 100);
-  Lut3DColorAdjustEffectProcess(effect.handle, nullptr, 2, 2, 0, frame.data(), 2, 2, 0, 100);
-  Lut3DColorAdjustEffectProcess(effect.handle, frame.data(), 2, 2, 0, nullptr, 2, 2, 0, 100);
-  EXPECT_EQ(frame.bytes, before);
-}
-
-TEST(LutEffect, LeavesEmptyFramesAlone) {
+TEST(LutEffect, LeavesFramesAloneThatAreNone) {
   const TemporaryFile file("negative.cube", negativeCube());
   const Effect effect(file.utf16());
   Frame src(4, 4), dst(4, 4);
   const auto before = dst.bytes;
-  for (const auto& [width, height] : {std::pair{0, 4}, {4, 0}, {-1, 4}, {4, -1}, {INT_MIN, INT_MIN}, {-4, -4}}) {
-    Lut3DColorAdjustEffectProcess(effect.handle, dst.data(), width, height, 0, src.data(), 4, 4, 0, 50);
+  const auto process = [&](void* handle, uint8_t* to, const uint8_t* from, int width, int height) {
+    Lut3DColorAdjustEffectProcess(handle, to, width, height, 0, from, 4, 4, 0, 50);
     EXPECT_EQ(dst.bytes, before) << width << " x " << height;
+  };
+  for (const auto& [width, height] : {std::pair{0, 4}, {4, 0}, {-1, 4}, {4, -1}, {INT_MIN, INT_MIN}, {-4, -4}}) {
+    process(effect.handle, dst.data(), src.data(), width, height);
   }
-}
-
-// A table that holds one colour everywhere. Only black and white, which lie on lattice points, get it without rounding
-// noise.
-std::string flatCube(const std::string& row) {
-  std::string text = "LUT_3D_SIZE 2\n";
-  for (int i = 0; i < 8; ++i) text += row + "\n";
-  return text;
+  process(nullptr, dst.data(), src.data(), 4, 4);
+  process(effect.handle, nullptr, src.data(), 4, 4);
+  process(effect.handle, dst.data(), nullptr, 4, 4);
+  Destory3DLutColorAdjustEffect(nullptr);
 }
 
 TEST(LutEffect, FadesByStrength) {
-  const TemporaryFile file("flat.cube", flatCube("0.3921568627 0.3921568627 0.3921568627"));
+  // White becomes 100.
+  const TemporaryFile file("flat.cube",
+                           test::replaced(negativeCube(), "0 0 0", "0.3921568627 0.3921568627 0.3921568627"));
   const Effect effect(file.utf16());
   Frame src(1, 1), dst(1, 1);
   std::fill_n(src.data(), 4, uint8_t{255});

@@ -25,7 +25,9 @@ namespace {
 
 using test::Bytes;
 using test::Frame;
+using test::kLinked;
 using test::Plane;
+using test::Render;
 using test::Values;
 using test::Yv12Frame;
 
@@ -81,9 +83,6 @@ const Bytes& picture(int width, int height) {
   return bytes;
 }
 
-// Takes a frame from src to dst, whose strides may be anything that the effect allows.
-using Render = std::function<void(Frame& dst, Frame& src)>;
-
 struct Size {
   int width, height;
 };
@@ -95,10 +94,9 @@ constexpr int kWidest = 70;  // a little more than four of the widest vectors
 void add(Bytes& all, const Bytes& more) { all.insert(all.end(), more.begin(), more.end()); }
 
 Bytes rendered(int width, int height, const Bytes& pixels, const Render& render) {
-  Frame src(width, height), dst(width, height);
-  src.fill(pixels);
-  render(dst, src);
-  return dst.packed();
+  Bytes dst(pixels.size());
+  render(dst.data(), 0, pixels.data(), 0, width, height);
+  return dst;
 }
 
 void reportBytes(const Report& report, const std::string& name, const Bytes& bytes) {
@@ -116,28 +114,20 @@ void reportFrames(const Report& report, const std::string& name, const std::vect
     const Bytes& pixels = picture(width, height);
     const std::string where = words(name, ", ", width, " x ", height);
     reportBytes(report, where, rendered(width, height, pixels, render));
-    Frame inPlace(width, height);
-    inPlace.fill(pixels);
-    render(inPlace, inPlace);
-    reportBytes(report, where + ", in place", inPlace.packed());
+    Bytes inPlace = pixels;
+    render(inPlace.data(), 0, inPlace.data(), 0, width, height);
+    reportBytes(report, where + ", in place", inPlace);
     for (const auto& [srcPadding, dstPadding] : paddings) {
       const auto stride = [&](int padding) { return padding == 0 ? 0 : (padding < 0 ? -4 : 4) * width + padding; };
       Frame src(width, height, stride(srcPadding)), dst(width, height, stride(dstPadding));
       src.fill(pixels);
-      render(dst, src);
+      render(dst.data(), dst.stride, src.data(), src.stride, width, height);
       reportBytes(report, words(where, ", padded by ", srcPadding, " and ", dstPadding), dst.packed());
     }
   }
 }
 
 // ---- LUT grading
-
-Render gradeBy(void* effect, int strength) {
-  return [=](Frame& dst, Frame& src) {
-    Lut3DColorAdjustEffectProcess(effect, dst.data(), src.width, src.height, dst.stride, src.data(), 0, 0, src.stride,
-                                  strength);
-  };
-}
 
 // A lattice in which the byte v becomes v: what is graded by it is multiplied by alpha alone.
 std::string keepingCube() {
@@ -148,30 +138,26 @@ std::string keepingCube() {
 }
 
 void reportLut(const Report& report, const std::string& lut, const std::u16string& path, bool inDetail) {
-  void* const effect = Create3DLutColorAdjustEffect(path.c_str(), 0, 0);
-  ASSERT_NE(effect, nullptr) << lut;
   const std::string name = "lut " + lut;
   for (const int strength : {50, 100}) {
     if (!kAllColours) break;
     reportBytes(report, words(name, ", all colours, strength ", strength),
-                rendered(kSide, kSide, allColours(), gradeBy(effect, strength)));
+                rendered(kSide, kSide, allColours(), kLinked.grading(path, strength)));
   }
   for (const int strength : {1, 99, 100}) {
     if (!inDetail) break;
-    reportFrames(report, words(name, ", strength ", strength), kSizes, gradeBy(effect, strength),
+    reportFrames(report, words(name, ", strength ", strength), kSizes, kLinked.grading(path, strength),
                  {{12, 0}, {0, 5}, {-4, 7}, {-1, -64}});
   }
   Bytes all;
   for (int strength = -1; strength <= 102; ++strength) {
-    add(all, rendered(64, 33, picture(64, 33), gradeBy(effect, strength)));
+    add(all, rendered(64, 33, picture(64, 33), kLinked.grading(path, strength)));
   }
   reportBytes(report, name + ", every strength", all);
   // Two frames in one buffer, the destination a row above the source; small, since bands would race for the rows.
-  Frame both(40, 31);
-  both.fill(picture(40, 31));
-  Lut3DColorAdjustEffectProcess(effect, both.row(0), 40, 30, 0, both.row(1), 0, 0, 0, 30);
-  reportBytes(report, name + ", a row apart", both.packed());
-  Destory3DLutColorAdjustEffect(effect);
+  Bytes both = picture(40, 31);
+  kLinked.grading(path, 30)(both.data(), 0, &both[160], 0, 40, 30);
+  reportBytes(report, name + ", a row apart", both);
 }
 
 // One byte a pixel, which no export asks for.
@@ -201,12 +187,10 @@ void reportLuts(const Report& report) {
     reportLut(report, name, test::TemporaryFile("lut.cube", text).utf16(), inDetail);
   }
   const test::TemporaryFile keeping("keeping.cube", keepingCube());
-  void* const effect = Create3DLutColorAdjustEffect(keeping.utf16().c_str(), 0, 0);
   Bytes pixels;
   for (int i = 0; i < 65536; ++i) add(pixels, Bytes(3, static_cast<uint8_t>(i))), pixels.push_back(i >> 8 & 255);
   reportBytes(report, "lut that keeps colours, every byte at every alpha",
-              rendered(256, 256, pixels, gradeBy(effect, 100)));
-  Destory3DLutColorAdjustEffect(effect);
+              rendered(256, 256, pixels, kLinked.grading(keeping.utf16(), 100)));
   reportPlanes(report);
 
   const auto table = Lumvane::acquireTable();
@@ -224,21 +208,13 @@ void reportLuts(const Report& report) {
 
 // ---- Clarity
 
-Render clarify(int width, int height, int saturation, int intensity) {
-  return [=](Frame& dst, Frame& src) {
-    void* const effect = CreateNLEPureCClarity(width, height, 0, saturation, intensity);
-    EXPECT_EQ(
-        NLEPureCClarityProcess(effect, dst.data(), src.width, src.height, dst.stride, src.data(), 0, 0, src.stride), 1);
-    DestoryNLEPureCClarity(effect);
-  };
-}
-
 void reportClarity(const Report& report) {
   for (const int saturation : {-100, 0, 37, 100}) {
-    reportFrames(report, words("clarity, saturation ", saturation), {{101, 100}}, clarify(64, 64, saturation, 0), {});
+    reportFrames(report, words("clarity, saturation ", saturation), {{101, 100}}, kLinked.clarity(saturation, 0, 64),
+                 {});
     if (!kAllColours) continue;
     reportBytes(report, words("clarity, saturation ", saturation, ", all colours"),
-                rendered(kSide, kSide, allColours(), clarify(64, 64, saturation, 0)));
+                rendered(kSide, kSide, allColours(), kLinked.clarity(saturation, 0, 64)));
   }
   // Sides around those at which a level is added, and around the widths of vectors and of the chunks of a row.
   std::vector<Size> sizes = {{640, 363}, {1920, 1080}, {1, 50},   {50, 1},   {2, 9},
@@ -246,25 +222,18 @@ void reportClarity(const Report& report) {
   for (const int side : {1, 2, 3, 4, 5, 7, 8, 9, 15, 16, 17, 31, 32, 33, 47, 63, 64, 65, 66, 129}) {
     sizes.push_back({side, side});
   }
-  for (const auto& [levels, saturation, intensity] : {std::tuple{64, 20, 70}, {65, -60, 100}, {7, 1000, 1000}}) {
-    reportFrames(report,
-                 words("opencv clarity of side ", levels, ", saturation ", saturation, ", intensity ", intensity),
-                 sizes, clarify(levels, levels, saturation, intensity), {{12, 5}});
+  for (const auto& [side, saturation, intensity] : {std::tuple{0, 20, 70}, {65, -60, 100}, {7, 1000, 1000}}) {
+    reportFrames(report, words("opencv clarity of side ", side, ", saturation ", saturation, ", intensity ", intensity),
+                 sizes, kLinked.clarity(saturation, intensity, side), {{12, 5}});
   }
   Bytes all;
   for (int intensity = 0; intensity <= 100; ++intensity) {
-    add(all, rendered(70, 66, picture(70, 66), clarify(70, 66, intensity - 50, intensity)));
+    add(all, rendered(70, 66, picture(70, 66), kLinked.clarity(intensity - 50, intensity)));
   }
   reportBytes(report, "opencv clarity, every intensity", all);
 }
 
 // ---- White balance
-
-Render balance(float temperature, float tint) {
-  return [=](Frame& dst, Frame& src) {
-    WhiteBalanceFun(src.data(), dst.data(), 0, 0, 0, temperature, tint, src.width, src.height);
-  };
-}
 
 void reportWhiteBalance(const Report& report) {
   Bytes everyByte;
@@ -272,21 +241,21 @@ void reportWhiteBalance(const Report& report) {
   for (const float tint : {-2.0f, -0.31f, 0.0f, 0.17f, 1.0f, 3e9f, INFINITY, NAN}) {
     Bytes all;
     for (int i = -300; i < 300; ++i) {
-      add(all, rendered(256, 1, everyByte, balance(static_cast<float>(i) / 128.0f + 0.001f, tint)));
+      add(all, rendered(256, 1, everyByte, kLinked.whiteBalance(static_cast<float>(i) / 128.0f + 0.001f, tint)));
     }
     for (const float odd : {1e-40f, 1e30f, -1e30f, INFINITY, -INFINITY, NAN}) {
-      add(all, rendered(256, 1, everyByte, balance(odd, tint)));
+      add(all, rendered(256, 1, everyByte, kLinked.whiteBalance(odd, tint)));
     }
     reportBytes(report, words("white balance, every byte, tint ", tint), all);
   }
   // From 16 MiB on frames are written past the caches, from a place on that depends on the first byte's.
   const Size large = {2053, 2050};
-  reportFrames(report, "white balance", {{101, 100}, large}, balance(0.3f, -0.1f), {});
-  for (const int start : {1, 4, 60}) {
-    Frame src(large.width, large.height), dst(large.width, large.height + 1);
-    src.fill(picture(large.width, large.height));
-    WhiteBalanceFun(src.data(), dst.data() + start, 0, 0, 0, 0.3f, -0.1f, large.width, large.height);
-    reportBytes(report, words("white balance from byte ", start), dst.packed());
+  reportFrames(report, "white balance", {{101, 100}, large}, kLinked.whiteBalance(0.3f, -0.1f), {});
+  const Bytes& pixels = picture(large.width, large.height);
+  for (const size_t start : {1, 4, 60}) {
+    Bytes dst(pixels.size() + start);
+    kLinked.whiteBalance(0.3f, -0.1f)(&dst[start], 0, pixels.data(), 0, large.width, large.height);
+    reportBytes(report, words("white balance from byte ", start), dst);
   }
 }
 

@@ -8,8 +8,7 @@
 #include <limits>
 #include <thread>
 
-#include "lumvane.h"
-#include "tests/inputs.h"
+#include "tests/effects.h"
 
 extern "C" {
 #include <frei0r.h>
@@ -80,23 +79,17 @@ Frame noise(int width, int height, unsigned seed = 1) {
 
 // What the library makes of a frame with the values of setSome, below.
 test::Bytes expected(const std::string& name, Frame src, const TemporaryFile& cube) {
-  Frame dst(src.width, src.height);
-  const int w = src.width, h = src.height;
-  if (name == "lumvane_lut") {
-    Frame opaque = src;
-    for (int i = 3; i < 4 * w * h; i += 4) opaque.data()[i] = 255;
-    void* effect = Create3DLutColorAdjustEffect(cube.utf16().c_str(), w, h);
-    Lut3DColorAdjustEffectProcess(effect, dst.data(), w, h, 0, opaque.data(), w, h, 0, 60);
-    Destory3DLutColorAdjustEffect(effect);
-    for (int i = 3; i < 4 * w * h; i += 4) dst.data()[i] = src.data()[i];
-  } else if (name == "lumvane_clarity") {
-    void* effect = CreateNLEPureCClarity(w, h, 0, 20, 70);
-    NLEPureCClarityProcess(effect, dst.data(), w, h, 0, src.data(), w, h, 0);
-    DestoryNLEPureCClarity(effect);
-  } else {
-    WhiteBalanceFun(src.data(), dst.data(), 0.0f, 0.0f, 0.0f, 0.4f, 0.2f, w, h);
-  }
-  return dst.packed();
+  const Frame before = src;
+  const bool isLut = name == "lumvane_lut";
+  for (int i = 3; i < 4 * src.width * src.height && isLut; i += 4) src.data()[i] = 255;
+  const test::Render render = isLut                       ? test::kLinked.grading(cube.utf16(), 60)
+                              : name == "lumvane_clarity" ? test::kLinked.clarity(20, 70)
+                                                          : test::kLinked.whiteBalance(0.4f, 0.2f);
+  Frame graded(src.width, src.height);
+  render(graded.data(), 0, src.data(), 0, src.width, src.height);
+  for (int i = 3; i < 4 * src.width * src.height && isLut; i += 4)
+    graded.data()[i] = before.bytes[Frame::kBorder + static_cast<size_t>(i)];
+  return graded.packed();
 }
 
 class EveryPlugin : public testing::TestWithParam<std::string> {
