@@ -1,18 +1,8 @@
 // The input is a .cube file.
 
-#include "fuzz/reader_target.h"
+#include "fuzz/checks.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  const std::string text(reinterpret_cast<const char*>(data), size);
-  const fuzz::PlainTable expected = fuzz::readPlainCube(text);
-  auto& lut = fuzz::newTable();
-  std::istringstream stream(text);
-  fuzz::require(lut->readCube(stream) == expected.status && lut->status == expected.status, "the status");
-  fuzz::require(lut->latticeSize == expected.size, "the size");
-  if (expected.size > 65) return 0;
-  fuzz::checkPoints(expected, [&](int blue, int green, int red) { return lut->lattice[red][green][blue]; });
-  if (expected.status != Lumvane::statusOk) return 0;
-  fuzz::checkInterpolationTables(lut->latticeSize, lut->fraction, lut->cell);
-  fuzz::gradeOnEveryTarget(lut);
-  return 0;
+  return fuzz::checkReader(data, size, &Lumvane::CubeLut::readCube, fuzz::readPlainCube,
+                           [](const auto& lut, int blue, int green, int red) { return lut.lattice[red][green][blue]; });
 }

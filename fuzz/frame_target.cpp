@@ -1,24 +1,34 @@
 // The input is a frame to grade: its shape, the table, the strength and the set of vector instructions, then the values
-// that table and pixels are made of.
+// that table and pixels are made of. It is graded as a host would, and by the plain kernels.
 
 #include <cmath>
 #include <cstring>
+#include <memory>
 
-#include "fuzz/graded_frame.h"
-#include "fuzz/targets.h"
+#include "apply/row_kernels.h"
+#include "fuzz/checks.h"
+#include "lumvane.h"
+#include "lut/blend_table.h"
+#include "lut/color_lut3d_adjust_effect.h"
 
 namespace {
 
-// Of what is not there any more it takes zeros.
-class Bytes {
- public:
-  Bytes(const uint8_t* data, size_t size) : next_(data), end_(data + size) {}
-  int32_t take() { return next_ == end_ ? 0 : *next_++; }
-  std::vector<uint8_t> rest() const { return {next_, end_}; }
+using namespace Lumvane;
+using Bytes = std::vector<uint8_t>;
 
- private:
-  const uint8_t* next_;
-  const uint8_t* end_;
+// A frame that fills its memory from the first byte to the last, so that the address sanitizer sees one beside it. The
+// bytes, padding included, are those of `pattern` over and over.
+struct Frame {
+  Frame(int32_t width, int32_t rows, int32_t stride, const Bytes& pattern)
+      : height(rows),
+        step(stride == 0 ? 4 * width : stride),
+        bytes(static_cast<size_t>(std::abs(step) * (rows - 1) + 4 * width)) {
+    for (size_t i = 0; i < bytes.size() && !pattern.empty(); ++i) bytes[i] = pattern[i % pattern.size()];
+  }
+  uint8_t* row(int32_t y) { return bytes.data() + ptrdiff_t{step} * (step < 0 ? y - (height - 1) : y); }
+
+  int32_t height, step;
+  Bytes bytes;
 };
 
 // Packed rows, or rows with something between them, or ones that overlap, to either side.
@@ -28,15 +38,11 @@ int32_t stride(int32_t form, int32_t width, int32_t bytes) {
 }
 
 // Single-precision values over and over: bit patterns as they come, or bytes on the scale of colours.
-void fillLattice(Lumvane::CubeLut& lut, bool bitPatterns, const std::vector<uint8_t>& bytes) {
-  std::vector<float> values;
-  for (size_t i = 0; i < bytes.size() && values.size() < 1021; i += bitPatterns ? 4 : 1) {
-    uint8_t four[4] = {};
-    std::memcpy(four, &bytes[i], std::min<size_t>(4, bytes.size() - i));
-    values.push_back(static_cast<float>(four[0]) * 1.25f - 20.5f);
-    if (bitPatterns) std::memcpy(&values.back(), four, 4);
-  }
-  if (values.empty()) values.push_back(0.0f);
+void fillLattice(CubeLut& lut, bool bitPatterns, const Bytes& bytes) {
+  std::vector<float> values(std::clamp<size_t>(bitPatterns ? bytes.size() / 4 : bytes.size(), 1, 1021));
+  for (size_t i = 0; i < values.size() && i < bytes.size(); ++i) values[i] = bytes[i] * 1.25f - 20.5f;
+  if (bitPatterns && !bytes.empty())
+    std::memcpy(values.data(), bytes.data(), std::min(bytes.size(), values.size() * 4));
   float* const lattice = &lut.lattice[0][0][0][0];
   constexpr size_t kFloats = sizeof lut.lattice / sizeof(float);
   std::copy(values.begin(), values.end(), lattice);
@@ -49,26 +55,46 @@ void fillLattice(Lumvane::CubeLut& lut, bool bitPatterns, const std::vector<uint
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  Bytes bytes(data, size);
-  const auto target = static_cast<size_t>(bytes.take());
-  const int32_t forms = bytes.take(), moreForms = bytes.take();
-  fuzz::FrameCase test;
-  test.width = 1 + bytes.take();
-  test.height = 1 + bytes.take() % 80;
-  test.dstStride = stride(forms, test.width, bytes.take());
-  test.srcStride = stride(forms >> 3, test.width, bytes.take());
-  test.strength = bytes.take() - 20;
-  test.inPlace = forms >> 6 & 1;
-  static auto lut = std::make_unique<Lumvane::CubeLut>();
-  lut->latticeSize = 2 + bytes.take() % 64;
-  lut->status = Lumvane::statusOk;
-  lut->fillInterpolationTables();
-  test.pixels = bytes.rest();
-  fillLattice(*lut, moreForms & 1, test.pixels);
+  // Of what is not there any more it takes zeros.
+  const uint8_t* const end = data + size;
+  const auto take = [&] { return data == end ? 0 : int32_t{*data++}; };
+  const auto target = static_cast<size_t>(take());
+  const int32_t forms = take(), moreForms = take(), width = 1 + take(), height = 1 + take() % 80;
+  const int32_t dstStride = stride(forms, width, take());
+  const int32_t srcStride = stride(forms >> 3, width, take());
+  const int32_t strength = take() - 20;
+  const bool inPlace = forms >> 6 & 1;  // in dst, and with its stride alone
+  static ColorLut3dAdjustEffect effect(u"", 0, 0);
+  if (effect.cubeLut == nullptr) effect.cubeLut = std::make_unique<CubeLut>();
+  CubeLut& lut = *effect.cubeLut;
+  lut.latticeSize = 2 + take() % 64;
+  lut.status = statusOk;
+  lut.fillInterpolationTables();
+  const Bytes pixels(data, end);
+  fillLattice(lut, moreForms & 1, pixels);
 
   // Bands of more pixels than this are written side by side: whose bytes stay where their rows overlap is open then.
-  const bool inBands = test.width * test.height > 10000;
-  if (inBands && test.dstStride != 0 && std::abs(test.dstStride) < 4 * test.width) return 0;
-  fuzz::onTarget(target, [&] { fuzz::checkGradedFrame(lut, test); });
+  const bool inBands = width * height > 10000;
+  if (inBands && dstStride != 0 && std::abs(dstStride) < 4 * width) return 0;
+
+  Frame src(width, height, srcStride, pixels);
+  Frame dst(width, height, dstStride, inPlace ? pixels : Bytes{0xA5, 0x5A, 7});
+  Frame expected = dst;
+  const int32_t s = std::clamp(strength, 0, 100) * 255 / 100;
+  if (s > 0) {
+    const auto table = acquireTable();
+    const BlendTables blends = {table->multiply, table->mix};
+    const LatticeView view = {lut.latticeSize, lut.fraction, lut.cell, &lut.lattice[0][0][0][0]};
+    Frame& from = inPlace ? expected : src;
+    const auto count = static_cast<size_t>(width);
+    for (int32_t y = 0; y < height; ++y) plain::gradeRow(view, blends, from.row(y), expected.row(y), count);
+    for (int32_t y = 0; y < height; ++y) plain::fadeRow(blends, 255 - s, from.row(y), expected.row(y), count);
+  }
+  fuzz::onTarget(target, [&] {
+    Lut3DColorAdjustEffectProcess(&effect, dst.row(0), width, height, dstStride, (inPlace ? dst : src).row(0), -1, -1,
+                                  inPlace ? dstStride : srcStride, strength);
+  });
+  // Those between the rows included.
+  fuzz::require(dst.bytes == expected.bytes, "all bytes are those that the plain kernels make");
   return 0;
 }

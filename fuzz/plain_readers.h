@@ -7,6 +7,8 @@
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
+#include <queue>
+#include <set>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -24,109 +26,89 @@ struct PlainTable {
   bool rowsCertain = true;                 ///< false with numbers that the C library does not take to the nearest float
 };
 
-class PlainLines {
- public:
-  PlainLines(const std::string& text, int32_t& status) : stream_(text), status_(status) {
+/// All lines that are not skipped. Throws the status where one is missing.
+struct PlainLines {
+  explicit PlainLines(const std::string& text) {
     const size_t end = text.find_first_of("\r\n");
-    if (end > 251)
-      status_ = Lumvane::statusLineTooLong;
-    else if (text[end] == '\r' && text.substr(end + 1, 1) != "\n")
-      separator_ = '\r';
-  }
-  std::string next() {
-    std::string line;
-    while (line.empty() || line[0] == '#' || line == "\r") {
-      if (stream_.eof()) {
-        status_ = Lumvane::statusEndOfFile;
-        break;
-      }
-      if (!std::getline(stream_, line, separator_)) {
-        status_ = Lumvane::statusReadFailed;
-        break;
-      }
+    if (end > 251) throw Lumvane::statusLineTooLong;
+    const char separator = text[end] == '\r' && text.substr(end + 1, 1) != "\n" ? '\r' : '\n';
+    behindLast = text.back() == separator ? Lumvane::statusReadFailed : Lumvane::statusEndOfFile;
+    std::istringstream stream(text);
+    for (std::string line; std::getline(stream, line, separator);) {
+      if (!line.empty() && line[0] != '#' && line != "\r") lines.push(line);
     }
-    return line;
   }
+  const std::string& front() const { return lines.empty() ? throw behindLast : lines.front(); }
 
- private:
-  std::istringstream stream_;
-  int32_t& status_;
-  char separator_ = '\n';
+  std::queue<std::string> lines;
+  Lumvane::LutStatus behindLast;
 };
 
 inline bool opensTable(const std::string& token) { return token > "+" && token < ":"; }
 
-/// Reads the rows; the first of them is `line` when that is not empty.
 template <class Scale>
-void readPlainRows(PlainLines& lines, std::string line, PlainTable& table, const Scale& scale) {
+void readPlainRows(PlainLines& text, PlainTable& table, const Scale& scale) {
   std::array<float, 3> row = {};
-  for (int32_t i = 0; i < table.size * table.size * table.size && table.status == 0; ++i, line.clear()) {
-    if (line.empty()) line = lines.next();
-    if (table.status != 0) return;
-    std::sscanf(line.c_str(), "%f %f %f", &row[0], &row[1], &row[2]);
+  for (int32_t i = 0; i < table.size * table.size * table.size; ++i, text.lines.pop()) {
+    std::sscanf(text.front().c_str(), "%f %f %f", &row[0], &row[1], &row[2]);
     // glibc 2.36 rounds hexadecimal numbers below the normal floats down.
-    const bool hex = line.find_first_of("xX") != std::string::npos;
-    if (hex && std::any_of(row.begin(), row.end(), [](float v) { return std::abs(v) < 0x1p-126f; })) {
-      table.rowsCertain = false;
-    }
+    const bool hex = text.front().find_first_of("xX") != std::string::npos;
+    table.rowsCertain &= !hex || std::none_of(row.begin(), row.end(), [](float v) { return std::abs(v) < 0x1p-126f; });
     table.rows.push_back({scale(row[0], 0), scale(row[1], 1), scale(row[2], 2)});
   }
 }
 
-inline PlainTable readPlainCube(const std::string& text) {
+inline PlainTable readPlainCube(const std::string& file) {
   PlainTable table;
-  PlainLines lines(text, table.status);
-  float low[3] = {0, 0, 0}, high[3] = {1, 1, 1};
-  int sizes = 0, lows = 0, highs = 0;
-  std::string line;
-  while (table.status == 0) {
-    line = lines.next();
-    if (table.status != 0) break;
-    std::istringstream words(line);
-    std::string keyword;
-    words >> keyword;
-    if (opensTable(keyword)) break;
-    if (keyword == "LUT_3D_SIZE" && sizes++ == 0) {
-      int size = 0;
-      words >> size;
-      if (size < 2 || size > 256) {
-        table.status = Lumvane::statusSizeInvalid;
-        break;
+  try {
+    float low[3] = {0, 0, 0}, high[3] = {1, 1, 1};
+    std::set<std::string> seen;
+    PlainLines text(file);
+    for (;; text.lines.pop()) {
+      std::istringstream words(text.front());
+      std::string keyword;
+      words >> keyword;
+      if (opensTable(keyword)) break;
+      const bool first = seen.insert(keyword).second;
+      if (first && keyword == "LUT_3D_SIZE") {
+        int size = 0;
+        words >> size;
+        if (size < 2 || size > 256) throw Lumvane::statusSizeInvalid;
+        table.size = size;
       }
-      table.size = size;
+      if (first && keyword == "DOMAIN_MIN") words >> low[0] >> low[1] >> low[2];
+      if (first && keyword == "DOMAIN_MAX") words >> high[0] >> high[1] >> high[2];
+      table.hasLines = true;
+      if (words.fail()) throw Lumvane::statusReadFailed;
     }
-    if (keyword == "DOMAIN_MIN" && lows++ == 0) words >> low[0] >> low[1] >> low[2];
-    if (keyword == "DOMAIN_MAX" && highs++ == 0) words >> high[0] >> high[1] >> high[2];
-    table.hasLines = true;
-    if (words.fail()) table.status = Lumvane::statusReadFailed;
+    if (table.size == 0 || table.size > 65) throw Lumvane::statusSizeInvalid;
+    if (low[0] >= high[0] || low[1] >= high[1] || low[2] >= high[2]) throw Lumvane::statusDomainInverted;
+    readPlainRows(text, table, [&](float value, int c) { return value * ((high[c] - low[c]) * 255.0f); });
+  } catch (const Lumvane::LutStatus status) {
+    table.status = table.size > 65 ? Lumvane::statusSizeInvalid : status;
   }
-  if (table.status == 0 && sizes == 0) table.status = Lumvane::statusSizeInvalid;
-  for (int c = 0; c < 3; ++c) {
-    if (table.status == 0 && low[c] >= high[c]) table.status = Lumvane::statusDomainInverted;
-  }
-  if (table.size > 65) table.status = Lumvane::statusSizeInvalid;
-  readPlainRows(lines, line, table, [&](float value, int c) { return value * ((high[c] - low[c]) * 255.0f); });
   return table;
 }
 
-inline PlainTable readPlain3dl(const std::string& text) {
+inline PlainTable readPlain3dl(const std::string& file) {
   PlainTable table;
-  PlainLines lines(text, table.status);
-  std::string line, token;
-  do {
-    if (table.status == 0) line = lines.next();
-    if (table.status != 0) return table;
-    token.clear();
-    std::istringstream(line) >> token;
-  } while (token == "3DMESH" || !opensTable(token));
-  const auto entries = std::count(line.begin(), line.end(), ' ') + 1;
-  if (entries < 3)
-    table.status = Lumvane::statusTooFewColumns;
-  else if (entries > 65)
-    table.status = Lumvane::statusSizeInvalid;
-  else
+  try {
+    PlainLines text(file);
+    const auto atMesh = [&] {
+      std::string keyword;
+      std::istringstream(text.front()) >> keyword;
+      return keyword != "3DMESH" && opensTable(keyword);
+    };
+    while (!atMesh()) text.lines.pop();
+    const auto entries = std::count(text.front().begin(), text.front().end(), ' ') + 1;
+    text.lines.pop();
+    if (entries < 3) throw Lumvane::statusTooFewColumns;
+    if (entries > 65) throw Lumvane::statusSizeInvalid;
     table.size = static_cast<int32_t>(entries);
-  readPlainRows(lines, "", table, [](float value, int) { return value / 4095.0f * 255.0f; });
+    readPlainRows(text, table, [](float value, int) { return value / 4095.0f * 255.0f; });
+  } catch (const Lumvane::LutStatus status) {
+    table.status = status;
+  }
   return table;
 }
 

@@ -1,5 +1,7 @@
 #include "tests/failing_allocator.h"
 
+#include <malloc.h>
+
 #include <atomic>
 #include <cerrno>
 #include <cstdlib>
@@ -9,6 +11,9 @@
 #if defined(__GLIBC__) && !defined(LUMVANE_SANITIZED)
 #define LUMVANE_OWN_MALLOC 1
 #endif
+#ifdef _WIN32
+#define malloc_usable_size _msize
+#endif
 
 namespace {
 
@@ -16,6 +21,7 @@ thread_local long countdown = 0;  // 0: nothing fails
 thread_local bool fromThenOn = false;
 thread_local long failures = 0;
 std::atomic<long> live = 0;
+std::atomic<size_t> inUse = 0, mostInUse = 0;  // bytes
 
 // Whether the allocation at hand is to fail.
 bool fails() {
@@ -31,7 +37,17 @@ bool fails() {
 }
 
 void* counted(void* block) {
-  if (block != nullptr) live.fetch_add(1, std::memory_order_relaxed);
+  if (block == nullptr) return block;
+  ++live;
+  const size_t now = inUse += malloc_usable_size(block);
+  for (size_t most = mostInUse; now > most && !mostInUse.compare_exchange_weak(most, now);) continue;
+  return block;
+}
+
+void* uncounted(void* block) {
+  if (block == nullptr) return block;
+  --live;
+  inUse -= malloc_usable_size(block);
   return block;
 }
 
@@ -50,7 +66,13 @@ long stopFailing() {
   return failures;
 }
 
-long liveBlocks() { return live.load(std::memory_order_relaxed); }
+long liveBlocks() { return live; }
+
+size_t mostMemoryOf(const std::function<void()>& run) {
+  const size_t before = mostInUse = inUse.load();
+  run();
+  return mostInUse - before;
+}
 
 }  // namespace test
 
@@ -77,15 +99,9 @@ int posix_memalign(void** block, size_t alignment, size_t bytes) {
   return 0;
 }
 void* realloc(void* block, size_t bytes) {
-  if (fails()) return nullptr;
-  void* const found = __libc_realloc(block, bytes);
-  if (block == nullptr) counted(found);
-  return found;
+  return fails() ? nullptr : counted(__libc_realloc(uncounted(block), bytes));
 }
-void free(void* block) {
-  if (block != nullptr) live.fetch_sub(1, std::memory_order_relaxed);
-  __libc_free(block);
-}
+void free(void* block) { __libc_free(uncounted(block)); }
 
 }  // extern "C"
 
@@ -97,10 +113,7 @@ void* operator new(size_t bytes) {
   if (block == nullptr) throw std::bad_alloc();
   return counted(block);
 }
-void operator delete(void* block) noexcept {
-  if (block != nullptr) live.fetch_sub(1, std::memory_order_relaxed);
-  std::free(block);
-}
+void operator delete(void* block) noexcept { std::free(uncounted(block)); }
 void operator delete(void* block, size_t) noexcept { operator delete(block); }
 
 #endif

@@ -1,8 +1,9 @@
-// Allocations that fail on request. In programs that link failing_allocator.cpp, operator new and, without a sanitizer,
+// Allocations that fail on request, and are counted. In programs that link failing_allocator.cpp, operator new and, without a sanitizer,
 // the malloc family come from there.
 #pragma once
 
 #include <cstddef>
+#include <functional>
 
 namespace test {
 
@@ -16,5 +17,8 @@ long stopFailing();
 
 /// Blocks of memory that all threads have and have not given back.
 long liveBlocks();
+
+/// The most bytes that all threads have in use at a time while `run` runs, beyond those that they had before.
+size_t mostMemoryOf(const std::function<void()>& run);
 
 }  // namespace test

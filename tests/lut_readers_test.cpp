@@ -1,0 +1,212 @@
+// The readers of both LUT text formats. What they make of whole texts, of broken ones and of odd numbers is on record with
+// the seeds of the fuzzers; here stands the rest: the order of the rows, large tables, streams of any kind, numbers at
+// random.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <exception>
+#include <memory>
+#include <random>
+#include <sstream>
+
+#include "fuzz/plain_readers.h"
+#include "lut/cube_lut.h"
+#include "lut/decimal.h"
+#include "lut/lut_text.h"
+#include "lut/number_scan.h"
+
+namespace Lumvane {
+namespace {
+
+using Reader = int32_t (CubeLut::*)(std::istream&);
+
+std::unique_ptr<CubeLut> read(std::istream& stream, Reader reader = &CubeLut::readCube) {
+  auto lut = std::make_unique<CubeLut>();
+  EXPECT_EQ((lut.get()->*reader)(stream), lut->status);
+  return lut;
+}
+
+// A table behind `header`, with its rows counted in the first column.
+std::unique_ptr<CubeLut> readNumberedRows(std::string text, int count, Reader reader) {
+  for (int i = 0; i < count; ++i) text += std::to_string(i) + " 4095 0.7\n";
+  std::istringstream stream(text);
+  return read(stream, reader);
+}
+
+TEST(LutReaders, RunRedFastestInCubeAndScaleByTheDomainWithoutAnOffset) {
+  const auto lut = readNumberedRows("DOMAIN_MIN -1 0 0.2\nDOMAIN_MAX 1 3 1\nLUT_3D_SIZE 3\n", 27, &CubeLut::readCube);
+  for (int row = 0; row < 27; ++row) {
+    const float* point = lut->lattice[row % 3][row / 3 % 3][row / 9];
+    EXPECT_EQ(point[0], static_cast<float>(row) * 510.0f);
+    EXPECT_EQ(point[1], 4095.0f * 765.0f);
+    EXPECT_EQ(point[2], 0.7f * ((1.0f - 0.2f) * 255.0f));
+  }
+}
+
+TEST(LutReaders, RunBlueFastestIn3dlOnATwelveBitScale) {
+  const auto lut = readNumberedRows("0 511 1023\n", 27, &CubeLut::read3dl);
+  for (int row = 0; row < 27; ++row) {
+    const float* point = lut->lattice[row / 9][row / 3 % 3][row % 3];
+    EXPECT_EQ(point[0], static_cast<float>(row) / 4095.0f * 255.0f);
+    EXPECT_EQ(point[1], 255.0f);
+  }
+}
+
+TEST(LutReaders, TakeSixtyFivePoints) {
+  std::string mesh = "3DMESH\n0";
+  for (int i = 1; i < 65; ++i) mesh += " " + std::to_string(i * 16);
+  const auto cube = readNumberedRows("LUT_3D_SIZE 65\n", 65 * 65 * 65, &CubeLut::readCube);
+  const auto threeDl = readNumberedRows(mesh + "\n", 65 * 65 * 65, &CubeLut::read3dl);
+  EXPECT_EQ(cube->status + threeDl->status, statusOk);
+  EXPECT_EQ(cube->lattice[64][64][64][0], 274624.0f * 255.0f);
+  EXPECT_EQ(threeDl->lattice[64][64][64][0], 274624.0f / 4095.0f * 255.0f);
+}
+
+TEST(LutReaders, SplitFieldsAtEveryBlank) {
+  std::vector<std::string> fields = {"kept"};
+  CubeLut::splitFields(" a  b\tc \r", fields);
+  EXPECT_EQ(fields, (std::vector<std::string>{"kept", "", "a", "", "b\tc", "\r"}));
+}
+
+TEST(LutReaders, LeaveTheStatusOfAFileThatIsNotThere) {
+  const auto lut = std::make_unique<CubeLut>();
+  EXPECT_FALSE(lut->load(u"/none/none.cube"));
+  EXPECT_EQ(lut->status, statusUnloaded);
+}
+
+// Gives `text` in pieces of `piece` bytes and then throws `fault`, or ends without one.
+class Stream : public std::streambuf {
+ public:
+  Stream(std::string text, size_t piece, std::exception_ptr fault)
+      : text_(std::move(text)), piece_(piece), fault_(fault) {}
+
+ private:
+  int_type underflow() override {
+    if (at_ == text_.size() && fault_ != nullptr) std::rethrow_exception(fault_);
+    if (at_ == text_.size()) return traits_type::eof();
+    char* const start = text_.data() + at_;
+    at_ = std::min(at_ + piece_, text_.size());
+    setg(start, start, text_.data() + at_);
+    return traits_type::to_int_type(*start);
+  }
+  std::string text_;
+  size_t piece_, at_ = 0;
+  std::exception_ptr fault_;
+};
+
+std::unique_ptr<CubeLut> readInPieces(const std::string& text, size_t piece, std::exception_ptr fault = nullptr) {
+  Stream buffer(text, piece, fault);
+  std::istream stream(&buffer);
+  return read(stream);
+}
+
+// Rows of all forms, with comments that are longer than any block in between, past 100 kB in all.
+TEST(LutReaders, ReadTheSameInPiecesOfAnySize) {
+  std::string text = "# " + std::string(100, 'x') + "\nLUT_3D_SIZE 29\n";
+  std::mt19937 random(1);
+  for (int row = 0; row < 29 * 29 * 29; ++row) {
+    const double value = static_cast<double>(random() % 2000000) * 1e-6 - 0.5;
+    const char* const forms[] = {"%.6f %.3f %.9f\n", "  %.6f\t%.0f %.1f  \r\n",  "%.17f %.19f %g\n", "%e %f %a\n",
+                                 "%.6f\n",           "%+.6f %.25f %f # behind\n"};
+    char line[200];
+    std::snprintf(line, sizeof line, forms[row % 97 < 70 ? 0 : row % 6], value, value * 3, value / 7);
+    text += line;
+    if (row % 9000 == 5) text += "\n# " + std::string(200000, 'c') + "\r\n\n";
+  }
+  std::istringstream stream(text);
+  const auto whole = read(stream);
+  const auto rows = fuzz::readPlainCube(text).rows;
+  ASSERT_EQ(rows.size(), size_t{29 * 29 * 29});
+  for (size_t i = 0; i < rows.size(); ++i) {
+    ASSERT_TRUE(std::equal(rows[i].begin(), rows[i].end(), whole->lattice[i % 29][i / 29 % 29][i / 29 / 29])) << i;
+  }
+  for (const size_t piece : {1, 7, 4096, 65536, 1000000}) {
+    const auto lut = readInPieces(text, piece);
+    EXPECT_EQ(lut->status, 0);
+    EXPECT_EQ(std::memcmp(lut->lattice, whole->lattice, sizeof lut->lattice), 0) << piece;
+  }
+}
+
+TEST(LutReaders, KeepWhatTheyReadAheadOfAFailure) {
+  const std::string start = "LUT_3D_SIZE 2\n0.5 1 1\n0.25 1 1\n0.1";
+  const auto badDisk = std::make_exception_ptr(std::ios_base::failure("bad disk"));
+  for (const size_t piece : {1, 7, 4096}) {
+    const auto lut = readInPieces(start, piece, badDisk);
+    EXPECT_EQ(lut->status, statusReadFailed);
+    EXPECT_EQ(lut->lattice[1][0][0][0], 0.25f * 255.0f);
+    EXPECT_EQ(lut->lattice[0][1][0][0], 0.0f);
+    EXPECT_EQ(readInPieces("LUT_3D_SIZE 2", piece, badDisk)->status, statusLineTooLong);
+    EXPECT_EQ(readInPieces("LUT_3D_SIZE 2\nTIT", piece, badDisk)->status, statusReadFailed);
+    EXPECT_THROW(readInPieces(start, piece, std::make_exception_ptr(std::bad_alloc())), std::bad_alloc);
+  }
+  std::istringstream failedBefore("LUT_3D_SIZE 2\n");
+  failedBefore.setstate(std::ios::failbit);
+  EXPECT_EQ(read(failedBefore)->status, statusLineTooLong);
+}
+
+bool same(float a, float b) { return std::memcmp(&a, &b, sizeof a) == 0 || (std::isnan(a) && std::isnan(b)); }
+
+// What is read without the C library is what that reads.
+void expectNearest(const std::string& text, bool expectRead) {
+  float value = -1.0f;
+  const char* const end = scanDecimal(text.c_str(), value);
+  EXPECT_TRUE(end == nullptr ? !expectRead : *end == '\0' && same(value, std::strtof(text.c_str(), nullptr))) << text;
+}
+
+TEST(LutReaders, TakeDecimalsToTheNearestFloat) {
+  std::mt19937_64 random(3);
+  for (int i = 0; i < 1000000; ++i) {
+    std::string text = std::to_string(random() >> (random() % 64));
+    const size_t behindPoint = random() % 20;
+    if (text.size() <= behindPoint) text.insert(0, behindPoint + 1 - text.size(), '0');
+    if (behindPoint != 0) text.insert(text.size() - behindPoint, ".");
+    expectNearest((random() % 2 == 0 ? "-" : "") + text, text.size() <= 7);
+  }
+  // Half-way between two floats, where the even one counts, and just beside.
+  for (int i = 0; i < 100000; ++i) {
+    const float lower =
+        std::ldexp(static_cast<float>(1 << 23 | random() % (1 << 23)), -static_cast<int>(random() % 40));
+    const double middle = (static_cast<double>(lower) + std::nextafter(lower, INFINITY)) / 2;
+    char text[80];
+    std::snprintf(text, sizeof text, "%.*f", static_cast<int>(random() % 20), middle);
+    expectNearest(text, false);
+    text[std::strlen(text) - 1] ^= 1;
+    expectNearest(text, false);
+  }
+  for (const char* text : {"0", "-0", "0.0", "-1.", ".5", "-.5", "00012.50", "16777217.25"}) expectNearest(text, true);
+  float value;
+  for (const char* text : {"", "-", ".", "-.", "+1", "e5", "nan", "16777217", "12345678901234567890"}) {
+    EXPECT_EQ(scanDecimal(text, value), nullptr) << text;
+  }
+}
+
+#ifdef __GLIBC__
+TEST(LutReaders, TakeNumbersAsTheCLibraryDoes) {
+  std::mt19937 random(5);
+  const std::string pieces[] = {"0", "1",  "9", "25", ".", "e",  "E",   "+",  "-",
+                                "x", "0x", "p", "a",  " ", "\t", "inf", "nan"};
+  for (int i = 0; i < 500000; ++i) {
+    std::string text;
+    for (auto count = random() % 10; count != 0; --count) text += pieces[random() % std::size(pieces)];
+    float expected[3] = {7, 7, 7}, values[3] = {7, 7, 7};
+    std::sscanf(text.c_str(), "%f %f %f", &expected[0], &expected[1], &expected[2]);
+    scanRow(text, values);
+    ASSERT_EQ(std::memcmp(values, expected, sizeof values), 0) << text;
+
+    std::istringstream stream(text);
+    const char* behind = text.c_str();
+    float streamed, extracted;
+    while (stream >> streamed) {
+      behind = extractNumber(behind, text.c_str() + text.size(), extracted);
+      ASSERT_TRUE(behind != nullptr && same(extracted, streamed)) << text;
+    }
+    ASSERT_EQ(extractNumber(behind, text.c_str() + text.size(), extracted), nullptr) << text;
+  }
+}
+#endif
+
+}  // namespace
+}  // namespace Lumvane
