@@ -46,14 +46,6 @@ TEST(Clarity, TakesNothingFromTheFramesBefore) {
   }
 }
 
-// All 2^24 colours once, with alphas of every kind.
-TEST(Clarity, GivesTheSourceBackAtZero) {
-  Frame src(4096, 4096 / test::kStep), dst(4096, 4096 / test::kStep);
-  src.fill(test::everyColour([](uint32_t i) { return i * 7; }));
-  EXPECT_EQ(Clarity(4096, 4096, 0, 0).process(dst, src), 1);
-  EXPECT_TRUE(dst.bytes == src.bytes);
-}
-
 TEST(Clarity, ReadsItsParametersFromTheStore) {
   const auto effect = std::make_unique<Lumvane::NLEPureCClarity>(nullptr);
   effect->levels = 5;
@@ -88,12 +80,11 @@ TEST(Clarity, TurnsUniformFramesIntoTheirKnownColours) {
   for (const Case& c : cases) {
     for (const int intensity : {0, 50, 100}) {
       Frame src(70, 66), dst(70, 66);
-      for (int i = 0; i < 70 * 66; ++i) std::copy(c.pixel.begin(), c.pixel.end(), src.data() + 4 * i);
+      Bytes pixels, expected;
+      for (int i = 0; i < 4 * 70 * 66; ++i) pixels.push_back(c.pixel[i % 4]), expected.push_back(c.expected[i % 4]);
+      src.fill(pixels);
       Clarity(70, 66, c.saturation, intensity).process(dst, src);
-      for (int i = 0; i < 70 * 66; ++i) {
-        ASSERT_TRUE(std::equal(c.expected.begin(), c.expected.end(), dst.data() + 4 * i))
-            << c.saturation << " " << intensity << " " << int{c.pixel[0]};
-      }
+      EXPECT_EQ(dst.packed(), expected) << c.saturation << " " << intensity << " " << int{c.pixel[0]};
     }
   }
 }

@@ -57,15 +57,16 @@ inline const Library kLinked = {
 /// LUT files in a folder of their own: look.cube, look.3dl, tiny.cube, and the two for HDR.
 class LutFolder {
  public:
-  LutFolder() : look_("look.cube", cube(5, "0.1")) {
-    const std::filesystem::path folder = std::filesystem::path(look_.utf16()).parent_path();
-    path = folder.u16string();
-    std::ofstream(folder / "look.3dl") << threeDl();
-    std::ofstream(folder / "tiny.cube") << tinyCube();
-    std::ofstream(folder / "HDR_HLG.cube") << cube(4, "0.05");
-    std::ofstream(folder / "HDR_PQ.cube") << cube(3, "0.2");
+  LutFolder() {
+    std::string threeDl = "0 512 1023\n", tiny = "LUT_3D_SIZE 2\nDOMAIN_MAX 1e36 1e36 1e36\n";
+    for (int i = 0; i < 27; ++i) threeDl += std::to_string(4000 - i * 100) + " " + std::to_string(i * 151) + ".5 1e3\n";
+    // Numbers too small for a normal float, that the domain brings back to the range of colours.
+    for (int i = 1; i <= 8; ++i) tiny += "1e-38 " + std::to_string(i) + "e-39 2.00000000000000000000001e-39\n";
+    const std::filesystem::path folder = path;
+    std::ofstream(folder / "look.cube") << cube(5, "0.1");
+    std::ofstream(folder / "look.3dl") << threeDl;
+    std::ofstream(folder / "tiny.cube") << tiny;
   }
-  std::u16string path;
 
  private:
   // All the ways in which numbers are read: header and rows, plain decimals, exponents, hexadecimal ones, long ones.
@@ -80,20 +81,10 @@ class LutFolder {
     }
     return text;
   }
-  static std::string threeDl() {
-    std::string text = "0 512 1023\n";
-    for (int i = 0; i < 27; ++i) text += std::to_string(4000 - i * 100) + " " + std::to_string(i * 151) + ".5 1e3\n";
-    return text;
-  }
+  HdrFolder hdr_{cube(4, "0.05"), cube(3, "0.2")};
 
-  // Numbers too small for a normal float, that the domain brings back to the range of colours.
-  static std::string tinyCube() {
-    std::string text = "LUT_3D_SIZE 2\nDOMAIN_MAX 1e36 1e36 1e36\n";
-    for (int i = 1; i <= 8; ++i) text += "1e-38 " + std::to_string(i) + "e-39 2.00000000000000000000001e-39\n";
-    return text;
-  }
-
-  TemporaryFile look_;
+ public:
+  const std::u16string path = hdr_.folder();
 };
 
 /// What every effect makes of a frame of noise, loads included, one behind the other; without HDR where its function is

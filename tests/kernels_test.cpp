@@ -252,16 +252,6 @@ TEST_P(RowKernels, FadeEveryPairOfBytes) {
   }
 }
 
-// Every chroma with every luma at both parities.
-TEST_P(RowKernels, MakeTheSamePixelsOfEveryYv12Colour) {
-  Bytes luma(512);
-  for (size_t x = 0; x < 512; ++x) luma[x] = static_cast<uint8_t>(x < 256 ? x : ~x);
-  for (int chroma = 0; chroma < 1 << 16; chroma += 3 * test::kStep) {
-    const Bytes v(256, static_cast<uint8_t>(chroma >> 8)), u(256, static_cast<uint8_t>(chroma));
-    for (const float full : {0.0f, 1.0f}) ASSERT_EQ(differences(kToRgb, {luma, v, v, u, u}, 512, full), "") << chroma;
-  }
-}
-
 // A number with the two floats before and behind it.
 std::array<float, 5> neighbours(float x) {
   const float below = std::nextafterf(x, -9.0f), above = std::nextafterf(x, 999.0f);

@@ -129,18 +129,10 @@ void reportFrames(const Report& report, const std::string& name, const std::vect
 
 // ---- LUT grading
 
-// A lattice in which the byte v becomes v: what is graded by it is multiplied by alpha alone.
-std::string keepingCube() {
-  const std::string ends[] = {"-0.0019607843 ", "0.99803922 "};
-  std::string text = "LUT_3D_SIZE 2\n";
-  for (int i = 0; i < 8; ++i) text += ends[i & 1] + ends[i >> 1 & 1] + ends[i >> 2] + "\n";
-  return text;
-}
-
 void reportLut(const Report& report, const std::string& lut, const std::u16string& path, bool inDetail) {
   const std::string name = "lut " + lut;
   for (const int strength : {50, 100}) {
-    if (!kAllColours) break;
+    if (!kAllColours || (strength == 50 && !inDetail)) continue;
     reportBytes(report, words(name, ", all colours, strength ", strength),
                 rendered(kSide, kSide, allColours(), kLinked.grading(path, strength)));
   }
@@ -186,11 +178,6 @@ void reportLuts(const Report& report) {
                                              {"of 65 points, wild", test::randomCube(65, Values::kWild), false}}) {
     reportLut(report, name, test::TemporaryFile("lut.cube", text).utf16(), inDetail);
   }
-  const test::TemporaryFile keeping("keeping.cube", keepingCube());
-  Bytes pixels;
-  for (int i = 0; i < 65536; ++i) add(pixels, Bytes(3, static_cast<uint8_t>(i))), pixels.push_back(i >> 8 & 255);
-  reportBytes(report, "lut that keeps colours, every byte at every alpha",
-              rendered(256, 256, pixels, kLinked.grading(keeping.utf16(), 100)));
   reportPlanes(report);
 
   const auto table = Lumvane::acquireTable();

@@ -30,10 +30,10 @@ void expectFlatMemory(int rounds, const Round& round) {
 
 TEST(Service, MakesAndEndsTenThousandObjectsOfEachKind) {
   const test::LutFolder folder;
-  const std::u16string cube = folder.path + u"/look.cube", threeDl = folder.path + u"/look.3dl";
   const std::u16string missing = folder.path + u"/none.cube";
   expectFlatMemory(10000 / kShare, [&](int i) {
-    void* const lut = Create3DLutColorAdjustEffect(i % 2 == 0 ? cube.c_str() : threeDl.c_str(), i, i);
+    void* const lut =
+        Create3DLutColorAdjustEffect((folder.path + (i % 2 ? u"/look.cube" : u"/look.3dl")).c_str(), i, i);
     ASSERT_NE(lut, nullptr);
     ASSERT_EQ(Create3DLutColorAdjustEffect(missing.c_str(), i, i), nullptr);
     void* const clarity = CreateNLEPureCClarity(i, i % 700, 0, i % 100, i % 100);
@@ -47,27 +47,24 @@ TEST(Service, MakesAndEndsTenThousandObjectsOfEachKind) {
 // Small frames of an hour at 25 a second, of a size that is spread over threads now and then.
 TEST(Service, RendersAnHourOfFrames) {
   const test::LutFolder folder;
-  constexpr int kMost = 130 * 100;
-  const std::vector<uint8_t> src = test::noise(size_t{4} * kMost, 1);
-  std::vector<uint8_t> dst(src.size());
-  void* const lut = Create3DLutColorAdjustEffect((folder.path + u"/look.cube").c_str(), 64, 36);
+  test::Yv12Frame small(64, 36), large(130, 100);
+  const test::Bytes src = test::noise(size_t{4} * 130 * 100, 1);
+  test::Bytes dst(src.size());
   void* const clarity = CreateNLEPureCClarity(64, 36, 0, 20, 60);
-  void* const small = CreateVideoAdjustColor(folder.path.c_str(), 0, 1, 0, 64, 36);
-  void* const large = CreateVideoAdjustColor(folder.path.c_str(), 0, 1, 1, 130, 100);
-  test::Yv12Frame smallFrame(64, 36), largeFrame(130, 100);
+  void* const hdr[] = {CreateVideoAdjustColor(folder.path.c_str(), 0, 1, 0, 64, 36),
+                       CreateVideoAdjustColor(folder.path.c_str(), 0, 1, 1, 130, 100)};
+  const test::Render grade = test::kLinked.grading(folder.path + u"/look.cube", 60);
   expectFlatMemory(90000 / kShare, [&](int i) {
     const bool spread = i % 50 == 0;
-    const int width = spread ? 130 : 64, height = spread ? 100 : 36;
-    Lut3DColorAdjustEffectProcess(lut, dst.data(), width, height, 0, src.data(), 0, 0, 0, 1 + i % 100);
+    test::Yv12Frame& frame = spread ? large : small;
+    const int width = frame.y.width, height = frame.y.height;
+    grade(dst.data(), 0, src.data(), 0, width, height);
     ASSERT_EQ(NLEPureCClarityProcess(clarity, dst.data(), width, height, 0, src.data(), 0, 0, 0), 1);
     WhiteBalanceFun(src.data(), dst.data(), 0, 0, 0, 0.1f, 0.1f, width, height);
-    test::Yv12Frame& frame = spread ? largeFrame : smallFrame;
-    frame.processTo(frame, spread ? large : small);
+    frame.processTo(frame, hdr[spread]);
   });
-  Destory3DLutColorAdjustEffect(lut);
   DestoryNLEPureCClarity(clarity);
-  DestroyVideoAdjustColor(small);
-  DestroyVideoAdjustColor(large);
+  for (void* const handle : hdr) DestroyVideoAdjustColor(handle);
 }
 
 }  // namespace

@@ -44,7 +44,7 @@ TEST(Threads, AreThere) {
   EXPECT_GT(cv::getNumThreads(), 1);
 }
 
-// Loads, first frames and all; on odd threads frames that are spread over a pool.
+// Loads, first frames and all, the load of the HDR files among them; on odd threads frames that are spread over a pool.
 TEST(Threads, RenderSideBySide) {
   constexpr int kThreads = 8;
   const test::LutFolder folder;
@@ -52,30 +52,16 @@ TEST(Threads, RenderSideBySide) {
   const auto render = [&](int i) {
     return test::renderAll(test::kLinked, folder.path, i % 2 == 0 ? 40 : 140, i % 2 == 0 ? 30 : 100);
   };
-  for (int round = 0; round < 3; ++round) {
-    atOnce(kThreads, [&](int i) { results[i] = render(i); });
-    for (int i = 0; i < kThreads; ++i) EXPECT_TRUE(results[i] == render(i)) << "thread " << i;
-  }
-}
-
-// The first of them loads the files, and the others wait for it; all use what it loaded.
-TEST(Threads, LoadHdrOnce) {
-  constexpr int kThreads = 8, kWidth = 120, kHeight = 90;
-  const test::LutFolder folder;
-  test::Bytes results[kThreads];
-  const auto convert = [&](int i) {
-    test::Yv12Frame frame(kWidth, kHeight);
-    frame.fill(test::noise(kWidth * kHeight * 3 / 2, 1));
-    void* const object = CreateVideoAdjustColor(folder.path.c_str(), 0, 1, i % 2, kWidth, kHeight);
-    frame.processTo(frame, object);
-    DestroyVideoAdjustColor(object);
-    return frame.packed();
+  const auto loadHdr = [&](int) {
+    DestroyVideoAdjustColor(CreateVideoAdjustColor(folder.path.c_str(), 0, 0, 0, 8, 8));
   };
-  for (int round = 0; round < 3; ++round) {
+  for (int round = 0; round < 4; ++round) {
     Lumvane::dropHdrData();
-    atOnce(kThreads, [&](int i) { results[i] = convert(i); });
+    // The first of them loads, the others wait for it; every other time nothing else comes before.
+    if (round % 2 == 0) atOnce(kThreads, loadHdr);
+    atOnce(kThreads, [&](int i) { results[i] = render(i); });
     Lumvane::dropHdrData();
-    for (int i = 0; i < kThreads; ++i) EXPECT_TRUE(results[i] == convert(i)) << "thread " << i;
+    for (int i = 0; i < kThreads; ++i) EXPECT_TRUE(results[i] == render(i)) << "thread " << i;
   }
 }
 

@@ -38,8 +38,7 @@ static bool load(const wchar_t* file) {
 
 static void write_negative(const wchar_t* name) {
   FILE* const file = _wfopen(name, L"wb");
-  expect(file != NULL, "the LUT can be written");
-  if (file == NULL) return;
+  if (file == NULL) return; /* which is seen when it is read */
   fputs("LUT_3D_SIZE 2\r\n1 1 1\r\n0 1 1\r\n1 0 1\r\n0 0 1\r\n1 1 0\r\n0 1 0\r\n1 0 0\r\n0 0 0\r\n", file);
   fclose(file);
 }
@@ -93,16 +92,11 @@ static void try_hdr(const wchar_t* folder) {
 
 /* Frames that are large enough for OpenCV's threads. */
 static DWORD WINAPI render(void* unused) {
-  enum { kWidth = 640, kHeight = 480, kBytes = kWidth * kHeight * 4 };
-  uint8_t* const frame = HeapAlloc(GetProcessHeap(), HEAP_ZERO_MEMORY, kBytes);
-  void* const effect = FCreateNLEPureCClarity(kWidth, kHeight, 0, 20, 50);
-  int i;
-  for (i = 0; i < 5; ++i) {
-    if (FNLEPureCClarityProcess(effect, frame, kWidth, kHeight, 0, frame, kWidth, kHeight, 0) != 1) return 1;
-  }
+  static uint8_t frame[640 * 480 * 4];
+  void* const effect = FCreateNLEPureCClarity(640, 480, 0, 20, 50);
+  const int32_t done = FNLEPureCClarityProcess(effect, frame, 640, 480, 0, frame, 640, 480, 0);
   FDestoryNLEPureCClarity(effect);
-  HeapFree(GetProcessHeap(), 0, frame);
-  return unused != NULL;
+  return done != 1 || unused != NULL;
 }
 
 static void render_in_a_thread(void) {
