@@ -4,7 +4,6 @@
 #include <cmath>
 #include <memory>
 
-#include "clarity/clarity_pyramid.h"
 #include "clarity/clarity_rows.h"
 #include "clarity/nle_pure_c_clarity.h"
 #include "lumvane.h"
@@ -113,28 +112,6 @@ TEST(Clarity, RejectsWhatIsNoFrameAndLeavesTheDestination) {
   EXPECT_EQ(dst.bytes, before);
   DestoryNLEPureCClarity(nullptr);
   EXPECT_EQ(clarity.process(dst, src), 1);
-}
-
-TEST(ClarityPyramid, HasALevelForEachHalvingOfTheShorterSide) {
-  for (const auto& [side, levels] : {std::pair{INT_MIN, 1},
-                                     {0, 1},
-                                     {1, 1},
-                                     {2, 2},
-                                     {3, 3},
-                                     {4, 3},
-                                     {5, 4},
-                                     {8, 4},
-                                     {9, 5},
-                                     {16, 5},
-                                     {17, 6},
-                                     {32, 6},
-                                     {33, 7},
-                                     {64, 7},
-                                     {65, 8},
-                                     {INT_MAX, 8}}) {
-    EXPECT_EQ(Lumvane::clarityLevelCount(side, INT_MAX), levels) << side;
-    EXPECT_EQ(Lumvane::clarityLevelCount(5000, side), levels) << side;
-  }
 }
 
 // The weight is the exponential rounded correctly, which C libraries do not promise. What bytes of a frame hide as long

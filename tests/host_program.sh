@@ -40,14 +40,13 @@ succeeds scene --width 320 --height 180 many/one.png
 succeeds scene --width 64 --height 36 many/two.jpg
 succeeds lut --lut "$samples/silver.cube" --strength 60 --compare many/one.png graded.png
 succeeds lut --lut "$samples/silver.cube" many graded
-succeeds lut --lut "$samples/silver.cube" many/one.png many/two.jpg both
 succeeds lut --lut "$samples/silver.cube" --strength 0 many/one.png same.png
 succeeds clarity --intensity 70 --saturation 20 many/one.png clear.png
 succeeds whitebalance --temperature 0.2 --tint -0.05 many/one.png warm.png
 "$convert" "$samples/silver.cube" >silver.3dl
 LOCPATH=$locales LC_ALL=de_DE.UTF-8 "$convert" "$samples/silver.cube" | cmp - silver.3dl || fail "a decimal comma"
 succeeds lut --lut silver.3dl many graded3dl
-for file in clear.png warm.png graded3dl/one.png graded.png graded-compare.png graded/one.png graded/two.jpg both/one.png both/two.jpg; do
+for file in clear.png warm.png graded3dl/one.png graded.png graded-compare.png graded/one.png graded/two.jpg; do
   [ -s "$file" ] || fail "$file was not written"
 done
 cmp -s graded.png many/one.png && fail "the grade changed nothing"
@@ -69,7 +68,9 @@ sed '1s/C420mpeg2/C444/' hlg.y4m > other.y4m
 refuses $input "LUT file 'none/HDR_HLG.cube' cannot be used: No such file" hdr --luts none --transfer hlg hlg.y4m x.y4m
 refuses $input "'none.y4m' cannot be read" hdr --luts luts --transfer hlg none.y4m x.y4m
 refuses $input "is no YUV4MPEG2 stream" hdr --luts luts --transfer hlg broken.y4m x.y4m
-refuses $input "ends within a frame" hdr --luts luts --transfer hlg short.y4m x.y4m
+cp out-hlg.y4m kept.y4m
+refuses $input "ends within a frame" hdr --luts luts --transfer hlg short.y4m kept.y4m
+cmp kept.y4m out-hlg.y4m || fail "half a video took the place of a whole one"
 cp hlg.y4m same.y4m
 refuses $usage "would be written over" hdr --luts luts --transfer hlg same.y4m same.y4m
 cmp same.y4m hlg.y4m || fail "a video that was to be read was written over"
@@ -82,13 +83,10 @@ succeeds hdr --luts luts --transfer hlg full.y4m out-full.y4m
 succeeds hdr --luts luts --transfer hlg --range full hlg.y4m out-full-too.y4m
 cmp out-full.y4m out-full-too.y4m || fail "the range that a video names is not taken"
 refuses $input "C444" hdr --luts luts --transfer hlg other.y4m x.y4m
-refuses $output "cannot write 'none/x.y4m': No such file" hdr --luts luts --transfer hlg hlg.y4m none/x.y4m
 refuses $output "cannot write '/dev/full': No space left" hdr --luts luts --transfer hlg hlg.y4m /dev/full
 
 echo text > broken.cube
 echo text > broken.png
-mkdir empty
-refuses $input "LUT file 'none.cube' cannot be used: No such file" lut --lut none.cube many/one.png x.png
 refuses $input "'broken.cube' cannot be used: a LUT is" lut --lut broken.cube many/one.png x.png
 refuses $input "cannot read picture 'none.png': No such file" lut --lut "$samples/silver.cube" none.png x.png
 refuses $input "cannot read picture 'broken.png': it is damaged, or no picture" lut --lut "$samples/silver.cube" broken.png x.png
@@ -98,9 +96,6 @@ cp many/one.png one-compare.png
 refuses $usage "two pictures would go to 'x/one-compare.png'" clarity --compare many/one.png one-compare.png x
 refuses $input "1 of 2 pictures failed" lut --lut "$samples/silver.cube" broken.png many/one.png some
 [ -s some/one.png ] || fail "one bad picture kept another from being graded"
-refuses $input "no pictures in 'empty'" lut --lut "$samples/silver.cube" empty x
-succeeds clarity many/one.png new/folder/
-[ -s new/folder/one.png ] || fail "a slash at the end did not make a folder"
 : > nothing.png
 head -c 900 many/two.jpg > short.jpg
 head -c 900 many/one.png > short.png
@@ -110,30 +105,18 @@ for case in "nothing.png': it is empty" "short.jpg': it is cut off" "short.png':
 done
 refuses $input "'many': it is a folder" whitebalance many/one.png many x
 refuses $input "one-dimensional" lut --lut curve.cube many/one.png x.png
-refuses $usage "subcommand is required"
 for number in nan -inf 1e39; do
   refuses $usage "'$number' is no number" whitebalance --tint $number many/one.png x.png
 done
-refuses $usage "--frame = -1" still --frame -1 hlg.y4m x.png
 
 # Names that cannot be looked at, or are no text, are faults of the files that they stand for.
 ln -s loop.png loop.png
-mkdir closed
-cp many/one.png "$samples/silver.cube" closed
 latin=$(printf 'gr\374n')
 cp "$samples/silver.cube" "$latin.cube"
 refuses $input "cannot read picture 'loop.png': Too many levels" clarity loop.png x.png
 refuses $output "cannot write 'loop.png': Too many levels" clarity many/one.png loop.png
 refuses $input "its name is no UTF-8" lut --lut "$latin.cube" many/one.png x.png
 succeeds clarity many/one.png "$latin/"
-chmod 0 closed
-if ! ls closed >/dev/null 2>&1; then # root looks everywhere
-  refuses $input "cannot read picture 'closed/one.png': Permission" clarity closed/one.png x.png
-  refuses $input "cannot read the folder 'closed': Permission" clarity closed x
-  refuses $output "cannot write 'closed/x.png': Permission" clarity many/one.png closed/x.png
-  refuses $input "cannot be used: Permission" hdr --luts closed --transfer hlg hlg.y4m x.y4m
-fi
-chmod 700 closed
 
 # What a format cannot hold: a JPEG has up to 65535 rows.
 { printf 'P5 1 70000 255\n' && head -c 70000 /dev/zero; } > tall.pgm

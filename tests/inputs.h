@@ -116,14 +116,6 @@ Bytes everyColour(const AlphaOf& alphaOf) {
   return pixels;
 }
 
-/// `text` with every `what` in it replaced.
-inline std::string replaced(std::string text, const std::string& what, const std::string& with) {
-  for (size_t at = 0; (at = text.find(what, at)) != std::string::npos; at += with.size()) {
-    text.replace(at, what.size(), with);
-  }
-  return text;
-}
-
 /// A frame, BGRA or one byte a pixel, with its rows `stride` bytes apart and known bytes before, between and behind
 /// them. A negative stride puts the top row last.
 struct Frame {

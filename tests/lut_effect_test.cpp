@@ -22,46 +22,32 @@ struct Effect {
   }
 };
 
-TEST(LutEffect, IsCreatedByExtension) {
-  for (const auto& [name, works] : {std::pair{"grade.cube", true},
-                                    {"grade.Cube", true},
-                                    {"grade.CUBE", true},
-                                    {"grade.cube.bak", false},
-                                    {"grade", false},
-                                    {"grade.txt", false},
-                                    {"v1.2/my.look.cube", true},
-                                    {"dir.cube/grade", false},
-                                    {".cube", true}}) {
-    const TemporaryFile file(name, negativeCube());
-    EXPECT_EQ(Effect(file.utf16()).handle != nullptr, works) << name;
+TEST(LutEffect, IsCreatedByPathAndExtension) {
+  std::string threeDl = "0 511 1023\n";
+  for (int i = 0; i < 27; ++i) threeDl += "4095 0 0\n";
+  // Files that make an effect when they hold one format, by name: neither, .cube, .3dl.
+  const std::vector<const char16_t*> names[] = {
+      {u"grade.cube.bak", u"grade", u"grade.txt", u"dir.cube/grade"},
+      {u"grade.cube", u"grade.Cube", u"grade.CUBE", u"v1.2/my.look.cube", u".cube", u"gr\u00e4de \u8272.cube",
+       u"\U0001F3A8.cube", u"with\\backslash.cube"},
+      {u"grade.3dl", u"grade.3DL", u"grade.3dL"}};
+  for (int format = 0; format < 3; ++format) {
+    for (const char16_t* name : names[format]) {
+      const std::filesystem::path shown = name;
+      EXPECT_EQ(Effect(TemporaryFile(name, negativeCube()).utf16()).handle != nullptr, format == 1) << shown;
+      EXPECT_EQ(Effect(TemporaryFile(name, threeDl).utf16()).handle != nullptr, format == 2) << shown;
+    }
   }
-  for (const char* name : {"grade.3dl", "grade.3DL", "grade.3dL"}) {
-    std::string text = "0 511 1023\n";
-    for (int i = 0; i < 27; ++i) text += "4095 0 0\n";
-    EXPECT_NE(Effect(TemporaryFile(name, text).utf16()).handle, nullptr) << name;
-    EXPECT_EQ(Effect(TemporaryFile(name, negativeCube()).utf16()).handle, nullptr) << name;
-  }
-}
-
-TEST(LutEffect, FindsFilesByTheirUtf16Path) {
-  for (const char16_t* name : {u"gr\u00e4de \u8272.cube", u"\U0001F3A8.cube", u"with\\backslash.cube"}) {
-    const TemporaryFile file(name, negativeCube());
-    EXPECT_NE(Effect(file.utf16()).handle, nullptr) << std::filesystem::path(name);
-  }
-  const TemporaryFile file("folder/grade.cube", negativeCube());
+  const TemporaryFile file("folder/grade.cube", negativeCube()), broken("broken.cube", "LUT_3D_SIZE 2\n0 0 0\n");
   std::u16string windowsPath = file.utf16();
   std::replace(windowsPath.begin(), windowsPath.end(), u'/', u'\\');
   EXPECT_NE(Effect(windowsPath).handle, nullptr);
-}
-
-TEST(LutEffect, IsNullWithoutAReadableTable) {
-  const TemporaryFile broken("broken.cube", "LUT_3D_SIZE 2\n0 0 0\n");
   const std::u16string halfPair = {u'/', 0xD800, u'.', u'c', u'u', u'b', u'e', 0};
-  EXPECT_EQ(Create3DLutColorAdjustEffect(nullptr, 1, 1), nullptr);
   for (const std::u16string& path :
-       {std::u16string(), std::u16string(u"/none/none.cube"), std::u16string(u"/tmp/."), halfPair, broken.utf16()}) {
-    EXPECT_EQ(Effect(path).handle, nullptr) << std::filesystem::path(path == halfPair ? u"half a pair" : path);
+       {std::u16string(), std::u16string(u"/none/none.cube"), file.folder() + u"/.", halfPair, broken.utf16()}) {
+    EXPECT_EQ(Effect(path).handle, nullptr);
   }
+  EXPECT_EQ(Create3DLutColorAdjustEffect(nullptr, 1, 1), nullptr);
 }
 
 TEST(LutEffect, LeavesFramesAloneThatAreNone) {
@@ -83,9 +69,9 @@ TEST(LutEffect, LeavesFramesAloneThatAreNone) {
 }
 
 TEST(LutEffect, FadesByStrength) {
-  // White becomes 100.
-  const TemporaryFile file("flat.cube",
-                           test::replaced(negativeCube(), "0 0 0", "0.3921568627 0.3921568627 0.3921568627"));
+  std::string cube = negativeCube();
+  cube.replace(cube.rfind("0 0 0"), 5, "0.3921568627 0.3921568627 0.3921568627");  // white becomes 100
+  const TemporaryFile file("flat.cube", cube);
   const Effect effect(file.utf16());
   Frame src(1, 1), dst(1, 1);
   std::fill_n(src.data(), 4, uint8_t{255});

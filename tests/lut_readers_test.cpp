@@ -65,12 +65,6 @@ TEST(LutReaders, TakeSixtyFivePoints) {
   EXPECT_EQ(threeDl->lattice[64][64][64][0], 274624.0f / 4095.0f * 255.0f);
 }
 
-TEST(LutReaders, SplitFieldsAtEveryBlank) {
-  std::vector<std::string> fields = {"kept"};
-  CubeLut::splitFields(" a  b\tc \r", fields);
-  EXPECT_EQ(fields, (std::vector<std::string>{"kept", "", "a", "", "b\tc", "\r"}));
-}
-
 TEST(LutReaders, LeaveTheStatusOfAFileThatIsNotThere) {
   const auto lut = std::make_unique<CubeLut>();
   EXPECT_FALSE(lut->load(u"/none/none.cube"));

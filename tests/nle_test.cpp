@@ -29,20 +29,18 @@ TEST(NLEAdjustColorEffect, KeepsParametersByTheirExactNames) {
   NLEFilterValue value = {42, "as it was", 3};
   EXPECT_FALSE(effect.GetParameter("gain", value));
   EXPECT_EQ(value.text, "as it was");
-
-  EXPECT_TRUE(effect.SetParameter("gain", {1, "one", 0}));
-  EXPECT_TRUE(effect.SetParameter("Gain", {2, "two", 0}));
-  EXPECT_TRUE(effect.SetParameter("", {3, "", 0}));
-  EXPECT_TRUE(effect.SetParameter("gain", {4, "file:/four", 8}));
+  for (const auto& [name, number] : {std::pair{"gain", 1u}, {"Gain", 2u}, {"", 3u}, {"gain", 4u}}) {
+    EXPECT_TRUE(effect.SetParameter(name, {number, "file:/four", 8}));
+  }
   EXPECT_EQ(effect.params.size(), 3u);
-  EXPECT_TRUE(effect.GetParameter("gain", value));
-  EXPECT_EQ(value.number, 4u);
-  EXPECT_EQ(value.text, "file:/four");
-  EXPECT_EQ(value.type, 5);
-  EXPECT_EQ(effect.params["gain"]->key, "gain");
-  EXPECT_EQ(effect.params["gain"]->value.type, 8);
-  EXPECT_TRUE(effect.GetParameter("", value));
-  EXPECT_EQ(value.number, 3u);
+  for (const auto& [name, number] : {std::pair{"gain", 4u}, {"Gain", 2u}, {"", 3u}}) {
+    EXPECT_TRUE(effect.GetParameter(name, value));
+    EXPECT_EQ(value.number, number);
+    EXPECT_EQ(value.text, "file:/four");
+    EXPECT_EQ(value.type, 5);
+    EXPECT_EQ(effect.params[name]->key, name);
+    EXPECT_EQ(effect.params[name]->value.type, 8);
+  }
 }
 
 }  // namespace

@@ -4,25 +4,13 @@ set -eu
 root=$(mktemp -d)
 trap 'rm -rf "$root"' EXIT
 
-# asks PACKAGE WORD...: the package's needs name each word
-asks() {
-  package=$1
-  shift
-  needs=$(dpkg-deb --field "$folder"/"$package"_*.deb Depends)
-  for word in "$@"; do
-    case $needs in
-      *"$word"*) ;;
-      *) echo "$package does not ask for $word: $needs"; exit 1 ;;
-    esac
-  done
-}
-
 folder=$1
 version=$(dpkg-deb --field "$folder"/liblumvane-dev_*.deb Version)
-asks liblumvane0 libopencv-core libopencv-imgproc libhwy libc6
-asks liblumvane-dev "liblumvane0 (= $version)"
-asks lumvane-host "liblumvane0 (= $version)" libopencv-imgcodecs
-asks frei0r-plugins-lumvane "liblumvane0 (= $version)"
+for need in 'liblumvane0 libopencv-core' 'liblumvane0 libopencv-imgproc' 'liblumvane0 libhwy' 'liblumvane0 libc6' \
+  "liblumvane-dev liblumvane0 (= $version)" "lumvane-host liblumvane0 (= $version)" \
+  'lumvane-host libopencv-imgcodecs' "frei0r-plugins-lumvane liblumvane0 (= $version)"; do
+  dpkg-deb --field "$folder/${need%% *}"_*.deb Depends | grep -qF "${need#* }" || { echo "no need for ${need#* }"; exit 1; }
+done
 for package in "$folder"/*.deb; do
   dpkg-deb --extract "$package" "$root"
 done
