@@ -7,7 +7,6 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <functional>
 #include <memory>
 #include <string>
@@ -35,9 +34,8 @@ uint64_t digestOf(const T* values, size_t count, uint64_t digest = 1469598103934
   for (size_t i = 0; i < count; ++i) {
     T value = values[i];
     if constexpr (std::is_same_v<T, float>) value = std::isnan(value) ? NAN : value;
-    unsigned char bytes[sizeof value];
-    std::memcpy(bytes, &value, sizeof value);
-    for (const unsigned char byte : bytes) digest = (digest ^ byte) * 1099511628211u;
+    const auto* bytes = reinterpret_cast<const unsigned char*>(&value);
+    for (size_t b = 0; b < sizeof value; ++b) digest = (digest ^ bytes[b]) * 1099511628211u;
   }
   return digest;
 }
@@ -55,11 +53,11 @@ void onTarget(size_t which, const Run& run) {
   choose(0);
 }
 
-/// Every point that has a row holds it, and every other one zeros. `pointAt` gives the three floats of a point by the
-/// number of its row's index that changes slowest, of the middle one, and of the fastest.
+/// Every point that has a row holds it, and every other one zeros; sizes that are refused have none. `pointAt` gives the
+/// three floats of a point by the number of its row's index that changes slowest, of the middle one, and of the fastest.
 template <class PointAt>
 void checkPoints(const PlainTable& expected, const PointAt& pointAt) {
-  if (!expected.rowsCertain) return;
+  if (!expected.rowsCertain || expected.size > 65) return;
   const auto same = [](float a, float b) { return a == b || (std::isnan(a) && std::isnan(b)); };
   const int size = expected.size;
   for (int i = 0; i < size * size * size; ++i) {
@@ -92,7 +90,6 @@ int checkReader(const uint8_t* data, size_t size, int32_t (Lumvane::CubeLut::*re
   std::istringstream stream(text);
   require(((*lut).*read)(stream) == expected.status && lut->status == expected.status, "the status");
   require(lut->latticeSize == expected.size, "the size");
-  if (expected.size > 65) return 0;
   checkPoints(expected, [&](int slow, int middle, int fast) { return pointAt(*lut, slow, middle, fast); });
   require(expected.status != 0 || lut->cell[255] == expected.size - 1, "the tables are those of the size");
   return 0;

@@ -74,8 +74,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   fillLattice(lut, moreForms & 1, pixels);
 
   // Bands of more pixels than this are written side by side: whose bytes stay where their rows overlap is open then.
-  const bool inBands = width * height > 10000;
-  if (inBands && dstStride != 0 && std::abs(dstStride) < 4 * width) return 0;
+  if (width * height > 10000 && dstStride != 0 && std::abs(dstStride) < 4 * width) return 0;
 
   Frame src(width, height, srcStride, pixels);
   Frame dst(width, height, dstStride, inPlace ? pixels : Bytes{0xA5, 0x5A, 7});

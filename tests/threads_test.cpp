@@ -7,7 +7,6 @@
 #include <thread>
 
 #include "hdr/hdr_shared.h"
-#include "lut/blend_table.h"
 #include "tests/effects.h"
 
 namespace {
@@ -24,18 +23,6 @@ void atOnce(int count, const Work& work) {
     });
   }
   for (std::thread& thread : threads) thread.join();
-}
-
-// The first to need it builds it; seen where this test has a process of its own.
-TEST(Threads, ShareOneBlendTable) {
-  constexpr int kThreads = 16;
-  std::shared_ptr<const Lumvane::Table> tables[kThreads];
-  atOnce(kThreads, [&](int i) {
-    tables[i] = Lumvane::acquireTable();
-    EXPECT_EQ(tables[i]->mix[200][100][255], 200);
-    EXPECT_EQ(tables[i]->multiply[255][77], 77);
-  });
-  for (const auto& table : tables) EXPECT_EQ(table, tables[0]);
 }
 
 // An OpenCV that was built without threads would pass all other tests.

@@ -1,5 +1,5 @@
 #!/bin/sh
-# Hosts outside the tree build against the installed files and run: hosts.sh cmake|pkg-config BUILD SAMPLES
+# A host outside the tree builds against the installed files and runs: hosts.sh cmake|pkg-config BUILD SAMPLES
 set -eu
 way=$1
 build=$2
@@ -26,15 +26,11 @@ if [ "$way" = cmake ]; then
 else
   export PKG_CONFIG_PATH="$library/pkgconfig" LD_LIBRARY_PATH="$library"
   mkdir "$folder/hosts"
-  # shellcheck disable=SC2046  # lists of words
+  # shellcheck disable=SC2046  # a list of words
   cc -std=c11 -Wall -Wextra -Werror "$sources/../c_host.c" -o "$folder/hosts/c_host" $("$pkg_config" --cflags --libs lumvane)
-  # shellcheck disable=SC2046
-  c++ -std=c++17 -Wall -Wextra -Werror "$sources/host.cpp" -o "$folder/hosts/cpp_host" \
-    $("$pkg_config" --cflags --libs lumvane)
   "$pkg_config" --modversion lumvane | grep -q '^[0-9.]*$'
 fi
 "$folder/hosts/c_host" "$samples/silver.cube"
-"$folder/hosts/cpp_host" "$samples/silver.cube"
 
 # The program finds the library by itself.
 [ ! -e "$folder/installed/bin/lumvane-host" ] || env -u LD_LIBRARY_PATH "$folder/installed/bin/lumvane-host" --help >/dev/null
