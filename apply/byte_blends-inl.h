@@ -7,7 +7,7 @@
 #define LUMVANE_APPLY_BYTE_BLENDS_INL_H
 #endif
 
-#include "vector/bgra-inl.h"
+#include "base/bgra-inl.h"
 
 #if LUMVANE_HAVE_VECTORS
 
@@ -41,10 +41,10 @@ HWY_INLINE VU multiplyByAlpha(VU graded, VU pixels) {
                      hn::Add(hn::Mul(oddBytes(colours), alpha), half));
 }
 
-// (source * t + graded * (255 - t)) / 255, truncated.
-HWY_INLINE VU fade(VU source, VU graded, int32_t t) {
-  const VW keep = hn::Set(Words(), static_cast<uint16_t>(t));
-  const VW take = hn::Set(Words(), static_cast<uint16_t>(255 - t));
+// (source * sourceWeight + graded * (255 - sourceWeight)) / 255, truncated.
+HWY_INLINE VU fade(VU source, VU graded, int32_t sourceWeight) {
+  const VW keep = hn::Set(Words(), static_cast<uint16_t>(sourceWeight));
+  const VW take = hn::Set(Words(), static_cast<uint16_t>(255 - sourceWeight));
   return divideBy255(hn::Add(hn::Mul(evenBytes(source), keep), hn::Mul(evenBytes(graded), take)),
                      hn::Add(hn::Mul(oddBytes(source), keep), hn::Mul(oddBytes(graded), take)));
 }

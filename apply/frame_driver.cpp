@@ -1,12 +1,11 @@
 #include "apply/frame_driver.h"
 
-#include <algorithm>
 #include <cstdlib>
-#include <functional>
-#include <utility>
 
 #include "apply/parallel_cube_lut.h"
 #include "apply/row_kernels.h"
+#include "base/overlap.h"
+#include "base/parallel.h"
 #include "lut/blend_table.h"
 
 namespace Lumvane {
@@ -15,24 +14,27 @@ namespace {
 constexpr int64_t kMostPixelsOnCallingThread = 10000;
 constexpr int32_t kBands = 8;
 
-template <RowGrader grade>
-void drive(cv::Mat& dst, const cv::Mat& src, const LatticeView& lattice, int32_t sourceWeight) {
-  if (static_cast<int64_t>(dst.rows) * dst.cols <= kMostPixelsOnCallingThread) {
-    grade(dst, src, lattice, sourceWeight);
-    return;
-  }
-  const BandWorker<grade> worker(dst, src, kBands, lattice, sourceWeight);
-  cv::parallel_for_(cv::Range(0, kBands), worker, static_cast<double>(cv::getNumThreads()));
+bool isSmall(const cv::Mat& frame) {
+  return static_cast<int64_t>(frame.rows) * frame.cols <= kMostPixelsOnCallingThread;
+}
+
+template <class Worker>
+void runBands(Worker& worker, cv::Mat& dst, const cv::Mat& src, const LatticeView& lattice) {
+  worker.dst = &dst;
+  worker.src = &src;
+  worker.bands = kBands;
+  worker.latticeSize = lattice.latticeSize;
+  worker.fraction = lattice.fraction;
+  worker.cell = lattice.cell;
+  worker.lattice = lattice.lattice;
+  runParallel(kBands, worker);
 }
 
 bool overlap(const cv::Mat& a, const cv::Mat& b) {
-  const auto ends = [](const cv::Mat& frame) {  // the stride may be negative
-    const auto [low, high] = std::minmax({frame.ptr(0), frame.ptr(frame.rows - 1)}, std::less<>());
-    return std::pair(low, high + static_cast<size_t>(frame.cols) * frame.elemSize());
+  const auto extent = [](const cv::Mat& frame) {
+    return Extent(frame.ptr(), static_cast<ptrdiff_t>(frame.step[0]), frame.cols * frame.elemSize(), frame.rows);
   };
-  const auto [lowA, highA] = ends(a);
-  const auto [lowB, highB] = ends(b);
-  return std::less<>()(lowA, highB) && std::less<>()(lowB, highA);
+  return extent(a).overlaps(extent(b));
 }
 
 bool rowsOverlap(const cv::Mat& frame) {
@@ -58,15 +60,33 @@ cv::Mat wrapFrame(uint8_t* pixels, int32_t width, int32_t height, int32_t stride
   return frame;
 }
 
-void gradeFrame(cv::Mat& dst, const cv::Mat& src, const LatticeView& lattice, int32_t sourceWeight) {
+void gradeFrame(cv::Mat& dst, const cv::Mat& src, const LatticeView& lattice) {
   if (dst.empty()) return;
-  const bool fadeAfterwards = sourceWeight > 0 && (overlap(dst, src) || rowsOverlap(dst));
-  drive<gradeRows>(dst, src, lattice, fadeAfterwards ? 0 : sourceWeight);
-  if (fadeAfterwards) fadeFrame(dst, src, sourceWeight);
+  if (isSmall(dst)) return gradeRows(dst, src, lattice, 0);
+  parallelCubeLut worker;
+  runBands(worker, dst, src, lattice);
+}
+
+void gradeAndFadeFrame(cv::Mat& dst, const cv::Mat& src, const LatticeView& lattice, int32_t sourceWeight) {
+  if (dst.empty()) return;
+  if (sourceWeight == 0 || overlap(dst, src) || rowsOverlap(dst)) {
+    gradeFrame(dst, src, lattice);
+    if (sourceWeight > 0) fadeFrame(dst, src, sourceWeight);
+    return;
+  }
+  if (isSmall(dst)) return gradeRows(dst, src, lattice, sourceWeight);
+  parallelFadedCubeLut worker;
+  worker.sourceWeight = sourceWeight;
+  runBands(worker, dst, src, lattice);
 }
 
 void gradeFrameToPlane(cv::Mat& dst, const cv::Mat& src, const LatticeView& lattice) {
-  drive<gradeRowsToPlane>(dst, src, lattice, 0);
+  if (isSmall(dst)) {
+    const auto table = acquireTable();  // a process builds it in its first small frame, whatever the mode
+    return gradeRowsToPlane(dst, src, lattice);
+  }
+  parallelAlphaCubeLut worker;
+  runBands(worker, dst, src, lattice);
 }
 
 }  // namespace Lumvane

@@ -1,13 +1,11 @@
 #include "apply/parallel_hdr_lut.h"
 
 #include "apply/band_rows.h"
-#include "apply/default_float_mode.h"
 #include "apply/hdr_kernels.h"
 
 namespace Lumvane {
 
 void parallelCacheCubeLut_::operator()(const cv::Range& range) const {
-  const DefaultFloatMode floatMode;
   const HdrLatticeView view = {latticeSize, fraction, cell, lattice};
   for (int r = range.start * planesPerBand; r < range.end * planesPerBand; ++r) {
     const auto red = static_cast<uint8_t>(r);
@@ -16,7 +14,6 @@ void parallelCacheCubeLut_::operator()(const cv::Range& range) const {
 }
 
 void parallelCubeLut_::operator()(const cv::Range& range) const {
-  const DefaultFloatMode floatMode;
   for (int band = range.start; band < range.end; ++band) {
     const BandRows rows(dst->rows, bands, band);
     for (int y = rows.first; y < rows.first + rows.count; ++y) {

@@ -1,4 +1,4 @@
-// The HDR path by bands, for cv::parallel_for_. Both workers are made for one run and own nothing.
+// The HDR path by bands, for runParallel. Both workers are made for one run and own nothing.
 #pragma once
 
 #include <opencv2/core.hpp>

@@ -20,7 +20,7 @@
 
 #include "apply/byte_blends-inl.h"
 #include "apply/tetrahedra-inl.h"
-#include "vector/bgra-inl.h"
+#include "base/bgra-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace Lumvane {
@@ -107,18 +107,18 @@ void gradeRow(const LatticeView& lattice, const BlendTables&, const uint8_t* src
   gradePixels(lattice, src, dst, pixels, [](VU graded, VU in) HWY_ATTR { return multiplyByAlpha(graded, in); });
 }
 
-void gradeAndFadeRow(const LatticeView& lattice, const BlendTables&, int32_t t, const uint8_t* src, uint8_t* dst,
-                     size_t pixels) {
+void gradeAndFadeRow(const LatticeView& lattice, const BlendTables&, int32_t sourceWeight, const uint8_t* src,
+                     uint8_t* dst, size_t pixels) {
   gradePixels(lattice, src, dst, pixels,
-              [t](VU graded, VU in) HWY_ATTR { return fade(in, multiplyByAlpha(graded, in), t); });
+              [=](VU graded, VU in) HWY_ATTR { return fade(in, multiplyByAlpha(graded, in), sourceWeight); });
 }
 
-void fadeRow(const BlendTables& blends, int32_t t, const uint8_t* src, uint8_t* dst, size_t pixels) {
+void fadeRow(const BlendTables& blends, int32_t sourceWeight, const uint8_t* src, uint8_t* dst, size_t pixels) {
   size_t i = 0;
   for (; i + kLanes <= pixels; i += kLanes) {
-    storePixels(fade(loadPixels(src + 4 * i), loadPixels(dst + 4 * i), t), dst + 4 * i);
+    storePixels(fade(loadPixels(src + 4 * i), loadPixels(dst + 4 * i), sourceWeight), dst + 4 * i);
   }
-  plain::fadeRow(blends, t, src + 4 * i, dst + 4 * i, pixels - i);
+  plain::fadeRow(blends, sourceWeight, src + 4 * i, dst + 4 * i, pixels - i);
 }
 
 #endif
@@ -138,13 +138,13 @@ void gradeRow(const LatticeView& lattice, const BlendTables& blends, const uint8
   HWY_DYNAMIC_DISPATCH(gradeRow)(lattice, blends, src, dst, pixels);
 }
 
-void gradeAndFadeRow(const LatticeView& lattice, const BlendTables& blends, int32_t t, const uint8_t* src, uint8_t* dst,
-                     size_t pixels) {
-  HWY_DYNAMIC_DISPATCH(gradeAndFadeRow)(lattice, blends, t, src, dst, pixels);
+void gradeAndFadeRow(const LatticeView& lattice, const BlendTables& blends, int32_t sourceWeight, const uint8_t* src,
+                     uint8_t* dst, size_t pixels) {
+  HWY_DYNAMIC_DISPATCH(gradeAndFadeRow)(lattice, blends, sourceWeight, src, dst, pixels);
 }
 
-void fadeRow(const BlendTables& blends, int32_t t, const uint8_t* src, uint8_t* dst, size_t pixels) {
-  HWY_DYNAMIC_DISPATCH(fadeRow)(blends, t, src, dst, pixels);
+void fadeRow(const BlendTables& blends, int32_t sourceWeight, const uint8_t* src, uint8_t* dst, size_t pixels) {
+  HWY_DYNAMIC_DISPATCH(fadeRow)(blends, sourceWeight, src, dst, pixels);
 }
 
 }  // namespace Lumvane

@@ -22,21 +22,21 @@ struct BlendTables {
 /// A float behind the last point of the lattice may be read; what it is does not matter.
 void gradeRow(const LatticeView& lattice, const BlendTables& blends, const uint8_t* src, uint8_t* dst, size_t pixels);
 
-/// Replaces each byte d of dst by mix[s][d][t], s being the byte of src at the same place and t from 0 to 255 its
-/// weight.
-void fadeRow(const BlendTables& blends, int32_t t, const uint8_t* src, uint8_t* dst, size_t pixels);
+/// Replaces each byte d of dst by mix[s][d][sourceWeight], s being the byte of src at the same place and its weight from
+/// 0 to 255.
+void fadeRow(const BlendTables& blends, int32_t sourceWeight, const uint8_t* src, uint8_t* dst, size_t pixels);
 
 /// Both in one: gradeRow, then fadeRow against src, which must not overlap dst.
-void gradeAndFadeRow(const LatticeView& lattice, const BlendTables& blends, int32_t t, const uint8_t* src, uint8_t* dst,
-                     size_t pixels);
+void gradeAndFadeRow(const LatticeView& lattice, const BlendTables& blends, int32_t sourceWeight, const uint8_t* src,
+                     uint8_t* dst, size_t pixels);
 
 namespace plain {
 
 /// The same three, one byte at a time: what the vector forms are held against.
 void gradeRow(const LatticeView& lattice, const BlendTables& blends, const uint8_t* src, uint8_t* dst, size_t pixels);
-void fadeRow(const BlendTables& blends, int32_t t, const uint8_t* src, uint8_t* dst, size_t pixels);
-void gradeAndFadeRow(const LatticeView& lattice, const BlendTables& blends, int32_t t, const uint8_t* src, uint8_t* dst,
-                     size_t pixels);
+void fadeRow(const BlendTables& blends, int32_t sourceWeight, const uint8_t* src, uint8_t* dst, size_t pixels);
+void gradeAndFadeRow(const LatticeView& lattice, const BlendTables& blends, int32_t sourceWeight, const uint8_t* src,
+                     uint8_t* dst, size_t pixels);
 
 /// One byte a pixel of dst from BGRA pixels of src: component 0 of what gradeRow looks up, through roundToByte. Alpha
 /// is not read.

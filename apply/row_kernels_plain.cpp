@@ -23,14 +23,14 @@ void gradeRowToPlane(const LatticeView& lattice, const uint8_t* src, uint8_t* ds
   }
 }
 
-void fadeRow(const BlendTables& blends, int32_t t, const uint8_t* src, uint8_t* dst, size_t pixels) {
-  for (size_t i = 0; i < pixels * 4; ++i) dst[i] = blends.mix[src[i]][dst[i]][t];
+void fadeRow(const BlendTables& blends, int32_t sourceWeight, const uint8_t* src, uint8_t* dst, size_t pixels) {
+  for (size_t i = 0; i < pixels * 4; ++i) dst[i] = blends.mix[src[i]][dst[i]][sourceWeight];
 }
 
-void gradeAndFadeRow(const LatticeView& lattice, const BlendTables& blends, int32_t t, const uint8_t* src, uint8_t* dst,
-                     size_t pixels) {
+void gradeAndFadeRow(const LatticeView& lattice, const BlendTables& blends, int32_t sourceWeight, const uint8_t* src,
+                     uint8_t* dst, size_t pixels) {
   plain::gradeRow(lattice, blends, src, dst, pixels);
-  plain::fadeRow(blends, t, src, dst, pixels);
+  plain::fadeRow(blends, sourceWeight, src, dst, pixels);
 }
 
 }  // namespace Lumvane::plain

@@ -13,7 +13,7 @@
 
 #include "apply/lattice_view.h"
 #include "apply/step_reciprocal.h"
-#include "vector/bgra-inl.h"
+#include "base/bgra-inl.h"
 
 #if LUMVANE_HAVE_VECTORS
 

@@ -1,7 +1,7 @@
 #include <memory>
 
-#include "apply/default_float_mode.h"
-#include "apply/keep_loaded.h"
+#include "base/default_float_mode.h"
+#include "base/keep_loaded.h"
 #include "clarity/nle_pure_c_clarity.h"
 #include "lumvane.h"
 

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "apply/default_float_mode.h"
 #include "clarity/clarity_rows.h"
 
 namespace Lumvane {
@@ -21,7 +20,6 @@ StripeRows::StripeRows(const cv::Range& range, int rows, int stripes)
       end(range.end >= stripes ? rows : static_cast<int>(int64_t{range.end} * rows / stripes)) {}
 
 void clarityAnalysisPass::operator()(const cv::Range& range) const {
-  const DefaultFloatMode floatMode;
   const StripeRows band(range, rows, stripes);
   for (int y = band.first; y < band.end; ++y) {
     valueRow(src.ptr(y), value.ptr<float>(y), static_cast<size_t>(src.cols));
@@ -29,7 +27,6 @@ void clarityAnalysisPass::operator()(const cv::Range& range) const {
 }
 
 void clarityDetailPass::operator()(const cv::Range& range) const {
-  const DefaultFloatMode floatMode;
   const StripeRows band(range, rows, stripes);
   for (int y = band.first; y < band.end; ++y) {
     auto* const row = rebuilt.ptr<float>(y);
@@ -38,7 +35,6 @@ void clarityDetailPass::operator()(const cv::Range& range) const {
 }
 
 void claritySynthesisPass::operator()(const cv::Range& range) const {
-  const DefaultFloatMode floatMode;
   const StripeRows stripe(range, rows, stripes);
   const int step = rowsOfBand(dst.cols);
   for (int first = stripe.first; first < stripe.end; first += step) {

@@ -1,4 +1,4 @@
-// The passes over the rows of a frame or of a pyramid level, for cv::parallel_for_ over stripe numbers. Each row is
+// The passes over the rows of a frame or of a pyramid level, for runParallel over stripe numbers. Each row is
 // done once, however the numbers are dealt out.
 #pragma once
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "base/parallel.h"
 #include "clarity/clarity_passes.h"
 #include "clarity/clarity_pyramid.h"
 #include "clarity/nle_pure_c_clarity.h"
@@ -25,7 +26,7 @@ int clarityPipeline(NLEPureCClarity& effect, const cv::Mat& src, cv::Mat& dst, i
   const int threads = cv::getNumThreads();
   const int stripes = std::clamp(2 * threads, 1, kMostStripes);
 
-  cv::parallel_for_(cv::Range(0, stripes), clarityAnalysisPass{src.rows, stripes, src, value}, threads);
+  runParallel(stripes, clarityAnalysisPass{src.rows, stripes, src, value}, threads);
 
   const float amount = std::clamp(static_cast<float>(intensity), 0.0f, 100.0f) * kPercent;
   if (amount > 0.0f) {
@@ -33,9 +34,9 @@ int clarityPipeline(NLEPureCClarity& effect, const cv::Mat& src, cv::Mat& dst, i
     collapseClarityPyramid(effect.pyramid);
     effect.pyramid.bands.resize(static_cast<size_t>(stripes));
   }
-  cv::parallel_for_(cv::Range(0, stripes),
-                    claritySynthesisPass{dst.rows, stripes, value, dst, src, saturationFactor, effect.pyramid, amount},
-                    threads);
+  runParallel(stripes,
+              claritySynthesisPass{dst.rows, stripes, value, dst, src, saturationFactor, effect.pyramid, amount},
+              threads);
   return 0;
 }
 

@@ -4,7 +4,7 @@
 #include <bit>
 #include <opencv2/imgproc.hpp>
 
-#include "apply/default_float_mode.h"
+#include "base/parallel.h"
 #include "clarity/clarity_passes.h"
 
 namespace Lumvane {
@@ -61,15 +61,15 @@ void collapseClarityPyramid(ClarityPyramid& pyramid) {
   for (size_t i = last; i-- > 1;) {
     const cv::Mat& fine = gaussian[i];
     const auto bringUp = [&](const cv::Range& which) {
-      const DefaultFloatMode floatMode;
       if (which.start == 0) pyramidUp(gaussian[i + 1], fine.size(), coarse[i]);
       if (which.end == 2) pyramidUp(rebuilt[i + 1], fine.size(), rebuilt[i]);
     };
     const bool shared = fine.size().area() >= kLeastShared;
-    cv::parallel_for_(cv::Range(0, 2), bringUp, shared ? 2 : 1);
+    runParallel(2, bringUp, shared ? 2 : 1);
     const int stripes = shared ? std::max(1, 2 * cv::getNumThreads()) : 1;
-    cv::parallel_for_(cv::Range(0, stripes), clarityDetailPass{fine.rows, stripes, fine, coarse[i], rebuilt[i],
-                                                               kDetailCoefficient, kDetailGain});
+    runParallel(stripes,
+                clarityDetailPass{fine.rows, stripes, fine, coarse[i], rebuilt[i], kDetailCoefficient, kDetailGain},
+                stripes);
   }
 }
 

@@ -7,4 +7,4 @@ set_target_properties(lumvane PROPERTIES
   RUNTIME_OUTPUT_DIRECTORY ${CMAKE_RUNTIME_OUTPUT_DIRECTORY})
 configure_file(${CMAKE_CURRENT_LIST_DIR}/version.rc.in ${PROJECT_BINARY_DIR}/version.rc @ONLY)
 target_sources(lumvane PRIVATE ${PROJECT_BINARY_DIR}/version.rc)
-target_sources(lumvane_objects PRIVATE apply/keep_loaded_windows.cpp)
+target_sources(lumvane_objects PRIVATE base/keep_loaded_windows.cpp)

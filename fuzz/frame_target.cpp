@@ -1,7 +1,6 @@
 // The input is a frame to grade: its shape, the table, the strength and the set of vector instructions, then the values
 // that table and pixels are made of. It is graded as a host would, and by the plain kernels.
 
-#include <cmath>
 #include <cstring>
 #include <memory>
 
@@ -49,7 +48,6 @@ void fillLattice(CubeLut& lut, bool bitPatterns, const Bytes& bytes) {
   for (size_t filled = values.size(); filled < kFloats; filled *= 2) {
     std::memcpy(lattice + filled, lattice, std::min(filled, kFloats - filled) * sizeof(float));
   }
-  lut.latticeEnd = NAN;  // must not reach a pixel
 }
 
 }  // namespace

@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "apply/band_rows.h"
-#include "apply/default_float_mode.h"
 
 namespace Lumvane {
 namespace {
@@ -25,7 +24,6 @@ HdrBands::HdrBands(const VideoAdjustColor& object, const parallelCubeLut_& map, 
                         std::clamp(2 * cv::getNumThreads(), 1, object.bandCount))) {}
 
 void HdrBands::operator()(const cv::Range& range) const {
-  const DefaultFloatMode floatMode;
   for (int band = range.start; band < range.end; ++band) {
     const BandRows pairs((object_.height + 1) / 2, count_, band);
     convert(2 * pairs.first, std::min(2 * (pairs.first + pairs.count), object_.height));

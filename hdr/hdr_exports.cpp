@@ -1,7 +1,7 @@
 #include <memory>
 
-#include "apply/default_float_mode.h"
-#include "apply/keep_loaded.h"
+#include "base/default_float_mode.h"
+#include "base/keep_loaded.h"
 #include "hdr/hdr_frame.h"
 #include "hdr/video_adjust_color.h"
 #include "lumvane.h"

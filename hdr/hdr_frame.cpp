@@ -4,6 +4,7 @@
 
 #include "apply/hdr_kernels.h"
 #include "apply/parallel_hdr_lut.h"
+#include "base/parallel.h"
 #include "hdr/hdr_bands.h"
 #include "hdr/hdr_shared.h"
 #include "hdr/yv12_conversions.h"
@@ -34,7 +35,7 @@ void mapLargeFrame(VideoAdjustColor& object) {
   parallelCubeLut_ map = mapOf(object);
   map.dst = &dst;
   map.src = &src;
-  cv::parallel_for_(cv::Range(0, map.bands), map, static_cast<double>(cv::getNumThreads()));
+  runParallel(map.bands, map);
 }
 
 void mapSmallFrame(VideoAdjustColor& object, size_t pixels) {
@@ -62,7 +63,7 @@ bool adjustFrame(VideoAdjustColor& object, const uint8_t* srcPlane0, const uint8
   if (large && !overlap(src, dst)) {
     const parallelCubeLut_ map = mapOf(object);
     const HdrBands bands(object, map, src, dst);
-    cv::parallel_for_(cv::Range(0, bands.count()), bands, static_cast<double>(cv::getNumThreads()));
+    runParallel(bands.count(), bands);
     return true;
   }
 

@@ -5,6 +5,7 @@
 #include <opencv2/core.hpp>
 
 #include "apply/parallel_hdr_lut.h"
+#include "base/parallel.h"
 #include "hdr/hdr_shared.h"
 #include "lut/cube_text.h"
 #include "lut/interpolation_tables.h"
@@ -59,7 +60,7 @@ void fillHdrCache(VideoAdjustColor& object, int transfer) {
   worker.cell = object.cell;
   worker.lattice = shared.lattice;
   worker.cacheData = shared.cache.data();
-  cv::parallel_for_(cv::Range(0, kBands), worker, static_cast<double>(cv::getNumThreads()));
+  runParallel(kBands, worker);
 }
 
 }  // namespace Lumvane

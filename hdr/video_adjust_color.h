@@ -5,6 +5,7 @@
 #include <string>
 
 #include "apply/hdr_lattice.h"
+#include "base/zeroed_memory.h"
 
 namespace Lumvane {
 
@@ -26,6 +27,9 @@ struct VideoAdjustColor {
   int32_t reservedMode = 0;
   int32_t limitedRange = 0;  ///< not 0: limited-range YV12 in and out; 0: full range
   int32_t usePq = 0;         ///< not 0: PQ; 0: HLG
+
+  static void* operator new(size_t bytes) { return allocateZeroed(bytes); }
+  static void operator delete(void* memory) { freeZeroed(memory); }
 };
 
 /// Makes an object for frames of this size; the first one of the process loads the LUT files. Null for a null

@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 
+#include "base/zeroed_memory.h"
 #include "lut/cube_lut.h"
 
 namespace Lumvane {
@@ -13,6 +14,8 @@ class ColorLut3dAdjustEffect {
  public:
   ColorLut3dAdjustEffect(const char16_t* path, int32_t frameWidth, int32_t frameHeight);
   virtual ~ColorLut3dAdjustEffect() = default;
+  static void* operator new(size_t bytes) { return allocateZeroed(bytes); }
+  static void operator delete(void* memory) { freeZeroed(memory); }
 
   std::unique_ptr<CubeLut> cubeLut;
   std::u16string lutPath;

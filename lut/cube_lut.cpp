@@ -1,5 +1,6 @@
 #include "lut/cube_lut.h"
 
+#include <cstddef>
 #include <cstring>
 #include <fstream>
 #include <opencv2/core.hpp>
@@ -10,6 +11,13 @@
 #include "lut/lut_file.h"
 
 namespace Lumvane {
+
+// What kernels read behind the last point of the lattice belongs to the object. With a destructor that is virtual the
+// standard leaves offsetof to the compiler.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Winvalid-offsetof"
+static_assert(sizeof(CubeLut) >= offsetof(CubeLut, lattice) + sizeof(CubeLut::lattice) + sizeof(float));
+#pragma GCC diagnostic pop
 
 bool CubeLut::load(const std::u16string& path) {
   const auto extension = lutExtension(path);
@@ -48,22 +56,31 @@ void CubeLut::fillInterpolationTables() {
 }
 
 int32_t CubeLut::apply(uint8_t* dst, int32_t dstStride, const uint8_t* src, int32_t width, int32_t height,
-                       int32_t srcStride, int32_t sourceWeight) {
+                       int32_t srcStride) {
   status = statusOk;
   if (latticeSize < 1 || latticeSize > kLatticeStride) return statusSizeInvalid;
   if (width <= 0 || height <= 0) return status;
   cv::Mat dstMat = wrapFrame(dst, width, height, dstStride, alphaMode ? CV_8UC1 : CV_8UC4);
-  const cv::Mat srcMat = wrapFrame(const_cast<uint8_t*>(src), width, height, srcStride);
-  applyToMats(dstMat, srcMat, sourceWeight);
+  applyToMats(dstMat, wrapFrame(const_cast<uint8_t*>(src), width, height, srcStride));
   return status;
 }
 
-int32_t CubeLut::applyToMats(cv::Mat& dst, const cv::Mat& src, int32_t sourceWeight) const {
-  const LatticeView view = {latticeSize, fraction, cell, &lattice[0][0][0][0]};
+int32_t CubeLut::applyAndFade(uint8_t* dst, int32_t dstStride, const uint8_t* src, int32_t width, int32_t height,
+                              int32_t srcStride, int32_t sourceWeight) {
+  if (sourceWeight == 0) return apply(dst, dstStride, src, width, height, srcStride);
+  status = statusOk;
+  if (latticeSize < 1 || latticeSize > kLatticeStride) return statusSizeInvalid;
+  if (width <= 0 || height <= 0) return status;
+  cv::Mat dstMat = wrapFrame(dst, width, height, dstStride);
+  gradeAndFadeFrame(dstMat, wrapFrame(const_cast<uint8_t*>(src), width, height, srcStride), view(), sourceWeight);
+  return status;
+}
+
+int32_t CubeLut::applyToMats(cv::Mat& dst, const cv::Mat& src) const {
   if (alphaMode) {
-    gradeFrameToPlane(dst, src, view);
+    gradeFrameToPlane(dst, src, view());
   } else {
-    gradeFrame(dst, src, view, sourceWeight);
+    gradeFrame(dst, src, view());
   }
   return statusOk;
 }

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "apply/lattice_view.h"
+#include "base/zeroed_memory.h"
 #include "lut/lut_status.h"
 
 namespace cv {
@@ -32,10 +33,12 @@ class CubeLut {
   /// [red][green][blue] of the point, then red, green, blue of its colour on a scale of 0.0 to 255.0, unclamped. The
   /// strides are 65 points whatever N is, so that the place of a point rests on constants alone.
   float lattice[kLatticeStride][kLatticeStride][kLatticeStride][3] = {};
-  float latticeEnd = 0.0f;  ///< read, but not used, by kernels that take four floats for the three of the last point
-
-  /// Frames come out as one byte a pixel, made of component 0 of the looked-up colour. For code inside the library.
+  /// Frames come out as one byte a pixel, made of component 0 of the looked-up colour. For code inside the library. It and
+  /// the padding behind it are what kernels read that take four floats for the three of the last point.
   bool alphaMode = false;
+
+  static void* operator new(size_t bytes) { return allocateZeroed(bytes); }
+  static void operator delete(void* memory) { freeZeroed(memory); }
 
   /// Reads the file at `path` by the reader that its extension chooses, ".CUBE" or ".3DL" in any letter case. False
   /// when it cannot be opened or is refused; `status` tells why when a reader ran.
@@ -55,15 +58,18 @@ class CubeLut {
   /// Fills `fraction` and `cell` for the current `latticeSize`, in single precision; does nothing when `status` is set.
   void fillInterpolationTables();
 
-  /// Takes a frame through the table and fades it against the source with its weight of 0 to 255: see
-  /// Lut3DColorAdjustEffectProcess for pixels and strides. An empty frame is left alone. In alphaMode dst has one byte a
-  /// pixel, a dstStride of 0 means rows of width bytes, and there is no fade.
+  /// Takes a frame through the table: see Lut3DColorAdjustEffectProcess for pixels and strides. An empty frame is left
+  /// alone. In alphaMode dst has one byte a pixel, and a dstStride of 0 means rows of width bytes.
   /// Returns 0, or 23 (statusSizeInvalid) with the frames untouched when there is no usable table.
-  int32_t apply(uint8_t* dst, int32_t dstStride, const uint8_t* src, int32_t width, int32_t height, int32_t srcStride,
-                int32_t sourceWeight = 0);
+  int32_t apply(uint8_t* dst, int32_t dstStride, const uint8_t* src, int32_t width, int32_t height, int32_t srcStride);
+
+  /// The same, not in alphaMode, with a fade against the source, whose weight is 0 to 255, in the same pass.
+  int32_t applyAndFade(uint8_t* dst, int32_t dstStride, const uint8_t* src, int32_t width, int32_t height,
+                       int32_t srcStride, int32_t sourceWeight);
 
  private:
-  int32_t applyToMats(cv::Mat& dst, const cv::Mat& src, int32_t sourceWeight) const;
+  int32_t applyToMats(cv::Mat& dst, const cv::Mat& src) const;
+  LatticeView view() const { return {latticeSize, fraction, cell, &lattice[0][0][0][0]}; }
 };
 
 }  // namespace Lumvane

@@ -12,13 +12,17 @@ int NLEAdjustColorEffect::Process(const NLEFrameDesc& /*blank*/, const NLEFrameD
 }
 
 bool NLEAdjustColorEffect::SetParameter(const char* name, NLEFilterValue input) {
-  std::shared_ptr<NLEFilterParams>& entry = params[name];
-  if (!entry) {
-    entry = std::make_shared<NLEFilterParams>();
-    entry->type = NLEFilterParams::kPlain;
-    entry->key = entry->name = name;
+  const auto found = params.find(name);
+  if (found != params.end()) {
+    found->second->SetValue(input);
+    return true;
   }
+  // Whole before it is inserted: when memory runs out, the map stays as it was.
+  const auto entry = std::make_shared<NLEFilterParams>();
+  entry->type = NLEFilterParams::kPlain;
+  entry->key = entry->name = name;
   entry->SetValue(input);
+  params.emplace(name, entry);
   return true;
 }
 

@@ -1,6 +1,6 @@
 #include <opencv2/core.hpp>
 
-#include "apply/default_float_mode.h"
+#include "base/default_float_mode.h"
 #include "lumvane.h"
 #include "whitebalance/white_balance_row.h"
 

@@ -12,7 +12,7 @@
 #include <hwy/foreach_target.h>  // must come before highway.h
 #include <hwy/highway.h>
 
-#include "vector/bgra-inl.h"
+#include "base/bgra-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace Lumvane {

@@ -1,6 +1,6 @@
 #include <windows.h>
 
-#include "apply/keep_loaded.h"
+#include "base/keep_loaded.h"
 
 namespace Lumvane {
 

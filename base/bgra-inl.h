@@ -1,11 +1,11 @@
 // Vectors of BGRA pixels and of their components, and the few operations for which x86 has one instruction that means
 // just what is wanted, where portable code would take several.
 
-#if defined(LUMVANE_VECTOR_BGRA_INL_H) == defined(HWY_TARGET_TOGGLE)
-#ifdef LUMVANE_VECTOR_BGRA_INL_H
-#undef LUMVANE_VECTOR_BGRA_INL_H
+#if defined(LUMVANE_BASE_BGRA_INL_H) == defined(HWY_TARGET_TOGGLE)
+#ifdef LUMVANE_BASE_BGRA_INL_H
+#undef LUMVANE_BASE_BGRA_INL_H
 #else
-#define LUMVANE_VECTOR_BGRA_INL_H
+#define LUMVANE_BASE_BGRA_INL_H
 #endif
 
 #include <hwy/highway.h>
