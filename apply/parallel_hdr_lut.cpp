@@ -14,19 +14,16 @@ void parallelCacheCubeLut_::operator()(const cv::Range& range) const {
 }
 
 void parallelCubeLut_::operator()(const cv::Range& range) const {
+  const auto pixels = static_cast<size_t>(dst->cols);
   for (int band = range.start; band < range.end; ++band) {
     const BandRows rows(dst->rows, bands, band);
     for (int y = rows.first; y < rows.first + rows.count; ++y) {
-      mapRow(src->ptr(y), dst->ptr(y), static_cast<size_t>(dst->cols));
+      if (cache->empty()) {
+        plain::hdrLatticeRow({latticeSize, fraction, cell, lattice}, src->ptr(y), dst->ptr(y), pixels);
+      } else {
+        hdrCacheRow(cache->data(), src->ptr(y), dst->ptr(y), pixels);
+      }
     }
-  }
-}
-
-void parallelCubeLut_::mapRow(const uint8_t* from, uint8_t* to, size_t pixels) const {
-  if (cache->empty()) {
-    plain::hdrLatticeRow({latticeSize, fraction, cell, lattice}, from, to, pixels);
-  } else {
-    hdrCacheRow(cache->data(), from, to, pixels);
   }
 }
 

@@ -33,9 +33,6 @@ class parallelCubeLut_ : public cv::ParallelLoopBody {
   const HdrCache* cache;
 
   void operator()(const cv::Range& range) const override;
-
-  /// The same for a single row, in the default floating-point mode. dst may be src.
-  void mapRow(const uint8_t* from, uint8_t* to, size_t pixels) const;
 };
 
 }  // namespace Lumvane

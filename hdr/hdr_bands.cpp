@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "apply/band_rows.h"
+#include "apply/hdr_kernels.h"
 
 namespace Lumvane {
 namespace {
@@ -12,10 +13,10 @@ constexpr int kRowsAtHand = 4;  // a pair of rows and the rows above and below i
 
 }  // namespace
 
-HdrBands::HdrBands(const VideoAdjustColor& object, const parallelCubeLut_& map, const Yv12Planes<const uint8_t>& src,
+HdrBands::HdrBands(const VideoAdjustColor& object, const RGB8* cache, const Yv12Planes<const uint8_t>& src,
                    const Yv12Planes<uint8_t>& dst)
     : object_(object),
-      map_(map),
+      cache_(cache),
       src_(src),
       dst_(dst),
       toRgb_(toRgb(kBt2020, object.limitedRange != 0 ? kLimited : kFull)),
@@ -47,7 +48,7 @@ void HdrBands::convert(int firstRow, int endRow) const {
   const int lastRow = std::min(endRow, object_.height - 1);
   for (int y = std::max(firstRow - 1, 0); y <= lastRow; ++y) {
     rowToRgb(toRgb_, sourceRow(src_, y), converted, object_.width);
-    map_.mapRow(converted, mappedRow(y), static_cast<size_t>(object_.width));
+    hdrCacheRow(cache_, converted, mappedRow(y), static_cast<size_t>(object_.width));
     if (y % 2 == 0 && y >= firstRow + 2) writePair(y - 2);
   }
   // At the bottom of the frame no row below tells that the last pair is complete.

@@ -2,7 +2,7 @@
 
 #include <opencv2/core.hpp>
 
-#include "apply/parallel_hdr_lut.h"
+#include "apply/hdr_lattice.h"
 #include "hdr/video_adjust_color.h"
 #include "hdr/yv12_planes.h"
 
@@ -12,8 +12,8 @@ namespace Lumvane {
 /// never leave the processor's caches. Source and destination must not overlap. Made for one run; owns nothing.
 class HdrBands : public cv::ParallelLoopBody {
  public:
-  /// `map` maps the rows; its own frames are not looked at.
-  HdrBands(const VideoAdjustColor& object, const parallelCubeLut_& map, const Yv12Planes<const uint8_t>& src,
+  /// `cache` holds what the LUT makes of every colour.
+  HdrBands(const VideoAdjustColor& object, const RGB8* cache, const Yv12Planes<const uint8_t>& src,
            const Yv12Planes<uint8_t>& dst);
 
   /// How many bands there are: two a thread, as long as they have four pairs of rows or more.
@@ -25,7 +25,7 @@ class HdrBands : public cv::ParallelLoopBody {
   void convert(int firstRow, int endRow) const;
 
   const VideoAdjustColor& object_;
-  const parallelCubeLut_& map_;
+  const RGB8* cache_;
   Yv12Planes<const uint8_t> src_;
   Yv12Planes<uint8_t> dst_;
   ToRgb toRgb_;

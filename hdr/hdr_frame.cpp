@@ -16,25 +16,18 @@ namespace {
 
 constexpr int64_t kFewestPixelsOnThreads = 10000;
 
-parallelCubeLut_ mapOf(const VideoAdjustColor& object) {
+void mapLargeFrame(VideoAdjustColor& object, const HdrCache& cache) {
+  const cv::Mat src(object.height, object.width, CV_8UC4, object.rgbaIn.get());
+  cv::Mat dst(object.height, object.width, CV_8UC4, object.rgbaOut.get());
   parallelCubeLut_ map;
-  map.dst = nullptr;
-  map.src = nullptr;
+  map.dst = &dst;
+  map.src = &src;
   map.bands = object.bandCount;
   map.latticeSize = object.workLatticeSize;
   map.fraction = object.fraction;
   map.cell = object.cell;
   map.lattice = object.lattice;
-  map.cache = &hdrTransferData(object.usePq != 0).cache;
-  return map;
-}
-
-void mapLargeFrame(VideoAdjustColor& object) {
-  const cv::Mat src(object.height, object.width, CV_8UC4, object.rgbaIn.get());
-  cv::Mat dst(object.height, object.width, CV_8UC4, object.rgbaOut.get());
-  parallelCubeLut_ map = mapOf(object);
-  map.dst = &dst;
-  map.src = &src;
+  map.cache = &cache;
   runParallel(map.bands, map);
 }
 
@@ -61,8 +54,7 @@ bool adjustFrame(VideoAdjustColor& object, const uint8_t* srcPlane0, const uint8
   const Yv12Planes<uint8_t> dst = {dstPlane0, stride0, dstPlane1,    stride1,
                                    dstPlane2, stride2, object.width, object.height};
   if (large && !overlap(src, dst)) {
-    const parallelCubeLut_ map = mapOf(object);
-    const HdrBands bands(object, map, src, dst);
+    const HdrBands bands(object, shared.cache.data(), src, dst);
     runParallel(bands.count(), bands);
     return true;
   }
@@ -74,7 +66,7 @@ bool adjustFrame(VideoAdjustColor& object, const uint8_t* srcPlane0, const uint8
   convertIn(srcPlane0, stride0, srcPlane1, stride1, srcPlane2, stride2, object.rgbaIn.get(), object.width * 4,
             object.width, object.height);
   if (large) {
-    mapLargeFrame(object);
+    mapLargeFrame(object, shared.cache);
   } else {
     mapSmallFrame(object, static_cast<size_t>(pixels));
   }

@@ -131,7 +131,7 @@ struct Frame {
         stride(strideBytes),
         rowBytes(pixelBytes * frameWidth),
         bytes(2 * kBorder + static_cast<size_t>(std::abs(step())) * (frameHeight - 1) + rowBytes, kGuard) {
-    for (int y = 0; y < height; ++y) std::fill_n(row(y), rowBytes, uint8_t{0});
+    for (int y = 0; y < height; ++y) std::fill_n(row(y), static_cast<unsigned>(rowBytes), uint8_t{0});
   }
   int step() const { return stride == 0 ? rowBytes : stride; }
   uint8_t* data() { return bytes.data() + kBorder + (step() < 0 ? static_cast<size_t>(-step()) * (height - 1) : 0); }

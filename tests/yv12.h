@@ -22,6 +22,9 @@ struct Yv12 {
         v((width + 1) / 2, (height + 1) / 2, layout...),
         u((width + 1) / 2, (height + 1) / 2, layout...) {}
 
+  Yv12(PlaneType planeY, PlaneType planeV, PlaneType planeU)
+      : y(std::move(planeY)), v(std::move(planeV)), u(std::move(planeU)) {}
+
   /// The bytes of all planes from those of one text of bytes, which is long enough.
   void fill(const Bytes& bytes) {
     auto rest = bytes.begin();
@@ -47,6 +50,11 @@ struct Yv12 {
   }
 };
 
-using Yv12Frame = Yv12<Plane>;
+/// In ordinary memory. With a padding above 0 the rows of U lie further apart than those of V.
+struct Yv12Frame : Yv12<Plane> {
+  Yv12Frame(int width, int height, int padding = 0)
+      : Yv12{Plane(width, height, padding), Plane((width + 1) / 2, (height + 1) / 2, padding),
+             Plane((width + 1) / 2, (height + 1) / 2, padding > 0 ? padding + 2 : padding)} {}
+};
 
 }  // namespace test
