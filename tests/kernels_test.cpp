@@ -178,7 +178,7 @@ std::array<Bytes, 4> results(const Kernel& kernel, Form form, const std::vector<
     rows.out[i] = written[i].data() + begin;
   }
   if (inPlace) {
-    std::memcpy(rows.out[0], rows.in[0], sizeOf(kernel.in[0], pixels));
+    std::copy_n(rows.in[0], sizeOf(kernel.in[0], pixels), rows.out[0]);
     rows.in[0] = rows.out[0];
   }
   kernel.call(form, rows, pixels, parameter);
