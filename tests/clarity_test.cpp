@@ -4,6 +4,7 @@
 #include <cmath>
 #include <memory>
 
+#include "clarity/clarity_pyramid.h"
 #include "clarity/clarity_rows.h"
 #include "clarity/nle_pure_c_clarity.h"
 #include "lumvane.h"
@@ -112,6 +113,15 @@ TEST(Clarity, RejectsWhatIsNoFrameAndLeavesTheDestination) {
   EXPECT_EQ(dst.bytes, before);
   DestoryNLEPureCClarity(nullptr);
   EXPECT_EQ(clarity.process(dst, src), 1);
+}
+
+// A level more than there should be shows in no byte.
+TEST(ClarityPyramid, HasALevelForEachHalvingOfTheShorterSide) {
+  for (const auto& [side, levels] :
+       {std::pair{INT_MIN, 1}, {1, 1}, {2, 2}, {3, 3}, {4, 3}, {64, 7}, {65, 8}, {INT_MAX, 8}}) {
+    EXPECT_EQ(Lumvane::clarityLevelCount(side, INT_MAX), levels) << side;
+    EXPECT_EQ(Lumvane::clarityLevelCount(5000, side), levels) << side;
+  }
 }
 
 // The weight is the exponential rounded correctly, which C libraries do not promise. What bytes of a frame hide as long
