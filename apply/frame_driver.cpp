@@ -3,10 +3,8 @@
 #include <cstdlib>
 
 #include "apply/parallel_cube_lut.h"
-#include "apply/row_kernels.h"
 #include "base/overlap.h"
 #include "base/parallel.h"
-#include "lut/blend_table.h"
 
 namespace Lumvane {
 namespace {
@@ -14,20 +12,18 @@ namespace {
 constexpr int64_t kMostPixelsOnCallingThread = 10000;
 constexpr int32_t kBands = 8;
 
-bool isSmall(const cv::Mat& frame) {
-  return static_cast<int64_t>(frame.rows) * frame.cols <= kMostPixelsOnCallingThread;
-}
-
 template <class Worker>
-void runBands(Worker& worker, cv::Mat& dst, const cv::Mat& src, const LatticeView& lattice) {
+void run(Worker& worker, cv::Mat& dst, const cv::Mat& src, const LatticeView& lattice, const GradeKernels& kernels) {
   worker.dst = &dst;
   worker.src = &src;
-  worker.bands = kBands;
+  worker.bands = isSmall(dst) ? 1 : kBands;
   worker.latticeSize = lattice.latticeSize;
   worker.fraction = lattice.fraction;
   worker.cell = lattice.cell;
   worker.lattice = lattice.lattice;
-  runParallel(kBands, worker);
+  worker.kernels = &kernels;
+  if (worker.bands == 1) return worker(cv::Range(0, 1));
+  runParallel(worker.bands, worker);
 }
 
 bool overlap(const cv::Mat& a, const cv::Mat& b) {
@@ -42,14 +38,6 @@ bool rowsOverlap(const cv::Mat& frame) {
   return frame.rows > 1 && std::abs(step) < static_cast<ptrdiff_t>(frame.cols * frame.elemSize());
 }
 
-void fadeFrame(cv::Mat& dst, const cv::Mat& src, int32_t sourceWeight) {
-  const auto table = acquireTable();
-  const BlendTables blends = {table->multiply, table->mix};
-  for (int y = 0; y < dst.rows; ++y) {
-    fadeRow(blends, sourceWeight, src.ptr(y), dst.ptr(y), static_cast<size_t>(src.cols));
-  }
-}
-
 }  // namespace
 
 cv::Mat wrapFrame(uint8_t* pixels, int32_t width, int32_t height, int32_t strideBytes, int type) {
@@ -60,33 +48,26 @@ cv::Mat wrapFrame(uint8_t* pixels, int32_t width, int32_t height, int32_t stride
   return frame;
 }
 
-void gradeFrame(cv::Mat& dst, const cv::Mat& src, const LatticeView& lattice) {
-  if (dst.empty()) return;
-  if (isSmall(dst)) return gradeRows(dst, src, lattice, 0);
+bool isSmall(const cv::Mat& frame) {
+  return static_cast<int64_t>(frame.rows) * frame.cols <= kMostPixelsOnCallingThread;
+}
+
+void gradeFrame(cv::Mat& dst, const cv::Mat& src, const LatticeView& lattice, const BlendTables& blends,
+                int32_t sourceWeight, const GradeKernels& kernels) {
+  const bool fadeAfterwards = sourceWeight > 0 && (overlap(dst, src) || rowsOverlap(dst));
   parallelCubeLut worker;
-  runBands(worker, dst, src, lattice);
+  worker.blends = blends;
+  worker.sourceWeight = fadeAfterwards ? 0 : sourceWeight;
+  run(worker, dst, src, lattice, kernels);
+  if (!fadeAfterwards) return;
+  for (int y = 0; y < dst.rows; ++y) {
+    kernels.fade(blends, sourceWeight, src.ptr(y), dst.ptr(y), static_cast<size_t>(src.cols));
+  }
 }
 
-void gradeAndFadeFrame(cv::Mat& dst, const cv::Mat& src, const LatticeView& lattice, int32_t sourceWeight) {
-  if (dst.empty()) return;
-  if (sourceWeight == 0 || overlap(dst, src) || rowsOverlap(dst)) {
-    gradeFrame(dst, src, lattice);
-    if (sourceWeight > 0) fadeFrame(dst, src, sourceWeight);
-    return;
-  }
-  if (isSmall(dst)) return gradeRows(dst, src, lattice, sourceWeight);
-  parallelFadedCubeLut worker;
-  worker.sourceWeight = sourceWeight;
-  runBands(worker, dst, src, lattice);
-}
-
-void gradeFrameToPlane(cv::Mat& dst, const cv::Mat& src, const LatticeView& lattice) {
-  if (isSmall(dst)) {
-    const auto table = acquireTable();  // a process builds it in its first small frame, whatever the mode
-    return gradeRowsToPlane(dst, src, lattice);
-  }
+void gradeFrameToPlane(cv::Mat& dst, const cv::Mat& src, const LatticeView& lattice, const GradeKernels& kernels) {
   parallelAlphaCubeLut worker;
-  runBands(worker, dst, src, lattice);
+  run(worker, dst, src, lattice, kernels);
 }
 
 }  // namespace Lumvane

@@ -3,7 +3,7 @@
 
 #include <opencv2/core.hpp>
 
-#include "apply/lattice_view.h"
+#include "apply/grade_kernels.h"
 
 namespace Lumvane {
 
@@ -11,16 +11,18 @@ namespace Lumvane {
 /// and may be negative or shorter than a row; 0 means packed rows.
 cv::Mat wrapFrame(uint8_t* pixels, int32_t width, int32_t height, int32_t strideBytes, int type = CV_8UC4);
 
-/// Grades src into dst, which has the same size. Up to 10000 pixels are graded on the calling thread, more of them in 8
-/// bands on OpenCV's threads; the bytes are the same. The two may be the same pixels.
-void gradeFrame(cv::Mat& dst, const cv::Mat& src, const LatticeView& lattice);
+/// True up to 10000 pixels: such a frame is graded on the calling thread, a larger one in 8 bands on OpenCV's threads.
+/// The bytes are the same.
+bool isSmall(const cv::Mat& frame);
 
-/// The same, with the result faded against src, whose weight is 0 to 255.
+/// Grades src into dst, which has the same size, and fades the result against src, whose weight is 0 to 255.
 ///
 /// The two may be the same pixels, or overlap: the fade then finds what the grading left in src.
-void gradeAndFadeFrame(cv::Mat& dst, const cv::Mat& src, const LatticeView& lattice, int32_t sourceWeight);
+void gradeFrame(cv::Mat& dst, const cv::Mat& src, const LatticeView& lattice, const BlendTables& blends,
+                int32_t sourceWeight, const GradeKernels& kernels = gradeKernels());
 
-/// The same from BGRA to one byte a pixel, without a fade: component 0 of the looked-up colour.
-void gradeFrameToPlane(cv::Mat& dst, const cv::Mat& src, const LatticeView& lattice);
+/// From BGRA to one byte a pixel: component 0 of the looked-up colour.
+void gradeFrameToPlane(cv::Mat& dst, const cv::Mat& src, const LatticeView& lattice,
+                       const GradeKernels& kernels = gradeKernels());
 
 }  // namespace Lumvane

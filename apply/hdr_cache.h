@@ -4,7 +4,7 @@
 #include <new>
 #include <vector>
 
-#include "apply/hdr_lattice.h"
+#include "apply/hdr_kernels.h"
 
 namespace Lumvane {
 

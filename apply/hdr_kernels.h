@@ -1,32 +1,52 @@
-// What an HDR LUT does to the pixels of a row, and to every colour there is. As for the kernels of row_kernels.h:
-// no frames, no threads, no memory, and exactly the bytes that the count says.
+// What an HDR LUT does to the pixels of a row, and to every colour there is. As for the kernels of grading: no frames, no
+// threads, no memory, and exactly the bytes that the count says.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 
-#include "apply/hdr_lattice.h"
+#include "apply/lattice.h"
+#include "apply/tetrahedral_lookup.h"
 
 namespace Lumvane {
 
+/// What an HDR LUT makes of one colour, in the order of the LUT's columns: red, green, blue.
+struct RGB8 {
+  uint8_t component[3];
+};
+static_assert(sizeof(RGB8) == 3);
+
+inline constexpr uint32_t kCacheEntries = 1u << 24;
+
+/// The number of the colour's entry in a cache of all of them.
+inline uint32_t cacheEntry(uint8_t r, uint8_t g, uint8_t b) { return uint32_t{r} * 65536 + uint32_t{g} * 256 + b; }
+
+/// Components red, green, blue of tetrahedralLookup through truncToByte.
+inline RGB8 hdrColour(const HdrLatticeView& lattice, uint8_t r, uint8_t g, uint8_t b) {
+  const auto out = tetrahedralLookup(lattice, r, g, b);
+  return {{truncToByte(out[0]), truncToByte(out[1]), truncToByte(out[2])}};
+}
+
 /// Maps BGRA pixels through the cache of an HDR LUT. Byte 3 is copied. dst may be src.
-void hdrCacheRow(const RGB8* cache, const uint8_t* src, uint8_t* dst, size_t pixels);
+using CacheRow = void(const RGB8* cache, const uint8_t* src, uint8_t* dst, size_t pixels);
+
+/// Maps BGRA pixels through the lattice itself, by hdrColour. Byte 3 is copied. dst may be src.
+using HdrLatticeRow = void(const HdrLatticeView& lattice, const uint8_t* src, uint8_t* dst, size_t pixels);
 
 /// Computes the 65536 entries of a cache whose colours have the red value `r`: hdrColour of each. The tables of
 /// `lattice` may be those of another size, up to 65: a faulty file after a good one leaves that.
-void hdrCacheFill(const HdrLatticeView& lattice, uint8_t r, RGB8* entries);
+using FillCache = void(const HdrLatticeView& lattice, uint8_t r, RGB8* entries);
 
-namespace plain {
+struct HdrKernels {
+  CacheRow* cacheRow;
+  HdrLatticeRow* latticeRow;
+  FillCache* fillCache;
+};
 
-/// What an HDR LUT makes of one colour: components red, green, blue of tetrahedralLookup through truncToByte.
-RGB8 hdrColour(const HdrLatticeView& lattice, uint8_t r, uint8_t g, uint8_t b);
+/// One colour at a time: what the others are held against.
+extern const HdrKernels plainHdrKernels;
 
-/// Maps BGRA pixels through the lattice itself, by hdrColour.
-void hdrLatticeRow(const HdrLatticeView& lattice, const uint8_t* src, uint8_t* dst, size_t pixels);
+/// The fastest on this processor.
+const HdrKernels& hdrKernels();
 
-/// The kernels above, one colour at a time: what their vector forms are held against.
-void hdrCacheRow(const RGB8* cache, const uint8_t* src, uint8_t* dst, size_t pixels);
-void hdrCacheFill(const HdrLatticeView& lattice, uint8_t r, RGB8* entries);
-
-}  // namespace plain
 }  // namespace Lumvane

@@ -1,18 +1,13 @@
-// Grading by bands of rows, on the calling thread or on several.
+// Grading by bands of rows. The workers are made for one run and own nothing.
 #pragma once
 
 #include <opencv2/core.hpp>
 
-#include "apply/lattice_view.h"
+#include "apply/grade_kernels.h"
 
 namespace Lumvane {
 
-/// Grade every row of src, BGRA, into the row of dst at the same place: to BGRA pixels, faded against src with its weight
-/// of 0 to 255, or to one byte a pixel. With a weight above 0 the frames must not overlap.
-void gradeRows(cv::Mat& dst, const cv::Mat& src, const LatticeView& lattice, int32_t sourceWeight);
-void gradeRowsToPlane(cv::Mat& dst, const cv::Mat& src, const LatticeView& lattice);
-
-/// Grades the bands of a frame whose numbers it is given. Made for one run; owns nothing.
+/// Grades the bands of a BGRA frame whose numbers it is given. dst may be src, unless there is a fade.
 class parallelCubeLut : public cv::ParallelLoopBody {
  public:
   cv::Mat* dst;
@@ -22,19 +17,14 @@ class parallelCubeLut : public cv::ParallelLoopBody {
   const float* fraction;
   const int32_t* cell;
   const float* lattice;
+  BlendTables blends;
+  int32_t sourceWeight;  ///< 0 to 255: what the source keeps when the graded rows are faded against it
+  const GradeKernels* kernels;
 
   void operator()(const cv::Range& range) const override;
 };
 
-/// The same with a fade against the source in the same pass.
-class parallelFadedCubeLut : public parallelCubeLut {
- public:
-  int32_t sourceWeight;
-
-  void operator()(const cv::Range& range) const override;
-};
-
-/// The same from BGRA to one byte a pixel.
+/// The same from BGRA to one byte a pixel, without a fade.
 class parallelAlphaCubeLut : public cv::ParallelLoopBody {
  public:
   cv::Mat* dst;
@@ -44,6 +34,7 @@ class parallelAlphaCubeLut : public cv::ParallelLoopBody {
   const float* fraction;
   const int32_t* cell;
   const float* lattice;
+  const GradeKernels* kernels;
 
   void operator()(const cv::Range& range) const override;
 };

@@ -1,27 +1,26 @@
 #include "apply/parallel_hdr_lut.h"
 
 #include "apply/band_rows.h"
-#include "apply/hdr_kernels.h"
 
 namespace Lumvane {
-
 void parallelCacheCubeLut_::operator()(const cv::Range& range) const {
-  const HdrLatticeView view = {latticeSize, fraction, cell, lattice};
+  const HdrKernels& kernels = hdrKernels();
   for (int r = range.start * planesPerBand; r < range.end * planesPerBand; ++r) {
     const auto red = static_cast<uint8_t>(r);
-    hdrCacheFill(view, red, cacheData + cacheEntry(red, 0, 0));
+    kernels.fillCache({latticeSize, fraction, cell, lattice}, red, cacheData + cacheEntry(red, 0, 0));
   }
 }
 
 void parallelCubeLut_::operator()(const cv::Range& range) const {
+  const HdrKernels& kernels = hdrKernels();
   const auto pixels = static_cast<size_t>(dst->cols);
   for (int band = range.start; band < range.end; ++band) {
     const BandRows rows(dst->rows, bands, band);
     for (int y = rows.first; y < rows.first + rows.count; ++y) {
       if (cache->empty()) {
-        plain::hdrLatticeRow({latticeSize, fraction, cell, lattice}, src->ptr(y), dst->ptr(y), pixels);
+        kernels.latticeRow({latticeSize, fraction, cell, lattice}, src->ptr(y), dst->ptr(y), pixels);
       } else {
-        hdrCacheRow(cache->data(), src->ptr(y), dst->ptr(y), pixels);
+        kernels.cacheRow(cache->data(), src->ptr(y), dst->ptr(y), pixels);
       }
     }
   }

@@ -4,9 +4,31 @@
 #include "bench/cases.h"
 #include "bench/effects.h"
 #include "bench/frames.h"
+#include "clarity/clarity_pipeline.h"
+#include "clarity/nle_pure_c_clarity.h"
 
 namespace bench {
 namespace {
+
+// The effect on the plain forms of its kernels, on one thread.
+class PlainClarity : public Peer {
+ public:
+  explicit PlainClarity(const Picture& src) : src_(src), dst_(src), effect_(nullptr) {
+    effect_.Init(src.width, src.height, 0, kSaturation, kIntensity);
+  }
+  void run() override {
+    const cv::Mat from(src_.height, src_.width, CV_8UC4, src_.planes[0].data());
+    cv::Mat to(dst_.height, dst_.width, CV_8UC4, dst_.planes[0].data());
+    clarityPipeline(effect_, from, to, kSaturation, kIntensity,
+                    {Lumvane::plainHsvKernels, Lumvane::plainDetailKernels});
+  }
+  Picture output() const override { return dst_; }
+  std::string name() const override { return "plain form, same bytes"; }
+
+ private:
+  Picture src_, dst_;
+  Lumvane::NLEPureCClarity effect_;
+};
 
 void againstUnsharp(Report& report, const Case& what, const Side& ours, const Picture& src) {
   if (!report.wants(what.name)) return;
@@ -28,7 +50,7 @@ void ofSize(Report& report, const Size& size, bool barred) {
   Picture dst = src;
   const Effect clarity = clarityEffect(size);
   report.comparePeer({name + ": plain form", 1, size.megapixels(), {Bar::timesAsFast, onlyIf(barred, 6.0)}},
-                     frames(clarity, src, dst), dst, [&] { return plainClarity(src); }, {});
+                     frames(clarity, src, dst), dst, [&] { return std::make_unique<PlainClarity>(src); }, {});
   for (const int threads : {1, 2}) {
     againstUnsharp(report,
                    {name + ": FFmpeg unsharp", threads, size.megapixels(), {Bar::timesAsFast, onlyIf(barred, 1.0)}},

@@ -26,10 +26,6 @@ std::unique_ptr<Peer> ffmpegFilters(const std::string& chain, const Picture& src
 /// OpenColorIO's processor for a LUT file and BGRA pixels, on the calling thread.
 std::unique_ptr<Peer> openColorIo(const std::filesystem::path& lut, const Picture& src);
 
-/// Clarity of BGRA by the plain rows and OpenCV alone, on one thread: what it is without vector instructions of its
-/// own. Both sides of the frame are at least 65.
-std::unique_ptr<Peer> plainClarity(const Picture& src);
-
 /// Empty where the library is missing.
 std::string ffmpegVersion();
 std::string openColorIoVersion();

@@ -5,7 +5,6 @@
 #include <opencv2/imgproc.hpp>
 
 #include "base/parallel.h"
-#include "clarity/clarity_passes.h"
 
 namespace Lumvane {
 namespace {
@@ -14,7 +13,32 @@ constexpr int kMostLevels = 8;
 constexpr int kLeastShared =
     1 << 15;  // samples of a plane below which waking another thread takes longer than the work
 
+// Adds to a level the raised differences between it, as it was at first, and the next coarser one brought up to its
+// size.
+struct clarityDetailPass {
+  int rows;
+  int stripes;
+  const cv::Mat& fine;
+  const cv::Mat& coarse;
+  cv::Mat& rebuilt;
+  float coefficient;
+  float gain;
+  DetailRow* detailRow;
+
+  void operator()(const cv::Range& range) const {
+    const StripeRows band(range, rows, stripes);
+    for (int y = band.first; y < band.end; ++y) {
+      auto* const row = rebuilt.ptr<float>(y);
+      detailRow(fine.ptr<float>(y), coarse.ptr<float>(y), coefficient, gain, row, row, static_cast<size_t>(fine.cols));
+    }
+  }
+};
+
 }  // namespace
+
+StripeRows::StripeRows(const cv::Range& range, int rows, int stripes)
+    : first(static_cast<int>(int64_t{range.start} * rows / stripes)),
+      end(range.end >= stripes ? rows : static_cast<int>(int64_t{range.end} * rows / stripes)) {}
 
 int clarityLevelCount(int width, int height) {
   const auto shorterSide = static_cast<unsigned>(std::max(std::min(width, height), 1));
@@ -51,7 +75,7 @@ void buildClarityPyramid(const cv::Mat& value, int levels, ClarityPyramid& pyram
   for (size_t i = 1; i < n; ++i) pyramidDown(pyramid.gaussian[i - 1], pyramid.gaussian[i]);
 }
 
-void collapseClarityPyramid(ClarityPyramid& pyramid) {
+void collapseClarityPyramid(ClarityPyramid& pyramid, DetailRow* detailRow) {
   const auto& gaussian = pyramid.gaussian;
   auto& coarse = pyramid.coarse;
   auto& rebuilt = pyramid.rebuilt;
@@ -67,9 +91,10 @@ void collapseClarityPyramid(ClarityPyramid& pyramid) {
     const bool shared = fine.size().area() >= kLeastShared;
     runParallel(2, bringUp, shared ? 2 : 1);
     const int stripes = shared ? std::max(1, 2 * cv::getNumThreads()) : 1;
-    runParallel(stripes,
-                clarityDetailPass{fine.rows, stripes, fine, coarse[i], rebuilt[i], kDetailCoefficient, kDetailGain},
-                stripes);
+    runParallel(
+        stripes,
+        clarityDetailPass{fine.rows, stripes, fine, coarse[i], rebuilt[i], kDetailCoefficient, kDetailGain, detailRow},
+        stripes);
   }
 }
 

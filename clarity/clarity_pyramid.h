@@ -5,6 +5,8 @@
 #include <opencv2/core.hpp>
 #include <vector>
 
+#include "clarity/detail_kernels.h"
+
 namespace Lumvane {
 
 inline constexpr float kDetailCoefficient = 22.222221f;  // 1 / (2 * sigma * sigma) for sigma = 0.15
@@ -23,6 +25,14 @@ struct ClarityPyramid {
     cv::Mat coarse, rebuilt;
   };
   std::vector<Band> bands;
+};
+
+/// The rows that belong to the stripes of a range: from first up to, not including, end.
+struct StripeRows {
+  int first;
+  int end;
+
+  StripeRows(const cv::Range& range, int rows, int stripes);
 };
 
 /// Levels of the pyramid for frames of this size: one more than the shorter side can be halved, from 1 to 8.
@@ -44,6 +54,6 @@ void buildClarityPyramid(const cv::Mat& value, int levels, ClarityPyramid& pyram
 
 /// Puts the levels together again, coarsest first, and raises the details of all but the finest. That one is left to
 /// the last pass over the frame.
-void collapseClarityPyramid(ClarityPyramid& pyramid);
+void collapseClarityPyramid(ClarityPyramid& pyramid, DetailRow* detailRow);
 
 }  // namespace Lumvane

@@ -4,7 +4,7 @@
 #include <cstring>
 #include <memory>
 
-#include "apply/row_kernels.h"
+#include "apply/grade_kernels.h"
 #include "fuzz/checks.h"
 #include "lumvane.h"
 #include "lut/blend_table.h"
@@ -84,8 +84,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const LatticeView view = {lut.latticeSize, lut.fraction, lut.cell, &lut.lattice[0][0][0][0]};
     Frame& from = inPlace ? expected : src;
     const auto count = static_cast<size_t>(width);
-    for (int32_t y = 0; y < height; ++y) plain::gradeRow(view, blends, from.row(y), expected.row(y), count);
-    for (int32_t y = 0; y < height; ++y) plain::fadeRow(blends, 255 - s, from.row(y), expected.row(y), count);
+    for (int32_t y = 0; y < height; ++y) plainGradeKernels.grade(view, blends, from.row(y), expected.row(y), count);
+    for (int32_t y = 0; y < height; ++y) plainGradeKernels.fade(blends, 255 - s, from.row(y), expected.row(y), count);
   }
   fuzz::onTarget(target, [&] {
     Lut3DColorAdjustEffectProcess(&effect, dst.row(0), width, height, dstStride, (inPlace ? dst : src).row(0), -1, -1,

@@ -3,11 +3,10 @@
 
 #include <sstream>
 
-#include "apply/hdr_kernels.h"
+#include "apply/parallel_hdr_lut.h"
 #include "fuzz/checks.h"
 #include "hdr/hdr_load.h"
 #include "hdr/hdr_shared.h"
-#include "lut/interpolation_tables.h"
 
 using namespace Lumvane;
 
@@ -52,11 +51,19 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   if (hash >> 13 & 7) return 0;
   const auto red = static_cast<uint8_t>(hash >> 24);
   const HdrLatticeView view = {object.latticeSize, object.fraction, object.cell, shared.lattice};
-  static std::vector<RGB8> colours(65536);
-  fuzz::onTarget(hash >> 16, [&] { hdrCacheFill(view, red, colours.data()); });
+  parallelCacheCubeLut_ worker;
+  worker.planesPerBand = 1;
+  worker.latticeSize = view.latticeSize;
+  worker.fraction = view.fraction;
+  worker.cell = view.cell;
+  worker.lattice = view.lattice;
+  worker.cacheData = shared.cache.data();
+  fuzz::onTarget(hash >> 16, [&] { worker(cv::Range(red, red + 1)); });
   for (uint32_t i = 0; i < 65536; i += 61) {
-    const RGB8 colour = plain::hdrColour(view, red, static_cast<uint8_t>(i >> 8), static_cast<uint8_t>(i));
-    fuzz::require(std::equal(colour.component, colour.component + 3, colours[i].component), "a colour");
+    const auto green = static_cast<uint8_t>(i >> 8), blue = static_cast<uint8_t>(i);
+    const RGB8 expectedColour = hdrColour(view, red, green, blue);
+    const RGB8& found = shared.cache[cacheEntry(red, green, blue)];
+    fuzz::require(std::equal(found.component, found.component + 3, expectedColour.component), "a colour");
   }
   return 0;
 }

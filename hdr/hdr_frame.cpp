@@ -1,20 +1,84 @@
 #include "hdr/hdr_frame.h"
 
+#include <algorithm>
 #include <opencv2/core.hpp>
 
+#include "apply/band_rows.h"
 #include "apply/hdr_kernels.h"
+#include "apply/lattice.h"
 #include "apply/parallel_hdr_lut.h"
 #include "base/parallel.h"
-#include "hdr/hdr_bands.h"
 #include "hdr/hdr_shared.h"
 #include "hdr/yv12_conversions.h"
 #include "hdr/yv12_planes.h"
-#include "lut/interpolation_tables.h"
 
 namespace Lumvane {
 namespace {
 
 constexpr int64_t kFewestPixelsOnThreads = 10000;
+constexpr int kFewestPairsOfBand = 4;
+constexpr int kRowsAtHand = 4;  // a pair of rows and the rows above and below it, which its chroma takes in
+
+// Takes a frame from planes to planes in one go, row by row, so that the pixels between the conversions and the LUT never
+// leave the processor's caches. Source and destination must not overlap. Made for one run; owns nothing.
+class HdrBands : public cv::ParallelLoopBody {
+ public:
+  /// `cache` holds what the LUT makes of every colour.
+  HdrBands(const VideoAdjustColor& object, const RGB8* cache, const Yv12Planes<const uint8_t>& src,
+           const Yv12Planes<uint8_t>& dst)
+      : object_(object),
+        cache_(cache),
+        src_(src),
+        dst_(dst),
+        toRgb_(toRgb(kBt2020, object.limitedRange != 0 ? kLimited : kFull)),
+        fromRgb_(fromRgb(kBt709, object.limitedRange != 0 ? kLimited : kFull)) {}
+
+  /// How many bands there are: two a thread, as long as they have four pairs of rows or more.
+  int count() const { return count_; }
+
+  void operator()(const cv::Range& range) const override {
+    for (int band = range.start; band < range.end; ++band) {
+      const BandRows pairs((object_.height + 1) / 2, count_, band);
+      convert(2 * pairs.first, std::min(2 * (pairs.first + pairs.count), object_.height));
+    }
+  }
+
+ private:
+  // The rows next to the band are computed for the neighbouring band, too.
+  void convert(int firstRow, int endRow) const {
+    // The band's own part of the buffers has room for the few rows that are needed at a time.
+    const size_t rowBytes = size_t{4} * static_cast<size_t>(object_.width);
+    uint8_t* const converted = object_.rgbaIn.get() + rowBytes * static_cast<size_t>(firstRow);
+    uint8_t* const mapped = object_.rgbaOut.get() + rowBytes * static_cast<size_t>(firstRow);
+    const auto mappedRow = [&](int y) {
+      return mapped + rowBytes * static_cast<size_t>(std::clamp(y, 0, object_.height - 1) % kRowsAtHand);
+    };
+    const auto writePair = [&](int y) {
+      rows_.rowPairFromRgb(fromRgb_, {mappedRow(y - 1), mappedRow(y), mappedRow(y + 1), mappedRow(y + 2)},
+                           destinationRows(dst_, y), object_.width);
+    };
+
+    const int lastRow = std::min(endRow, object_.height - 1);
+    for (int y = std::max(firstRow - 1, 0); y <= lastRow; ++y) {
+      rows_.rowToRgb(toRgb_, sourceRow(src_, y), converted, object_.width);
+      mapRow_(cache_, converted, mappedRow(y), static_cast<size_t>(object_.width));
+      if (y % 2 == 0 && y >= firstRow + 2) writePair(y - 2);
+    }
+    // At the bottom of the frame no row below tells that the last pair is complete.
+    if (endRow == object_.height) writePair((endRow - 1) / 2 * 2);
+  }
+
+  const VideoAdjustColor& object_;
+  const RGB8* cache_;
+  Yv12Planes<const uint8_t> src_;
+  Yv12Planes<uint8_t> dst_;
+  ToRgb toRgb_;
+  FromRgb fromRgb_;
+  int count_ = std::clamp((object_.height + 1) / 2 / kFewestPairsOfBand, 1,
+                          std::clamp(2 * cv::getNumThreads(), 1, object_.bandCount));
+  Yv12Kernels rows_ = yv12Kernels();
+  CacheRow* mapRow_ = hdrKernels().cacheRow;
+};
 
 void mapLargeFrame(VideoAdjustColor& object, const HdrCache& cache) {
   const cv::Mat src(object.height, object.width, CV_8UC4, object.rgbaIn.get());
@@ -77,7 +141,7 @@ bool adjustFrame(VideoAdjustColor& object, const uint8_t* srcPlane0, const uint8
 
 void interpolatePixel(const VideoAdjustColor& object, const uint8_t* srcPixel, uint8_t* dstPixel) {
   const HdrLatticeView view = {object.workLatticeSize, object.fraction, object.cell, object.lattice};
-  const RGB8 colour = plain::hdrColour(view, srcPixel[2], srcPixel[1], srcPixel[0]);
+  const RGB8 colour = hdrColour(view, srcPixel[2], srcPixel[1], srcPixel[0]);
   dstPixel[0] = colour.component[2];
   dstPixel[1] = colour.component[1];
   dstPixel[2] = colour.component[0];

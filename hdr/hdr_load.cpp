@@ -4,11 +4,11 @@
 #include <fstream>
 #include <opencv2/core.hpp>
 
+#include "apply/lattice.h"
 #include "apply/parallel_hdr_lut.h"
 #include "base/parallel.h"
 #include "hdr/hdr_shared.h"
 #include "lut/cube_text.h"
-#include "lut/interpolation_tables.h"
 #include "lut/lut_file.h"
 
 namespace Lumvane {

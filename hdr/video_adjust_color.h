@@ -4,7 +4,7 @@
 #include <memory>
 #include <string>
 
-#include "apply/hdr_lattice.h"
+#include "apply/lattice.h"
 #include "base/zeroed_memory.h"
 
 namespace Lumvane {

@@ -20,6 +20,7 @@ using namespace Lumvane;
 
 void planesToRgb(const ToRgb& matrix, const Yv12Planes<const uint8_t>& planes, uint8_t* rgba, int rgbaStride) {
   if (planes.width <= 0) return;
+  RowToRgb* const rowToRgb = yv12Kernels().rowToRgb;
   for (int y = 0; y < planes.height; ++y) {
     rowToRgb(matrix, sourceRow(planes, y), rowOf(rgba, rgbaStride, y), planes.width);
   }
@@ -27,6 +28,7 @@ void planesToRgb(const ToRgb& matrix, const Yv12Planes<const uint8_t>& planes, u
 
 void rgbToPlanes(const FromRgb& matrix, const uint8_t* rgba, int rgbaStride, const Yv12Planes<uint8_t>& planes) {
   if (planes.width <= 0) return;
+  RowPairFromRgb* const rowPairFromRgb = yv12Kernels().rowPairFromRgb;
   const auto clampedRow = [&](int y) { return rowOf(rgba, rgbaStride, std::clamp(y, 0, planes.height - 1)); };
   for (int y = 0; y < planes.height; y += 2) {
     rowPairFromRgb(matrix, {clampedRow(y - 1), clampedRow(y), clampedRow(y + 1), clampedRow(y + 2)},

@@ -1,5 +1,5 @@
 // The four conversions between YV12 planes and BGRA pixels that stand at both ends of the HDR path, for whole frames.
-// Frames whose planes do not overlap take the same rows in bands: see HdrBands.
+// Frames whose planes do not overlap take the same rows in bands: see adjustFrame.
 //
 // Planes of 8 bits: first Y, width x height, then V (Cr), then U (Cb), each (width + 1) / 2 x (height + 1) / 2. Pixels:
 // byte 0 blue, byte 1 green, byte 2 red, byte 3 set to 255 on the way in and not read on the way out; BGRA rows lie

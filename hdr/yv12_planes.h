@@ -1,10 +1,12 @@
 #pragma once
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstdint>
 
-#include "hdr/yv12_rows.h"
+#include "base/overlap.h"
+#include "hdr/yv12_kernels.h"
 
 namespace Lumvane {
 
@@ -40,7 +42,22 @@ inline Yv12RowPair destinationRows(const Yv12Planes<uint8_t>& f, int y) {
           rowOf(f.u, f.strideU, y / 2)};
 }
 
+template <class Byte>
+std::array<Extent, 3> extentsOf(const Yv12Planes<Byte>& f) {
+  const int height = (f.height + 1) / 2;
+  const auto width = static_cast<size_t>(f.width), chromaWidth = (width + 1) / 2;
+  return {Extent(f.y, f.strideY, width, f.height), Extent(f.v, f.strideV, chromaWidth, height),
+          Extent(f.u, f.strideU, chromaWidth, height)};
+}
+
 /// True when a byte of one frame may be a byte of the other.
-bool overlap(const Yv12Planes<const uint8_t>& a, const Yv12Planes<uint8_t>& b);
+inline bool overlap(const Yv12Planes<const uint8_t>& a, const Yv12Planes<uint8_t>& b) {
+  for (const Extent& one : extentsOf(a)) {
+    for (const Extent& other : extentsOf(b)) {
+      if (one.overlaps(other)) return true;
+    }
+  }
+  return false;
+}
 
 }  // namespace Lumvane

@@ -6,8 +6,8 @@
 #include <opencv2/core.hpp>
 
 #include "apply/frame_driver.h"
+#include "lut/blend_table.h"
 #include "lut/cube_text.h"
-#include "lut/interpolation_tables.h"
 #include "lut/lut_file.h"
 
 namespace Lumvane {
@@ -57,30 +57,27 @@ void CubeLut::fillInterpolationTables() {
 
 int32_t CubeLut::apply(uint8_t* dst, int32_t dstStride, const uint8_t* src, int32_t width, int32_t height,
                        int32_t srcStride) {
-  status = statusOk;
-  if (latticeSize < 1 || latticeSize > kLatticeStride) return statusSizeInvalid;
-  if (width <= 0 || height <= 0) return status;
-  cv::Mat dstMat = wrapFrame(dst, width, height, dstStride, alphaMode ? CV_8UC1 : CV_8UC4);
-  applyToMats(dstMat, wrapFrame(const_cast<uint8_t*>(src), width, height, srcStride));
-  return status;
+  return applyAndFade(dst, dstStride, src, width, height, srcStride, 0);
 }
 
 int32_t CubeLut::applyAndFade(uint8_t* dst, int32_t dstStride, const uint8_t* src, int32_t width, int32_t height,
                               int32_t srcStride, int32_t sourceWeight) {
-  if (sourceWeight == 0) return apply(dst, dstStride, src, width, height, srcStride);
   status = statusOk;
   if (latticeSize < 1 || latticeSize > kLatticeStride) return statusSizeInvalid;
   if (width <= 0 || height <= 0) return status;
-  cv::Mat dstMat = wrapFrame(dst, width, height, dstStride);
-  gradeAndFadeFrame(dstMat, wrapFrame(const_cast<uint8_t*>(src), width, height, srcStride), view(), sourceWeight);
+  cv::Mat dstMat = wrapFrame(dst, width, height, dstStride, alphaMode ? CV_8UC1 : CV_8UC4);
+  applyToMats(dstMat, wrapFrame(const_cast<uint8_t*>(src), width, height, srcStride), sourceWeight);
   return status;
 }
 
-int32_t CubeLut::applyToMats(cv::Mat& dst, const cv::Mat& src) const {
+int32_t CubeLut::applyToMats(cv::Mat& dst, const cv::Mat& src, int32_t sourceWeight) const {
+  const LatticeView view = {latticeSize, fraction, cell, &lattice[0][0][0][0]};
   if (alphaMode) {
-    gradeFrameToPlane(dst, src, view());
+    if (isSmall(dst)) acquireTable();  // a process builds it in its first small frame, whatever the mode
+    gradeFrameToPlane(dst, src, view);
   } else {
-    gradeFrame(dst, src, view());
+    const auto table = acquireTable();
+    gradeFrame(dst, src, view, {table->multiply, table->mix}, sourceWeight);
   }
   return statusOk;
 }

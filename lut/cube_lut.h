@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "apply/lattice_view.h"
+#include "apply/lattice.h"
 #include "base/zeroed_memory.h"
 #include "lut/lut_status.h"
 
@@ -68,8 +68,7 @@ class CubeLut {
                        int32_t srcStride, int32_t sourceWeight);
 
  private:
-  int32_t applyToMats(cv::Mat& dst, const cv::Mat& src) const;
-  LatticeView view() const { return {latticeSize, fraction, cell, &lattice[0][0][0][0]}; }
+  int32_t applyToMats(cv::Mat& dst, const cv::Mat& src, int32_t sourceWeight) const;
 };
 
 }  // namespace Lumvane

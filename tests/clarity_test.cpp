@@ -5,7 +5,7 @@
 #include <memory>
 
 #include "clarity/clarity_pyramid.h"
-#include "clarity/clarity_rows.h"
+#include "clarity/detail_kernels.h"
 #include "clarity/nle_pure_c_clarity.h"
 #include "lumvane.h"
 #include "tests/inputs.h"
@@ -129,7 +129,8 @@ TEST(ClarityPyramid, HasALevelForEachHalvingOfTheShorterSide) {
 TEST(ClarityRows, WeighDetailsByTheCorrectlyRoundedExponential) {
   std::vector<float> fine(1 << 20), zeros(fine.size()), out(fine.size());
   for (size_t i = 0; i < fine.size(); ++i) fine[i] = static_cast<float>(i) * 0x1p-20f;
-  Lumvane::plain::detailRow(fine.data(), zeros.data(), 22.222221f, 0.55f, zeros.data(), out.data(), out.size());
+  Lumvane::plainDetailKernels.detail(fine.data(), zeros.data(), 22.222221f, 0.55f, zeros.data(), out.data(),
+                                     out.size());
   for (size_t i = 0; i < fine.size(); ++i) {
     const float d = fine[i], squared = d * d, exponent = squared * 22.222221f;
     const auto weight = static_cast<float>(std::exp(-static_cast<long double>(exponent)));

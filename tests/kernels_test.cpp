@@ -8,27 +8,36 @@
 #include <memory>
 #include <sstream>
 
+#include "apply/grade_kernels.h"
 #include "apply/hdr_kernels.h"
-#include "apply/row_kernels.h"
-#include "clarity/clarity_rows.h"
-#include "hdr/yv12_rows.h"
+#include "clarity/detail_kernels.h"
+#include "clarity/hsv_kernels.h"
+#include "hdr/yv12_kernels.h"
 #include "lut/blend_table.h"
 #include "lut/cube_lut.h"
 #include "tests/inputs.h"
 #include "tests/targets.h"
-#include "whitebalance/white_balance_row.h"
+#include "whitebalance/white_balance_kernel.h"
 
 namespace Lumvane {
 namespace {
 
 using test::Bytes;
 
-enum Form { kPlain, kVector };
-template <class Function>
-Function* pick(Form form, Function* plainForm, Function* vectorForm) {
-  return form == kPlain ? plainForm : vectorForm;
+// The kernels of all groups: the plain ones, or those of the target that is set.
+struct Tables {
+  const GradeKernels& grade;
+  const HdrKernels& hdr;
+  const HsvKernels& hsv;
+  const DetailKernels& details;
+  Yv12Kernels yv12;
+  WhiteBalanceRow* whiteBalance;
+};
+const Tables kPlain = {plainGradeKernels,  plainHdrKernels,    plainHsvKernels,
+                       plainDetailKernels, plainYv12Kernels(), plainWhiteBalanceRow};
+Tables ofTarget() {
+  return {gradeKernels(), hdrKernels(), hsvKernels(), detailKernels(), yv12Kernels(), whiteBalanceKernel()};
 }
-#define IN_FORM(name) pick(form, plain::name, name)
 
 // The rows of one call.
 struct Rows {
@@ -48,7 +57,7 @@ struct Kernel {
   const char* name;
   std::vector<Kind> in, out;
   std::vector<float> parameters;
-  void (*call)(Form form, const Rows& rows, size_t pixels, float parameter);
+  void (*call)(const Tables& of, const Rows& rows, size_t pixels, float parameter);
   bool inPlace = true;  // the first row that is written may be the first that is read
 };
 
@@ -74,83 +83,81 @@ const RGB8* cache() {
   return reinterpret_cast<const RGB8*>(bytes.data());
 }
 
-const Kernel kGrade = {"grade", {kBgra}, {kBgra}, {0}, [](Form form, const Rows& r, size_t n, float) {
-                         IN_FORM(gradeRow)(lattice(), blends(), r.in[0], r.out[0], n);
+const Kernel kGrade = {"grade", {kBgra}, {kBgra}, {0}, [](const Tables& of, const Rows& r, size_t n, float) {
+                         of.grade.grade(lattice(), blends(), r.in[0], r.out[0], n);
                        }};
 const Kernel kGradeAndFade = {"gradeAndFade",
                               {kBgra},
                               {kBgra},
                               {1, 127, 254},
-                              [](Form form, const Rows& r, size_t n, float t) {
-                                IN_FORM(gradeAndFadeRow)
-                                (lattice(), blends(), static_cast<int32_t>(t), r.in[0], r.out[0], n);
+                              [](const Tables& of, const Rows& r, size_t n, float t) {
+                                of.grade.gradeAndFade(lattice(), blends(), static_cast<int32_t>(t), r.in[0], r.out[0],
+                                                      n);
                               },
                               false};
-const Kernel kFade = {"fade", {kBgra}, {kBgra}, {0, 100, 255}, [](Form form, const Rows& r, size_t n, float t) {
-                        IN_FORM(fadeRow)(blends(), static_cast<int32_t>(t), r.in[0], r.out[0], n);
+const Kernel kFade = {"fade", {kBgra}, {kBgra}, {0, 100, 255}, [](const Tables& of, const Rows& r, size_t n, float t) {
+                        of.grade.fade(blends(), static_cast<int32_t>(t), r.in[0], r.out[0], n);
                       }};
-const Kernel kHdrCache = {"hdrCache", {kBgra}, {kBgra}, {0}, [](Form form, const Rows& r, size_t n, float) {
-                            IN_FORM(hdrCacheRow)(cache(), r.in[0], r.out[0], n);
+const Kernel kHdrCache = {"hdrCache", {kBgra}, {kBgra}, {0}, [](const Tables& of, const Rows& r, size_t n, float) {
+                            of.hdr.cacheRow(cache(), r.in[0], r.out[0], n);
                           }};
 const Kernel kWhiteBalance = {
-    "whiteBalance", {kBgra}, {kBgra}, {0.3f, 1.1f, 3.0f}, [](Form form, const Rows& r, size_t n, float gain) {
-      IN_FORM(whiteBalanceRow)({gain, 2 - gain, 1.2f * gain}, r.in[0], r.out[0], n);
+    "whiteBalance", {kBgra}, {kBgra}, {0.3f, 1.1f, 3.0f}, [](const Tables& of, const Rows& r, size_t n, float gain) {
+      of.whiteBalance({gain, 2 - gain, 1.2f * gain}, r.in[0], r.out[0], n);
     }};
-const Kernel kValue = {"value", {kBgra}, {kFloats}, {0}, [](Form form, const Rows& r, size_t n, float) {
-                         IN_FORM(valueRow)(r.in[0], r.outFloats(0), n);
+const Kernel kValue = {"value", {kBgra}, {kFloats}, {0}, [](const Tables& of, const Rows& r, size_t n, float) {
+                         of.hsv.value(r.in[0], r.outFloats(0), n);
                        }};
 const Kernel kAnalysis = {"analysis",
                           {kBgra},
                           {kFloats, kFloats, kFloats},
                           {0.85f, 1.15f},
-                          [](Form form, const Rows& r, size_t n, float factor) {
-                            IN_FORM(analysisRow)(r.in[0], factor, r.outFloats(0), r.outFloats(1), r.outFloats(2), n);
+                          [](const Tables& of, const Rows& r, size_t n, float factor) {
+                            of.hsv.analysis(r.in[0], factor, r.outFloats(0), r.outFloats(1), r.outFloats(2), n);
                           },
                           false};
 const Kernel kDetail = {
-    "detail", {kFloats, kFloats, kFloats}, {kFloats}, {0}, [](Form form, const Rows& r, size_t n, float) {
-      IN_FORM(detailRow)(r.floats(0), r.floats(1), 22.222221f, 0.55f, r.floats(2), r.outFloats(0), n);
+    "detail", {kFloats, kFloats, kFloats}, {kFloats}, {0}, [](const Tables& of, const Rows& r, size_t n, float) {
+      of.details.detail(r.floats(0), r.floats(1), 22.222221f, 0.55f, r.floats(2), r.outFloats(0), n);
     }};
 const Kernel kBlend = {"blend",
                        {kFloats, kFloats},
                        {kFloats},
                        {0.01f, 0.29f, 0.5f, 0.71f, 1.0f},
-                       [](Form form, const Rows& r, size_t n, float share) {
-                         IN_FORM(blendRow)(r.floats(0), 1.0f - share, r.floats(1), share, r.outFloats(0), n);
+                       [](const Tables& of, const Rows& r, size_t n, float share) {
+                         of.details.blend(r.floats(0), 1.0f - share, r.floats(1), share, r.outFloats(0), n);
                        }};
 // Hues all around; a part of a little less than 1 takes the ends of sectors to just before them.
 const Kernel kSynthesis = {"synthesis",
                            {kBgra, kFloats, kFloats, kFloats},
                            {kBgra},
                            {1.0f, 0.9999999f, 0.99999f},
-                           [](Form form, const Rows& r, size_t n, float part) {
+                           [](const Tables& of, const Rows& r, size_t n, float part) {
                              std::vector<float> hue(r.floats(1), r.floats(1) + n);
                              for (float& h : hue) h *= 360.0f * part;
-                             IN_FORM(synthesisRow)(hue.data(), r.floats(2), r.floats(3), r.in[0], r.out[0], n);
+                             of.hsv.synthesis(hue.data(), r.floats(2), r.floats(3), r.in[0], r.out[0], n);
                            }};
 const Kernel kToRgb = {"toRgb",
                        {kBytes, kChroma, kChroma, kChroma, kChroma},
                        {kBgra},
                        {0, 1},
-                       [](Form form, const Rows& r, size_t n, float full) {
+                       [](const Tables& of, const Rows& r, size_t n, float full) {
                          const ToRgb matrix = toRgb(kBt2020, full != 0 ? kFull : kLimited);
                          const Yv12Row row = {r.in[0], r.in[1], r.in[2], r.in[3], r.in[4]};
                          const auto width = static_cast<int>(n);
-                         form == kPlain ? plain::rowToRgb(matrix, row, r.out[0], width)
-                                        : rowToRgb(matrix, row, r.out[0], width);
+                         of.yv12.rowToRgb(matrix, row, r.out[0], width);
                        },
                        false};
 const Kernel kFromRgb = {"fromRgb",
                          {kBgra, kBgra, kBgra, kBgra},
                          {kBytes, kBytes, kChroma, kChroma},
                          {0, 1},
-                         [](Form form, const Rows& r, size_t n, float full) {
+                         [](const Tables& of, const Rows& r, size_t n, float full) {
                            const FromRgb matrix = fromRgb(kBt709, full != 0 ? kFull : kLimited);
                            const Yv12RowPair pair = {r.out[0], r.out[1], r.out[2], r.out[3]};
                            const auto width = static_cast<int>(n);
                            const uint8_t* const in[4] = {r.in[0], r.in[1], r.in[2], r.in[3]};
-                           form == kPlain ? plain::rowPairFromRgb(matrix, in, pair, width)
-                                          : rowPairFromRgb(matrix, in, pair, width);
+                           of.yv12.rowPairFromRgb(matrix, in, pair, width);
                          },
                          false};
 const Kernel* const kKernels[] = {&kGrade,    &kGradeAndFade, &kFade,  &kHdrCache,  &kWhiteBalance, &kValue,
@@ -158,8 +165,8 @@ const Kernel* const kKernels[] = {&kGrade,    &kGradeAndFade, &kFade,  &kHdrCach
 
 constexpr size_t kBorder = 129;  // known bytes around what is written; a vector is no longer
 
-// What a form makes of the rows, which start `start` bytes, or floats, off any alignment.
-std::array<Bytes, 4> results(const Kernel& kernel, Form form, const std::vector<Bytes>& in, size_t pixels,
+// What a kernel makes of the rows, which start `start` bytes, or floats, off any alignment.
+std::array<Bytes, 4> results(const Kernel& kernel, const Tables& of, const std::vector<Bytes>& in, size_t pixels,
                              float parameter, size_t start, bool inPlace) {
   Rows rows = {};
   std::vector<Bytes> read;
@@ -182,7 +189,7 @@ std::array<Bytes, 4> results(const Kernel& kernel, Form form, const std::vector<
     std::copy_n(rows.in[0], sizeOf(kernel.in[0], pixels), rows.out[0]);
     rows.in[0] = rows.out[0];
   }
-  kernel.call(form, rows, pixels, parameter);
+  kernel.call(of, rows, pixels, parameter);
   return written;
 }
 
@@ -192,7 +199,7 @@ std::string differences(const Kernel& kernel, const std::vector<Bytes>& in, size
   for (const bool inPlace : {false, true}) {
     if (inPlace && !kernel.inPlace) break;
     const auto expected = results(kernel, kPlain, in, pixels, parameter, start, inPlace);
-    const auto found = results(kernel, kVector, in, pixels, parameter, start, inPlace);
+    const auto found = results(kernel, ofTarget(), in, pixels, parameter, start, inPlace);
     for (size_t i = 0; i < expected.size(); ++i) {
       if (found[i] == expected[i]) continue;
       const auto at = std::mismatch(found[i].begin(), found[i].end(), expected[i].begin()).first - found[i].begin();
@@ -261,8 +268,8 @@ TEST_P(RowKernels, FadeEveryPairOfBytes) {
   for (size_t i = 0; i < src.size(); ++i) src[i] = static_cast<uint8_t>(i >> 8), graded[i] = static_cast<uint8_t>(i);
   for (int t = 0; t < 256; t += test::kStep) {
     Bytes expected = graded, found = graded;
-    plain::fadeRow(blends(), t, src.data(), expected.data(), src.size() / 4);
-    fadeRow(blends(), t, src.data(), found.data(), src.size() / 4);
+    plainGradeKernels.fade(blends(), t, src.data(), expected.data(), src.size() / 4);
+    gradeKernels().fade(blends(), t, src.data(), found.data(), src.size() / 4);
     ASSERT_TRUE(found == expected) << t;
   }
 }
@@ -274,8 +281,8 @@ TEST_P(RowKernels, RaiseEveryDetail) {
   const std::vector<float> zeros(kBlock);
   std::vector<float> expected(kBlock), found(kBlock), fine(kBlock);
   const auto compare = [&] {
-    plain::detailRow(fine.data(), zeros.data(), 22.222221f, 0.55f, zeros.data(), expected.data(), kBlock);
-    detailRow(fine.data(), zeros.data(), 22.222221f, 0.55f, zeros.data(), found.data(), kBlock);
+    plainDetailKernels.detail(fine.data(), zeros.data(), 22.222221f, 0.55f, zeros.data(), expected.data(), kBlock);
+    detailKernels().detail(fine.data(), zeros.data(), 22.222221f, 0.55f, zeros.data(), found.data(), kBlock);
     ASSERT_EQ(std::memcmp(expected.data(), found.data(), sizeof(float) * kBlock), 0) << fine[0];
   };
   const auto end = std::bit_cast<uint32_t>(1.1f);

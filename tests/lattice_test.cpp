@@ -7,8 +7,7 @@
 #include <memory>
 #include <sstream>
 
-#include "apply/byte_conversions.h"
-#include "apply/step_reciprocal.h"
+#include "apply/lattice.h"
 #include "apply/tetrahedral_lookup.h"
 #include "lut/cube_lut.h"
 #include "tests/inputs.h"

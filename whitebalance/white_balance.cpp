@@ -2,7 +2,7 @@
 
 #include "base/default_float_mode.h"
 #include "lumvane.h"
-#include "whitebalance/white_balance_row.h"
+#include "whitebalance/white_balance_kernel.h"
 
 bool WhiteBalanceFun(const uint8_t* src, uint8_t* dst, float /*reserved1*/, float /*reserved2*/, float /*reserved3*/,
                      float temperature, float tint, int32_t width, int32_t height) {
@@ -12,6 +12,6 @@ bool WhiteBalanceFun(const uint8_t* src, uint8_t* dst, float /*reserved1*/, floa
   const Lumvane::DefaultFloatMode floatMode;
   const Lumvane::WhiteBalanceGains gains = Lumvane::whiteBalanceGains(temperature, tint);
   // Rows lie packed, so that the frame is one long row.
-  Lumvane::whiteBalanceRow(gains, srcMat.ptr(), dstMat.ptr(), srcMat.total());
+  Lumvane::whiteBalanceKernel()(gains, srcMat.ptr(), dstMat.ptr(), srcMat.total());
   return true;
 }

@@ -1,11 +1,11 @@
-// Vectors of BGRA pixels and of their components, and the few operations for which x86 has one instruction that means
-// just what is wanted, where portable code would take several.
+// The vectors that all kernels use, and the few operations for which x86 has one instruction that means just what is
+// wanted, where portable code would take several. To be included behind <hwy/foreach_target.h>.
 
-#if defined(LUMVANE_BASE_BGRA_INL_H) == defined(HWY_TARGET_TOGGLE)
-#ifdef LUMVANE_BASE_BGRA_INL_H
-#undef LUMVANE_BASE_BGRA_INL_H
+#if defined(LUMVANE_BASE_VECTORS_INL_H) == defined(HWY_TARGET_TOGGLE)
+#ifdef LUMVANE_BASE_VECTORS_INL_H
+#undef LUMVANE_BASE_VECTORS_INL_H
 #else
-#define LUMVANE_BASE_BGRA_INL_H
+#define LUMVANE_BASE_VECTORS_INL_H
 #endif
 
 #include <hwy/highway.h>
@@ -13,9 +13,9 @@
 #include <cstddef>
 #include <cstdint>
 
-// Where there are no vectors, or not those of x86, the plain forms serve.
+// Where there are no vectors, the plain forms of the kernels serve.
 #undef LUMVANE_HAVE_VECTORS
-#if HWY_ARCH_X86 && HWY_TARGET != HWY_SCALAR && HWY_TARGET != HWY_EMU128
+#if HWY_TARGET != HWY_SCALAR && HWY_TARGET != HWY_EMU128
 #define LUMVANE_HAVE_VECTORS 1
 #else
 #define LUMVANE_HAVE_VECTORS 0
@@ -34,9 +34,16 @@ using I = hn::RebindToSigned<F>;
 using U = hn::RebindToUnsigned<F>;
 using Bytes = hn::Repartition<uint8_t, F>;
 using Words = hn::Repartition<uint16_t, F>;
+using Shorts = hn::Repartition<int16_t, F>;
+using Doubles = hn::Repartition<double, F>;
+using HalfF = hn::Half<F>;  // as many lanes as Doubles
+using HalfI = hn::Half<I>;
 using VF = hn::Vec<F>;
 using VI = hn::Vec<I>;
 using VU = hn::Vec<U>;  // also BGRA pixels, byte 0 in the low bits
+using VBytes = hn::Vec<Bytes>;
+using VWords = hn::Vec<Words>;
+using VShorts = hn::Vec<Shorts>;
 
 constexpr size_t kLanes = hn::MaxLanes(F());
 
@@ -48,11 +55,11 @@ HWY_INLINE VU shuffled(VU v, const uint8_t (&order)[16]) {
   return hn::BitCast(U(), hn::TableLookupBytesOr0(hn::BitCast(Bytes(), v), hn::LoadDup128(Bytes(), order)));
 }
 
-// gatherPoints: four floats from each of base + places[0], base + places[4], ..., a block each.
+// gatherPoints: four floats from each of base + places[0], base + places[4], ..., a block of 16 bytes each.
 // rounded, truncated: to the nearest whole number, ties to even, or towards zero. What an int32_t cannot hold, and a NaN,
-// gives the smallest int32_t.
+// gives a number below 0.
 // packed: held to 0 to 255; byte 4 * i + c of a block comes from lane c of that block of vector i.
-#if HWY_TARGET <= HWY_AVX3
+#if HWY_ARCH_X86 && HWY_TARGET <= HWY_AVX3
 
 HWY_INLINE VF gatherPoints(const float* base, const uint32_t* places) {
   __m512 v = _mm512_castps128_ps512(_mm_loadu_ps(base + places[0]));
@@ -60,7 +67,6 @@ HWY_INLINE VF gatherPoints(const float* base, const uint32_t* places) {
   v = _mm512_mask_broadcast_f32x4(v, 0x0F00, _mm_loadu_ps(base + places[8]));
   return VF{_mm512_mask_broadcast_f32x4(v, 0xF000, _mm_loadu_ps(base + places[12]))};
 }
-
 HWY_INLINE VI rounded(VF v) { return VI{_mm512_cvtps_epi32(v.raw)}; }
 HWY_INLINE VI truncated(VF v) { return VI{_mm512_cvttps_epi32(v.raw)}; }
 HWY_INLINE VU packed(VI v0, VI v1, VI v2, VI v3) {
@@ -73,22 +79,34 @@ HWY_INLINE VF gatherPoints(const float* base, const uint32_t* places) {
   const __m256 v = _mm256_castps128_ps256(_mm_loadu_ps(base + places[0]));
   return VF{_mm256_insertf128_ps(v, _mm_loadu_ps(base + places[4]), 1)};
 }
-
 HWY_INLINE VI rounded(VF v) { return VI{_mm256_cvtps_epi32(v.raw)}; }
 HWY_INLINE VI truncated(VF v) { return VI{_mm256_cvttps_epi32(v.raw)}; }
 HWY_INLINE VU packed(VI v0, VI v1, VI v2, VI v3) {
   return VU{_mm256_packus_epi16(_mm256_packs_epi32(v0.raw, v1.raw), _mm256_packs_epi32(v2.raw, v3.raw))};
 }
 
-#else
+#else  // blocks of 16 bytes
 
 HWY_INLINE VF gatherPoints(const float* base, const uint32_t* places) { return hn::LoadU(F(), base + places[0]); }
-
+#if HWY_ARCH_X86
 HWY_INLINE VI rounded(VF v) { return VI{_mm_cvtps_epi32(v.raw)}; }
 HWY_INLINE VI truncated(VF v) { return VI{_mm_cvttps_epi32(v.raw)}; }
 HWY_INLINE VU packed(VI v0, VI v1, VI v2, VI v3) {
   return VU{_mm_packus_epi16(_mm_packs_epi32(v0.raw, v1.raw), _mm_packs_epi32(v2.raw, v3.raw))};
 }
+#else
+HWY_INLINE VF whereItFits(VF v) {
+  return hn::IfThenElse(hn::Lt(hn::Abs(v), hn::Set(F(), 2147483648.0f)), v, hn::Set(F(), -1.0f));
+}
+HWY_INLINE VI rounded(VF v) { return hn::NearestInt(whereItFits(v)); }
+HWY_INLINE VI truncated(VF v) { return hn::ConvertTo(I(), whereItFits(v)); }
+HWY_INLINE VU packed(VI v0, VI v1, VI v2, VI v3) {
+  const Shorts shorts;
+  const auto low = hn::ReorderDemote2To(shorts, v0, v1), high = hn::ReorderDemote2To(shorts, v2, v3);
+  const hn::Half<Bytes> half;
+  return hn::BitCast(U(), hn::Combine(Bytes(), hn::DemoteTo(half, high), hn::DemoteTo(half, low)));
+}
+#endif
 
 #endif
 

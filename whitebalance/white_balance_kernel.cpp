@@ -1,33 +1,66 @@
-// The vector form of whiteBalanceRow, for every target that this processor may turn out to have.
+// The row kernel of white balance: the plain form, which defines what it gives, and that by vector.
 
-#include "whitebalance/white_balance_row.h"
+#include "whitebalance/white_balance_kernel.h"
+
+#ifndef HWY_TARGET_INCLUDE  // once; what comes after this is compiled for each set of vector instructions
+#define HWY_TARGET_INCLUDE "whitebalance/white_balance_kernel.cpp"
 
 #include <algorithm>
 #include <cmath>
-#include <cstdint>
 
-#undef HWY_TARGET_INCLUDE
-#define HWY_TARGET_INCLUDE "whitebalance/white_balance_row.cpp"
+namespace Lumvane {
+
+WhiteBalanceGains whiteBalanceGains(float temperature, float tint) {
+  const float base = tint * 0.5f + 1.0f;
+  return {base - temperature, 1.0f - tint, base + temperature};
+}
+
+namespace plain {
+namespace {
+
+uint8_t scaled(uint8_t byte, float gain) {
+  const float product = static_cast<float>(byte) * gain;
+  if (!(product > 0.0f)) return 0;  // NaN too
+  return product < 255.0f ? static_cast<uint8_t>(product) : 255;
+}
+
+}  // namespace
+
+void whiteBalanceRow(const WhiteBalanceGains& gains, const uint8_t* src, uint8_t* dst, size_t pixels) {
+  for (size_t i = 0; i < pixels; ++i, src += 4, dst += 4) {
+    dst[0] = scaled(src[0], gains.blue);
+    dst[1] = scaled(src[1], gains.green);
+    dst[2] = scaled(src[2], gains.red);
+    dst[3] = src[3];
+  }
+}
+
+}  // namespace plain
+
+WhiteBalanceRow* const plainWhiteBalanceRow = plain::whiteBalanceRow;
+
+}  // namespace Lumvane
+
+#endif
+
 #include <hwy/cache_control.h>
-#include <hwy/foreach_target.h>  // must come before highway.h
-#include <hwy/highway.h>
+#include <hwy/foreach_target.h>  // must come before what uses vectors
 
-#include "base/bgra-inl.h"
+#include "base/vectors-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace Lumvane {
 namespace HWY_NAMESPACE {
+namespace {
 
-#if !LUMVANE_HAVE_VECTORS
-using plain::whiteBalanceRow;
-#else
+#if LUMVANE_HAVE_VECTORS
 
 // Frames from this size on do not stay in a cache until somebody reads them: they are written past it, which spares
 // reading every line of the destination first.
 constexpr size_t kStreamedBytes = size_t{16} << 20;
 
 // Beyond these ends a gain does the same to every byte, and so a product never overflows; a NaN does what 0 does.
-float sanitized(float gain) { return std::isnan(gain) ? 0.0f : std::clamp(gain, -1.0f, 256.0f); }
+HWY_INLINE float sanitized(float gain) { return std::isnan(gain) ? 0.0f : std::clamp(gain, -1.0f, 256.0f); }
 
 // Pixel i of each block of four, a component a lane, times the gains.
 template <uint8_t i>
@@ -60,8 +93,13 @@ void whiteBalanceRow(const WhiteBalanceGains& gains, const uint8_t* src, uint8_t
   plain::whiteBalanceRow(gains, src + 4 * i, dst + 4 * i, pixels - i);
 }
 
+#else
+using plain::whiteBalanceRow;
 #endif
 
+WhiteBalanceRow* kernel() { return whiteBalanceRow; }
+
+}  // namespace
 }  // namespace HWY_NAMESPACE
 }  // namespace Lumvane
 HWY_AFTER_NAMESPACE();
@@ -69,11 +107,8 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace Lumvane {
 
-HWY_EXPORT(whiteBalanceRow);
-
-void whiteBalanceRow(const WhiteBalanceGains& gains, const uint8_t* src, uint8_t* dst, size_t pixels) {
-  HWY_DYNAMIC_DISPATCH(whiteBalanceRow)(gains, src, dst, pixels);
-}
+HWY_EXPORT(kernel);
+WhiteBalanceRow* whiteBalanceKernel() { return HWY_DYNAMIC_DISPATCH(kernel)(); }
 
 }  // namespace Lumvane
 #endif

@@ -15,12 +15,12 @@ WhiteBalanceGains whiteBalanceGains(float temperature, float tint);
 
 /// Multiplies the colour bytes of BGRA pixels by the gains, in single precision, and truncates: 3 * 0.5 gives 1.
 /// Products beyond 0 to 255 count as the nearer end, a NaN as 0. Byte 3 is copied. dst may be src.
-void whiteBalanceRow(const WhiteBalanceGains& gains, const uint8_t* src, uint8_t* dst, size_t pixels);
+using WhiteBalanceRow = void(const WhiteBalanceGains& gains, const uint8_t* src, uint8_t* dst, size_t pixels);
 
-namespace plain {
+/// One byte at a time: what the others are held against.
+extern WhiteBalanceRow* const plainWhiteBalanceRow;
 
-/// The same, one byte at a time: what the vector form is held against.
-void whiteBalanceRow(const WhiteBalanceGains& gains, const uint8_t* src, uint8_t* dst, size_t pixels);
+/// The fastest on this processor.
+WhiteBalanceRow* whiteBalanceKernel();
 
-}  // namespace plain
 }  // namespace Lumvane

@@ -1,19 +1,23 @@
-// Step 1 of the grading kernels: from pixels to the places of four lattice points and their weights; a lane is a pixel.
+// Takes pixels through a lattice by vector, as tetrahedralLookup does. A vector of pixels takes two steps, in which lanes
+// mean different things:
 //
-// With the three fractions sorted the weights are 1 - max, max - mid, mid - min and min; a tie makes the same differences
-// in whatever order it is broken. The two points in the middle follow from the comparisons of tetrahedralLookup, ties
-// and all: at weight 0 a point still counts when it is infinite.
+// 1. A lane is a pixel: findTetrahedra finds four points and their weights. With the three fractions sorted the weights
+//    are 1 - max, max - mid, mid - min and min; a tie makes the same differences in whatever order it is broken. The two
+//    points in the middle follow from the comparisons of tetrahedralLookup, ties and all: at weight 0 a point still
+//    counts when it is infinite.
+// 2. A lane is a colour component, a block of four lanes is a pixel. A point is three floats, so loads of four floats
+//    bring them; gathers are slower on every processor at hand. Vector i, of four, holds the pixels i, i + 4, ... so that
+//    a weight reaches its pixel by a broadcast within the block.
 
-#if defined(LUMVANE_APPLY_TETRAHEDRA_INL_H) == defined(HWY_TARGET_TOGGLE)
-#ifdef LUMVANE_APPLY_TETRAHEDRA_INL_H
-#undef LUMVANE_APPLY_TETRAHEDRA_INL_H
+#if defined(LUMVANE_APPLY_LATTICE_LOOKUP_INL_H) == defined(HWY_TARGET_TOGGLE)
+#ifdef LUMVANE_APPLY_LATTICE_LOOKUP_INL_H
+#undef LUMVANE_APPLY_LATTICE_LOOKUP_INL_H
 #else
-#define LUMVANE_APPLY_TETRAHEDRA_INL_H
+#define LUMVANE_APPLY_LATTICE_LOOKUP_INL_H
 #endif
 
-#include "apply/lattice_view.h"
-#include "apply/step_reciprocal.h"
-#include "base/bgra-inl.h"
+#include "apply/lattice.h"
+#include "base/vectors-inl.h"
 
 #if LUMVANE_HAVE_VECTORS
 
@@ -93,6 +97,34 @@ HWY_INLINE void findTetrahedra(const Axes& axes, VU pixels, Tetrahedra& out) {
   hn::Store(hn::Sub(largest, middle), F(), out.wa);
   hn::Store(hn::Sub(middle, smallest), F(), out.wb);
   hn::Store(smallest, F(), out.w1);
+}
+
+// Pixels i, i + 4, ... between their points. Component 3 is something else.
+template <int i>
+HWY_INLINE VF interpolate(const float* lattice, const Tetrahedra& t) {
+  const F f;
+  const VF p000 = hn::Mul(hn::Broadcast<i>(hn::Load(f, t.w0)), gatherPoints(lattice, t.p000 + i));
+  const VF pa = hn::Mul(hn::Broadcast<i>(hn::Load(f, t.wa)), gatherPoints(lattice, t.pa + i));
+  const VF pb = hn::Mul(hn::Broadcast<i>(hn::Load(f, t.wb)), gatherPoints(lattice, t.pb + i));
+  const VF p111 = hn::Mul(hn::Broadcast<i>(hn::Load(f, t.w1)), gatherPoints(lattice, t.p111 + i));
+  return hn::Add(hn::Add(hn::Add(p000, pa), pb), p111);
+}
+
+// Takes vectors of pixels through the lattice: row.find(v, tetrahedra) says where those of vector v lie, row.toBytes makes
+// whole numbers of their components, which are then held to 0 to 255, and row.store(v, bytes) takes these, red, green,
+// blue and something for each pixel.
+template <class Row>
+HWY_INLINE void interpolateVectors(const float* points, size_t vectors, const Row& row) {
+  if (vectors == 0) return;
+  // While the points of one vector of pixels are on their way, those of the next one are found.
+  Tetrahedra tetrahedra[2];
+  row.find(0, tetrahedra[0]);
+  for (size_t v = 0; v < vectors; ++v) {
+    if (v + 1 < vectors) row.find(v + 1, tetrahedra[(v + 1) % 2]);
+    const Tetrahedra& t = tetrahedra[v % 2];
+    row.store(v, packed(row.toBytes(interpolate<0>(points, t)), row.toBytes(interpolate<1>(points, t)),
+                        row.toBytes(interpolate<2>(points, t)), row.toBytes(interpolate<3>(points, t))));
+  }
 }
 
 }  // namespace HWY_NAMESPACE

@@ -1,0 +1,192 @@
+// The row kernels of LUT grading: the plain forms, which define what they give, and those by vector.
+
+#include "apply/grade_kernels.h"
+
+#ifndef HWY_TARGET_INCLUDE  // once; what comes after this is compiled for each set of vector instructions
+#define HWY_TARGET_INCLUDE "apply/grade_kernels.cpp"
+
+#include <hwy/cache_control.h>
+
+#include <cstring>
+
+#include "apply/tetrahedral_lookup.h"
+
+namespace Lumvane {
+namespace plain {
+
+void gradeRow(const LatticeView& lattice, const BlendTables& blends, const uint8_t* src, uint8_t* dst, size_t pixels) {
+  for (size_t i = 0; i < pixels; ++i, src += 4, dst += 4) {
+    const uint8_t alpha = src[3];
+    const auto out = tetrahedralLookup(lattice, src[2], src[1], src[0]);
+    dst[0] = blends.multiply[alpha][roundToByte(out[2])];
+    dst[1] = blends.multiply[alpha][roundToByte(out[1])];
+    dst[2] = blends.multiply[alpha][roundToByte(out[0])];
+    dst[3] = alpha;
+  }
+}
+
+void gradeRowToPlane(const LatticeView& lattice, const uint8_t* src, uint8_t* dst, size_t pixels) {
+  for (size_t i = 0; i < pixels; ++i, src += 4) {
+    dst[i] = roundToByte(tetrahedralLookup(lattice, src[2], src[1], src[0])[0]);
+  }
+}
+
+void fadeRow(const BlendTables& blends, int32_t sourceWeight, const uint8_t* src, uint8_t* dst, size_t pixels) {
+  for (size_t i = 0; i < pixels * 4; ++i) dst[i] = blends.mix[src[i]][dst[i]][sourceWeight];
+}
+
+void gradeAndFadeRow(const LatticeView& lattice, const BlendTables& blends, int32_t sourceWeight, const uint8_t* src,
+                     uint8_t* dst, size_t pixels) {
+  gradeRow(lattice, blends, src, dst, pixels);
+  fadeRow(blends, sourceWeight, src, dst, pixels);
+}
+
+}  // namespace plain
+
+const GradeKernels plainGradeKernels = {plain::gradeRow, plain::gradeRowToPlane, plain::fadeRow,
+                                        plain::gradeAndFadeRow};
+
+}  // namespace Lumvane
+
+#endif
+
+#include <hwy/foreach_target.h>  // must come before what uses vectors
+
+#include "apply/lattice_lookup-inl.h"
+#include "base/vectors-inl.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace Lumvane {
+namespace HWY_NAMESPACE {
+namespace {
+
+#if LUMVANE_HAVE_VECTORS
+
+// Prepares roundToByte: rounded to the nearest, ties to even, the result is what that gives.
+//
+// Short of 0.5 by half a unit in the last place, the sum in single precision does what 0.5 does in double precision to 0
+// and to everything from 1 to 255: it never lands on a tie that is not one. Values between 0 and 1 are taken to at
+// least 0.75, for which the same holds, but for those up to 2^-54, which double precision cannot tell from 0.
+HWY_INLINE VF withHalf(VF v) {
+  const VF raised = hn::Min(hn::Mul(v, hn::Set(F(), 1073741824.0f)), hn::Set(F(), 0.75f));
+  return hn::Add(hn::Max(raised, v), hn::Set(F(), 0.49999997f));
+}
+
+// Bytes red, green, blue in the order of pixels.
+HWY_INLINE VU toBgr(VU components) {
+  alignas(16) static constexpr uint8_t kBlueGreenRed[16] = {2,  1, 0, 0x80, 6,  5,  4,  0x80,
+                                                            10, 9, 8, 0x80, 14, 13, 12, 0x80};
+  return shuffled(components, kBlueGreenRed);
+}
+
+HWY_INLINE VWords evenBytes(VU v) { return hn::And(hn::BitCast(Words(), v), hn::Set(Words(), 0xFF)); }
+HWY_INLINE VWords oddBytes(VU v) { return hn::ShiftRight<8>(hn::BitCast(Words(), v)); }
+
+// x / 255, truncated, of both: 0x8081 / 2^23 is as close to 1 / 255 as all 16-bit values need.
+HWY_INLINE VU divideBy255(VWords even, VWords odd) {
+  const VWords reciprocal = hn::Set(Words(), 0x8081);
+  const VWords low = hn::ShiftRight<7>(hn::MulHigh(even, reciprocal));
+  const VWords high = hn::ShiftLeft<8>(hn::ShiftRight<7>(hn::MulHigh(odd, reciprocal)));
+  return hn::BitCast(U(), hn::Or(low, high));
+}
+
+// The colour bytes of `graded` times the alpha of `pixels` / 255, to the nearest; byte 3 is that of `pixels`.
+HWY_INLINE VU multiplyByAlpha(VU graded, VU pixels) {
+  const VU alphaBits = hn::Set(U(), 0xFF000000);
+  const VU colours = hn::Or(graded, alphaBits);
+  if (HWY_LIKELY(hn::AllTrue(U(), hn::Gt(pixels, hn::Set(U(), 0xFEFFFFFF))))) return colours;
+  alignas(16) static constexpr uint8_t kAlphas[16] = {3,  0x80, 3,  0x80, 7,  0x80, 7,  0x80,
+                                                      11, 0x80, 11, 0x80, 15, 0x80, 15, 0x80};
+  const VWords alpha = hn::BitCast(Words(), shuffled(pixels, kAlphas));
+  const VWords half = hn::Set(Words(), 127);
+  return divideBy255(hn::Add(hn::Mul(evenBytes(colours), alpha), half),
+                     hn::Add(hn::Mul(oddBytes(colours), alpha), half));
+}
+
+// (source * sourceWeight + graded * (255 - sourceWeight)) / 255, truncated.
+HWY_INLINE VU fade(VU source, VU graded, int32_t sourceWeight) {
+  const VWords keep = hn::Set(Words(), static_cast<uint16_t>(sourceWeight));
+  const VWords take = hn::Set(Words(), static_cast<uint16_t>(255 - sourceWeight));
+  return divideBy255(hn::Add(hn::Mul(evenBytes(source), keep), hn::Mul(evenBytes(graded), take)),
+                     hn::Add(hn::Mul(oddBytes(source), keep), hn::Mul(oddBytes(graded), take)));
+}
+
+// Asks for what comes half a kilobyte further on. The processor would by itself, but starts anew at each page, which
+// costs some 3 %. Beyond the end of a frame the request has no effect.
+HWY_INLINE void fetchAhead(const uint8_t* pixels) {
+  hwy::Prefetch(reinterpret_cast<const void*>(reinterpret_cast<uintptr_t>(pixels) + 512));
+}
+
+// A row as interpolateVectors takes it, with or without a fade.
+template <bool fades>
+struct GradedRow {
+  const Axes& axes;
+  const uint8_t* src;
+  uint8_t* dst;
+  int32_t sourceWeight;
+
+  HWY_INLINE VU source(size_t v) const { return loadPixels(src + 4 * kLanes * v); }
+  HWY_INLINE void find(size_t v, Tetrahedra& out) const { findTetrahedra(axes, source(v), out); }
+  HWY_INLINE VI toBytes(VF v) const { return rounded(withHalf(v)); }
+  HWY_INLINE void store(size_t v, VU components) const {
+    uint8_t* const to = dst + 4 * kLanes * v;
+    fetchAhead(src + 4 * kLanes * v);
+    fetchAhead(to);
+    const VU in = source(v), graded = multiplyByAlpha(toBgr(components), in);
+    storePixels(fades ? fade(in, graded, sourceWeight) : graded, to);
+  }
+};
+
+template <bool fades>
+HWY_INLINE void gradePixels(const LatticeView& lattice, int32_t sourceWeight, const uint8_t* src, uint8_t* dst,
+                            size_t pixels) {
+  const Axes axes(lattice.latticeSize);
+  const size_t vectors = pixels / kLanes, done = 4 * kLanes * vectors, left = 4 * pixels - done;
+  interpolateVectors(lattice.lattice, vectors, GradedRow<fades>{axes, src, dst, sourceWeight});
+  if (left == 0) return;
+  // What is left takes the same way through a vector of its own.
+  alignas(64) uint8_t rest[4 * kLanes] = {};
+  std::memcpy(rest, src + done, left);
+  interpolateVectors(lattice.lattice, 1, GradedRow<fades>{axes, rest, rest, sourceWeight});
+  std::memcpy(dst + done, rest, left);
+}
+
+void gradeRow(const LatticeView& lattice, const BlendTables&, const uint8_t* src, uint8_t* dst, size_t pixels) {
+  gradePixels<false>(lattice, 0, src, dst, pixels);
+}
+
+void gradeAndFadeRow(const LatticeView& lattice, const BlendTables&, int32_t sourceWeight, const uint8_t* src,
+                     uint8_t* dst, size_t pixels) {
+  gradePixels<true>(lattice, sourceWeight, src, dst, pixels);
+}
+
+void fadeRow(const BlendTables& blends, int32_t sourceWeight, const uint8_t* src, uint8_t* dst, size_t pixels) {
+  size_t i = 0;
+  for (; i + kLanes <= pixels; i += kLanes) {
+    storePixels(fade(loadPixels(src + 4 * i), loadPixels(dst + 4 * i), sourceWeight), dst + 4 * i);
+  }
+  plain::fadeRow(blends, sourceWeight, src + 4 * i, dst + 4 * i, pixels - i);
+}
+
+const GradeKernels* kernels() {
+  static constexpr GradeKernels kKernels = {gradeRow, plain::gradeRowToPlane, fadeRow, gradeAndFadeRow};
+  return &kKernels;
+}
+
+#else
+const GradeKernels* kernels() { return &plainGradeKernels; }
+#endif
+
+}  // namespace
+}  // namespace HWY_NAMESPACE
+}  // namespace Lumvane
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace Lumvane {
+
+HWY_EXPORT(kernels);
+const GradeKernels& gradeKernels() { return *HWY_DYNAMIC_DISPATCH(kernels)(); }
+
+}  // namespace Lumvane
+#endif

@@ -1,0 +1,254 @@
+// The row kernels of the HDR LUTs: the plain forms, which define what they give, and those by vector.
+
+#include "apply/hdr_kernels.h"
+
+#ifndef HWY_TARGET_INCLUDE  // once; what comes after this is compiled for each set of vector instructions
+#define HWY_TARGET_INCLUDE "apply/hdr_kernels.cpp"
+
+#include <algorithm>
+#include <cstring>
+
+namespace Lumvane {
+namespace plain {
+namespace {
+
+void storeColour(const RGB8& colour, uint8_t alpha, uint8_t* dst) {
+  dst[0] = colour.component[2];
+  dst[1] = colour.component[1];
+  dst[2] = colour.component[0];
+  dst[3] = alpha;
+}
+
+}  // namespace
+
+void cacheRow(const RGB8* cache, const uint8_t* src, uint8_t* dst, size_t pixels) {
+  for (size_t i = 0; i < pixels; ++i, src += 4, dst += 4) {
+    storeColour(cache[cacheEntry(src[2], src[1], src[0])], src[3], dst);
+  }
+}
+
+void latticeRow(const HdrLatticeView& lattice, const uint8_t* src, uint8_t* dst, size_t pixels) {
+  for (size_t i = 0; i < pixels; ++i, src += 4, dst += 4) {
+    storeColour(hdrColour(lattice, src[2], src[1], src[0]), src[3], dst);
+  }
+}
+
+void fillBlues(const HdrLatticeView& lattice, uint8_t r, uint8_t g, RGB8* entries) {
+  for (int b = 0; b < 256; ++b) entries[b] = hdrColour(lattice, r, g, static_cast<uint8_t>(b));
+}
+
+void fillCache(const HdrLatticeView& lattice, uint8_t r, RGB8* entries) {
+  for (int g = 0; g < 256; ++g) fillBlues(lattice, r, static_cast<uint8_t>(g), entries + 256 * g);
+}
+
+}  // namespace plain
+
+const HdrKernels plainHdrKernels = {plain::cacheRow, plain::latticeRow, plain::fillCache};
+
+}  // namespace Lumvane
+
+#endif
+
+#include <hwy/foreach_target.h>  // must come before what uses vectors
+
+#include "base/vectors-inl.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace Lumvane {
+namespace HWY_NAMESPACE {
+namespace {
+
+#if LUMVANE_HAVE_VECTORS
+
+#if HWY_TARGET == HWY_SSSE3 || HWY_TARGET == HWY_SSE4 || !HWY_ARCH_X86
+using plain::cacheRow;  // these have no instruction that reads from several places
+#else
+
+// One lane is one pixel.
+void cacheRow(const RGB8* cache, const uint8_t* src, uint8_t* dst, size_t pixels) {
+  const VU colourMask = hn::Set(U(), 0x00FFFFFF);
+  // Entries have three bytes and are read four at a time. The last one is read with the byte ahead of it instead of the
+  // one behind.
+  const VU lastOffset = hn::Set(U(), kCacheEntries * 3 - 4);
+  alignas(16) static constexpr uint8_t kReverse[16] = {2, 1, 0, 0x80, 6, 5, 4, 0x80, 10, 9, 8, 0x80, 14, 13, 12, 0x80};
+  size_t i = 0;
+  for (; i + kLanes <= pixels; i += kLanes) {
+    const VU pixel = loadPixels(src + 4 * i);
+    const VU number = hn::And(pixel, colourMask);
+    const VU offset = hn::Add(hn::Add(number, number), number);
+    const VU readAt = hn::Min(offset, lastOffset);
+    const VU read = hn::GatherOffset(U(), reinterpret_cast<const uint32_t*>(cache), hn::BitCast(I(), readAt));
+    const VU entry = hn::IfThenElse(hn::Eq(offset, readAt), read, hn::ShiftRight<8>(read));
+    storePixels(hn::Or(shuffled(entry, kReverse), hn::AndNot(colourMask, pixel)), dst + 4 * i);
+  }
+  plain::cacheRow(cache, src + 4 * i, dst + 4 * i, pixels - i);
+}
+
+#endif
+
+// Along the blue values of one red and one green only blue moves through the lattice: every point is read from one of four
+// lattice rows, in which neighbouring blues share points or have neighbouring ones. So a vector of blues reads one vector
+// of points and puts them in order by a permutation, which takes less time than to interpolate pixel by pixel as grading
+// does.
+
+// A lattice row, each component by itself.
+struct PlanarRow {
+  alignas(64) float component[3][kLatticeStride + kLanes];  // a vector may be read from any point on
+  bool ordinary;                                            // of values above -1 and up to 2^20
+
+  void read(const float* row) {
+    const VF least = hn::Set(F(), -1.0f), most = hn::Set(F(), 1 << 20);
+    auto inRange = hn::Lt(least, most);
+    constexpr size_t kLastVector = kLatticeStride - kLanes;
+    for (size_t point = 0; point < kLatticeStride; point += kLanes) {
+      const size_t first = std::min(point, kLastVector);
+      VF values[3];
+      hn::LoadInterleaved3(F(), row + 3 * first, values[0], values[1], values[2]);
+      for (int c = 0; c < 3; ++c) {
+        hn::StoreU(values[c], F(), component[c] + first);
+        inRange = hn::And(inRange, hn::And(hn::Gt(values[c], least), hn::Le(values[c], most)));  // false for a NaN
+      }
+    }
+    ordinary = hn::AllTrue(F(), inRange);
+  }
+};
+
+// Where each blue value lies on its axis.
+class BlueAxis {
+ public:
+  explicit BlueAxis(const HdrLatticeView& lattice) : fraction_(lattice.fraction) {
+    constexpr auto kReach = static_cast<int32_t>(kLanes);
+    for (int32_t b = 0; b < 256; ++b) {
+      first_[b] = lattice.cell[b / kReach * kReach];
+      lower_[b] = lattice.cell[b] - first_[b];
+      upper_[b] = std::min(lattice.cell[b] + 1, lattice.latticeSize - 1) - first_[b];
+      fits_ = fits_ && std::min(lower_[b], upper_[b]) >= 0 && std::max(lower_[b], upper_[b]) < kReach;
+    }
+  }
+  // False when a vector of blues reaches further than a vector of points, or back from its first one.
+  bool fits() const { return fits_; }
+  HWY_INLINE VF fraction(size_t b) const { return hn::LoadU(F(), fraction_ + b); }
+  // The points at the lower and at the upper ends of the cells of the blues from b on.
+  HWY_INLINE VF lower(const float* row, size_t b) const { return permuted(row, b, lower_); }
+  HWY_INLINE VF upper(const float* row, size_t b) const { return permuted(row, b, upper_); }
+
+ private:
+  HWY_INLINE VF permuted(const float* row, size_t b, const int32_t* order) const {
+    return hn::TableLookupLanes(hn::LoadU(F(), row + first_[b]), hn::SetTableIndices(F(), order + b));
+  }
+  const float* fraction_;
+  bool fits_ = true;
+  int32_t first_[256];
+  alignas(64) int32_t lower_[256], upper_[256];
+};
+
+// Packs lanes of three bytes without gaps; what is stored behind them is to be overwritten.
+class EntryPacker {
+ public:
+  EntryPacker() {
+    for (size_t i = 0; i < kLanes; ++i) order_[i] = static_cast<uint32_t>(std::min(i / 3 * 4 + i % 3, kLanes - 1));
+  }
+  HWY_INLINE void store(VU red, VU green, VU blue, uint8_t* entries) const {
+    const VU pixels = hn::Or(red, hn::Or(hn::ShiftLeft<8>(green), hn::ShiftLeft<16>(blue)));
+    alignas(16) static constexpr uint8_t kThreeOfFour[16] = {0,  1,  2,  4,  5,    6,    8,    9,
+                                                             10, 12, 13, 14, 0x80, 0x80, 0x80, 0x80};
+    const VU blocks = shuffled(pixels, kThreeOfFour);
+    storePixels(hn::TableLookupLanes(blocks, hn::SetTableIndices(U(), order_)), entries);
+  }
+
+ private:
+  alignas(64) uint32_t order_[kLanes];
+};
+
+// The four lattice rows between which the blues of one red and one green lie, named by the ends of the red and of the
+// green axis.
+struct FourRows {
+  const PlanarRow *lower, *redUpper, *greenUpper, *bothUpper;
+
+  bool ordinary() const { return lower->ordinary && redUpper->ordinary && greenUpper->ordinary && bothUpper->ordinary; }
+};
+
+// truncToByte of numbers above -1.5: less than 0.5 by half a unit in the last place, the sum in single precision is never
+// rounded up to a whole number that the exact sum does not reach.
+HWY_INLINE VU truncatedBytes(VF v) {
+  return hn::BitCast(U(), truncated(hn::Add(hn::Min(v, hn::Set(F(), 255.0f)), hn::Set(F(), 0.49999997f))));
+}
+
+// tetrahedralLookup, with the fractions in order first: the weights are the differences of neighbours in that order,
+// and a tie gives the same ones whichever way it falls. For the corners it counts: `blueFirst` and `blueLast` are true
+// where the tests of tetrahedralLookup say so.
+void fillBlues(const FourRows& rows, const BlueAxis& axis, float fr, float fg, const EntryPacker& packer,
+               RGB8* entries) {
+  const bool redFirst = fr > fg;
+  const PlanarRow& between = redFirst ? *rows.redUpper : *rows.greenUpper;
+  const VF high = hn::Set(F(), redFirst ? fr : fg), low = hn::Set(F(), redFirst ? fg : fr);
+  uint8_t packed[256 * sizeof(RGB8) + 4 * kLanes];
+  for (size_t b = 0; b < 256; b += kLanes) {
+    const VF fb = axis.fraction(b);
+    const auto blueFirst = redFirst ? hn::Ge(fb, high) : hn::Gt(fb, high);
+    const auto blueLast = redFirst ? hn::Lt(fb, low) : hn::Le(fb, low);
+    const VF most = hn::Max(fb, high), middle = hn::Max(hn::Min(fb, high), low), least = hn::Min(fb, low);
+    const VF w0 = hn::Sub(hn::Set(F(), 1.0f), most), wa = hn::Sub(most, middle), wb = hn::Sub(middle, least);
+    VU bytes[3];
+    for (int c = 0; c < 3; ++c) {
+      const float* const row000 = rows.lower->component[c];
+      const float* const row110 = rows.bothUpper->component[c];
+      const float* const rowBetween = between.component[c];
+      const VF p000 = axis.lower(row000, b);
+      const VF pa = hn::IfThenElse(blueFirst, axis.upper(row000, b), axis.lower(rowBetween, b));
+      const VF pb = hn::IfThenElse(blueLast, axis.lower(row110, b), axis.upper(rowBetween, b));
+      const VF p111 = axis.upper(row110, b);
+      bytes[c] = truncatedBytes(
+          hn::Add(hn::Add(hn::Add(hn::Mul(w0, p000), hn::Mul(wa, pa)), hn::Mul(wb, pb)), hn::Mul(least, p111)));
+    }
+    packer.store(bytes[0], bytes[1], bytes[2], packed + sizeof(RGB8) * b);
+  }
+  std::memcpy(entries, packed, 256 * sizeof(RGB8));
+}
+
+void fillCache(const HdrLatticeView& lattice, uint8_t r, RGB8* entries) {
+  const int32_t top = lattice.latticeSize - 1;
+  const int32_t x = lattice.cell[r], x1 = std::min(x + 1, top);
+  const BlueAxis axis(lattice);
+  if (!axis.fits()) return plain::fillCache(lattice, r, entries);
+  const EntryPacker packer;
+  PlanarRow read[4];
+  for (int g = 0; g < 256; ++g, entries += 256) {
+    const int32_t y = lattice.cell[g], y1 = std::min(y + 1, top);
+    if (g == 0 || y != lattice.cell[g - 1]) {
+      read[0].read(lattice.point(x, y, 0));
+      read[1].read(lattice.point(x1, y, 0));
+      read[2].read(lattice.point(x, y1, 0));
+      read[3].read(lattice.point(x1, y1, 0));
+    }
+    const FourRows rows = {&read[0], &read[1], &read[2], &read[3]};
+    if (rows.ordinary()) {
+      fillBlues(rows, axis, lattice.fraction[r], lattice.fraction[g], packer, entries);
+    } else {
+      plain::fillBlues(lattice, r, static_cast<uint8_t>(g), entries);
+    }
+  }
+}
+
+const HdrKernels* kernels() {
+  static constexpr HdrKernels kKernels = {cacheRow, plain::latticeRow, fillCache};
+  return &kKernels;
+}
+
+#else
+const HdrKernels* kernels() { return &plainHdrKernels; }
+#endif
+
+}  // namespace
+}  // namespace HWY_NAMESPACE
+}  // namespace Lumvane
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace Lumvane {
+
+HWY_EXPORT(kernels);
+const HdrKernels& hdrKernels() { return *HWY_DYNAMIC_DISPATCH(kernels)(); }
+
+}  // namespace Lumvane
+#endif

@@ -1,0 +1,148 @@
+// The row kernels that raise the details of a plane: the plain forms, which define the bits, and those by vector.
+
+#include "clarity/detail_kernels.h"
+
+#ifndef HWY_TARGET_INCLUDE  // once; what comes after this is compiled for each set of vector instructions
+#define HWY_TARGET_INCLUDE "clarity/detail_kernels.cpp"
+
+#include <algorithm>
+
+#include "clarity/exponential_table.h"
+
+namespace Lumvane {
+namespace plain {
+namespace {
+
+// The exponential of x from -32 to 0, rounded correctly to single precision: by way of double precision, from the entry of
+// the table that is nearest and a Taylor series for what remains, at most 1 / 512. C libraries differ here: glibc 2.36's
+// single-precision function is off in the last bit now and then, others' double-precision one by more than its last bit.
+float exponential(float x) {
+  constexpr double kSteps = ExponentialTable::kStepsPerUnit;
+  const int step = static_cast<int>(std::min(double{ExponentialTable::kSize - 1}, -double{x} * kSteps + 0.5));
+  const double r = double{x} + step / kSteps;  // exact
+  const double growth = r + r * r * (1.0 / 2 + r * (1.0 / 6 + r * (1.0 / 24 + r / 120)));
+  const double base = kExponentials.data()[step];
+  return static_cast<float>(base + base * growth);
+}
+
+}  // namespace
+
+void detailRow(const float* fine, const float* coarse, float coefficient, float gain, const float* base, float* out,
+               size_t samples) {
+  for (size_t i = 0; i < samples; ++i) {
+    const float d = fine[i] - coarse[i];
+    const float w = exponential(-(d * d * coefficient));
+    out[i] = base[i] + ((d * gain) * w + d);
+  }
+}
+
+void blendRow(const float* value, float valueWeight, const float* enhanced, float enhancedWeight, float* out,
+              size_t samples) {
+  for (size_t i = 0; i < samples; ++i) {
+    const double share = double{std::clamp(enhanced[i], 0.0f, 1.0f)} * double{enhancedWeight};
+    out[i] = std::clamp(static_cast<float>(double{value[i]} * double{valueWeight} + share), 0.0f, 1.0f);
+  }
+}
+
+}  // namespace plain
+
+const DetailKernels plainDetailKernels = {plain::detailRow, plain::blendRow};
+
+}  // namespace Lumvane
+
+#endif
+
+#include <hwy/foreach_target.h>  // must come before what uses vectors
+
+#include "base/vectors-inl.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace Lumvane {
+namespace HWY_NAMESPACE {
+namespace {
+
+#if LUMVANE_HAVE_VECTORS
+
+// exp(r - step / 256) for r within 1 / 512 around 0, rounded to single precision. One entry of the table and a polynomial
+// make it, off by little more than the last bit of double precision before it is rounded. That is less than what lies
+// between any exponential that occurs and the nearest place where its rounding changes.
+HWY_INLINE hn::Vec<HalfF> exponentialNear(hn::Vec<HalfI> step, hn::Vec<HalfF> offset) {
+  const Doubles d;
+  // The Taylor series, with most of its fifth-order term in the third-order one, where the two differ least.
+  const auto c4 = hn::Set(d, 1.0 / 24);
+  const auto c3 = hn::Set(d, 1.0 / 6 + 0.8695 / (512.0 * 512.0) / 120);
+  const auto c2 = hn::Set(d, 1.0 / 2);
+  const auto r = hn::PromoteTo(d, offset);
+  const auto higher = hn::Add(hn::Mul(hn::Add(hn::Mul(c4, r), c3), r), c2);
+  const auto growth = hn::Add(hn::Mul(higher, hn::Mul(r, r)), r);
+  const auto base = hn::GatherIndex(d, kExponentials.data(), hn::PromoteTo(hn::RebindToSigned<Doubles>(), step));
+  return hn::DemoteTo(HalfF(), hn::Add(hn::Mul(base, growth), base));
+}
+
+// exp(-x) for x from 0 to 32. Other numbers give something wrong, but do no harm.
+HWY_INLINE VF exponentialOfMinus(VF x) {
+  // In a float of this size the last bit stands for one step, so that adding it rounds to whole steps.
+  const VF shift = hn::Set(F(), static_cast<float>((1 << 23) / ExponentialTable::kStepsPerUnit));
+  const VF shifted = hn::Add(x, shift);
+  const VF offset = hn::Sub(hn::Sub(shifted, shift), x);  // exact
+  const VI step = hn::And(hn::BitCast(I(), shifted), hn::Set(I(), ExponentialTable::kSize - 1));
+  const auto lower = exponentialNear(hn::LowerHalf(HalfI(), step), hn::LowerHalf(HalfF(), offset));
+  const auto upper = exponentialNear(hn::UpperHalf(HalfI(), step), hn::UpperHalf(HalfF(), offset));
+  return hn::Combine(F(), upper, lower);
+}
+
+void detailRow(const float* fine, const float* coarse, float coefficient, float gain, const float* base, float* out,
+               size_t samples) {
+  size_t i = 0;
+  for (; i + kLanes <= samples; i += kLanes) {
+    const VF d = hn::Sub(hn::LoadU(F(), fine + i), hn::LoadU(F(), coarse + i));
+    const VF w = exponentialOfMinus(hn::Mul(hn::Mul(d, d), hn::Set(F(), coefficient)));
+    const VF raised = hn::Add(hn::Mul(hn::Mul(d, hn::Set(F(), gain)), w), d);
+    hn::StoreU(hn::Add(hn::LoadU(F(), base + i), raised), F(), out + i);
+  }
+  plain::detailRow(fine + i, coarse + i, coefficient, gain, base + i, out + i, samples - i);
+}
+
+void blendRow(const float* value, float valueWeight, const float* enhanced, float enhancedWeight, float* out,
+              size_t samples) {
+  const HalfF dh;
+  const Doubles dd;
+  const auto firstWeight = hn::Set(dd, double{valueWeight}), secondWeight = hn::Set(dd, double{enhancedWeight});
+  const auto mixed = [&](auto first, auto second) HWY_ATTR {
+    return hn::DemoteTo(
+        dh, hn::Add(hn::Mul(hn::PromoteTo(dd, first), firstWeight), hn::Mul(hn::PromoteTo(dd, second), secondWeight)));
+  };
+  size_t i = 0;
+  for (; i + kLanes <= samples; i += kLanes) {
+    const VF e = hn::Max(hn::Min(hn::LoadU(F(), enhanced + i), hn::Set(F(), 1.0f)), hn::Zero(F()));
+    const auto lower = mixed(hn::LoadU(dh, value + i), hn::LowerHalf(dh, e));
+    const auto upper = mixed(hn::LoadU(dh, value + i + kLanes / 2), hn::UpperHalf(dh, e));
+    // What is mixed lies from 0 to 1, and so does the mix: the weights' sum is off from 1 by less than a float can tell.
+    hn::StoreU(lower, dh, out + i);
+    hn::StoreU(upper, dh, out + i + kLanes / 2);
+  }
+  plain::blendRow(value + i, valueWeight, enhanced + i, enhancedWeight, out + i, samples - i);
+}
+
+const DetailKernels* kernels() {
+  static constexpr DetailKernels kKernels = {detailRow, blendRow};
+  return &kKernels;
+}
+
+#else
+const DetailKernels* kernels() { return &plainDetailKernels; }
+#endif
+
+}  // namespace
+}  // namespace HWY_NAMESPACE
+}  // namespace Lumvane
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace Lumvane {
+
+HWY_EXPORT(kernels);
+const DetailKernels& detailKernels() { return *HWY_DYNAMIC_DISPATCH(kernels)(); }
+
+}  // namespace Lumvane
+#endif

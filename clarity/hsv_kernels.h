@@ -1,0 +1,37 @@
+// Rows of BGRA pixels and their hue, saturation and value, as in Smith: "Color Gamut Transform Pairs", SIGGRAPH 1978: the
+// value is the largest of the three colours, the saturation the distance from the smallest to it as a part of it, the hue
+// the place on a hexagon. Single precision throughout, each operation rounded at once, in the order in which it stands:
+// the bits are part of the library's contract, on every processor.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace Lumvane {
+
+/// BGRA pixels to their value from 0 to 1: the largest of the three colours.
+using ValueRow = void(const uint8_t* src, float* value, size_t pixels);
+
+/// BGRA pixels to hue in degrees from 0 to 360, saturation times saturationFactor held to 0 to 1, and value from 0
+/// to 1. Where colours tie for the largest, red goes before green before blue.
+using AnalysisRow = void(const uint8_t* src, float saturationFactor, float* hue, float* saturation, float* value,
+                         size_t pixels);
+
+/// Hue from 0 to 360, saturation and value from 0 to 1 back to the bytes 0, 1 and 2 of BGRA pixels, rounded; byte 3
+/// comes from src. dst may be src.
+using SynthesisRow = void(const float* hue, const float* saturation, const float* value, const uint8_t* src,
+                          uint8_t* dst, size_t pixels);
+
+struct HsvKernels {
+  ValueRow* value;
+  AnalysisRow* analysis;
+  SynthesisRow* synthesis;
+};
+
+/// One pixel at a time: what the others are held against.
+extern const HsvKernels plainHsvKernels;
+
+/// The fastest on this processor.
+const HsvKernels& hsvKernels();
+
+}  // namespace Lumvane
