@@ -4,7 +4,6 @@
 #include "bench/cases.h"
 #include "bench/effects.h"
 #include "bench/frames.h"
-#include "clarity/clarity_pipeline.h"
 #include "clarity/nle_pure_c_clarity.h"
 
 namespace bench {

@@ -1,9 +1,6 @@
-#include "clarity/clarity_pipeline.h"
-
 #include <algorithm>
 
 #include "base/parallel.h"
-#include "clarity/clarity_pyramid.h"
 #include "clarity/nle_pure_c_clarity.h"
 
 namespace Lumvane {

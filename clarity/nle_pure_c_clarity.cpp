@@ -1,8 +1,5 @@
 #include "clarity/nle_pure_c_clarity.h"
 
-#include "clarity/clarity_pipeline.h"
-#include "clarity/clarity_pyramid.h"
-
 namespace Lumvane {
 namespace {
 

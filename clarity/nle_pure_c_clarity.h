@@ -4,9 +4,16 @@
 #include <opencv2/core.hpp>
 
 #include "clarity/clarity_pyramid.h"
+#include "clarity/hsv_kernels.h"
 #include "nle/nle_adjust_color_effect.h"
 
 namespace Lumvane {
+
+/// The kernels that frames go through: the fastest on this processor, unless told otherwise.
+struct ClarityKernels {
+  const HsvKernels& hsv = hsvKernels();
+  const DetailKernels& details = detailKernels();
+};
 
 /// The clarity effect: see CreateNLEPureCClarity. Its parameters "saturation" and "intensity" are whole numbers, kept
 /// as they came; one that is missing counts as 100.
@@ -32,5 +39,14 @@ class NLEPureCClarity : public NLEAdjustColorEffect {
  private:
   int percentage(const char* name) const;
 };
+
+/// Renders one frame, BGRA, src and dst of one size: decodes it into hue, saturation and value, scales the saturation,
+/// raises the detail of the value plane, blends that with the plain one, and encodes it again. Hue and alpha stay.
+///
+/// saturation  -100 to 100, clamped: the saturation is multiplied by 0.85 to 1.15
+/// intensity   0 to 100, clamped: the share of the raised value plane
+/// Returns 0, or 1 with dst untouched when either frame is empty.
+int clarityPipeline(NLEPureCClarity& effect, const cv::Mat& src, cv::Mat& dst, int saturation, int intensity,
+                    const ClarityKernels& kernels = {});
 
 }  // namespace Lumvane

@@ -25,8 +25,19 @@ class NLEFilterParams {
   NLEFilterValue auxValues[3];
   NLEFilterValue value;
 
-  void SetValue(const NLEFilterValue& input);
-  void GetValue(NLEFilterValue& output) const;
+  void SetValue(const NLEFilterValue& input) {
+    value = input;
+    if (type != kFilePath) return;
+    const std::string scheme = "file:/";
+    const size_t at = value.text.find(scheme);
+    if (at != std::string::npos) value.text.erase(at, scheme.size());
+  }
+
+  void GetValue(NLEFilterValue& output) const {
+    output.number = value.number;
+    output.text = value.text;
+    output.type = type;
+  }
 };
 
 }  // namespace Lumvane
