@@ -3,7 +3,7 @@
 #include <charconv>
 #include <utility>
 
-#include "lut/number_scan.h"
+#include "lut/numbers.h"
 
 namespace Lumvane {
 namespace {

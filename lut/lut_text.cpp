@@ -2,8 +2,7 @@
 
 #include <algorithm>
 
-#include "lut/decimal.h"
-#include "lut/number_scan.h"
+#include "lut/numbers.h"
 
 namespace Lumvane {
 namespace {
@@ -47,15 +46,6 @@ std::string_view firstToken(std::string_view line) {
 }
 
 bool beginsTable(std::string_view token) { return token > "+" && token < ":"; }
-
-void scanRow(std::string_view line, float (&values)[3]) {
-  const char* const end = std::find(line.begin(), line.end(), '\0');  // where a C text ends
-  const char* text = line.data();
-  for (float& value : values) {
-    text = scanNumber(text, end, value);
-    if (text == nullptr) return;
-  }
-}
 
 bool takePlainRow(LineBuffer& text, char separator, float (&values)[3]) {
   const char* p = text.ahead();

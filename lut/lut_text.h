@@ -12,11 +12,9 @@
 
 #include "lut/line_buffer.h"
 #include "lut/lut_status.h"
+#include "lut/numbers.h"
 
 namespace Lumvane {
-
-/// White space as the C locale has it.
-inline bool isSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 
 /// Returns what ends the lines of the text, LF or CR, from the first one; sets `status` to statusLineTooLong when no
 /// terminator stands within the first 252 bytes, also when the text is shorter than that. To be called ahead of all
@@ -34,10 +32,6 @@ std::string_view firstToken(std::string_view line);
 /// True for the first token of a table row: "+" < token < ":" in byte order. That takes whatever begins with a digit,
 /// comma, minus, point or slash, and a "+" with something behind it.
 bool beginsTable(std::string_view token);
-
-/// Scans up to three numbers from a table row, as a C scan with "%f %f %f" does. A column that does not convert, and
-/// all behind it, keep what `values` held: a short row repeats the one before it.
-void scanRow(std::string_view line, float (&values)[3]);
 
 /// scanRow of the line that is next in `text`, if it is three numbers in plain decimal form and nothing else. Otherwise
 /// false, with nothing read and nothing changed.
