@@ -1,15 +1,14 @@
 #include "hdr/hdr_load.h"
 
-#include <cstring>
 #include <fstream>
 #include <opencv2/core.hpp>
 
 #include "apply/parallel_hdr_lut.h"
 #include "base/parallel.h"
 #include "hdr/hdr_shared.h"
-#include "lut/cube_text.h"
 #include "lut/interpolation_tables.h"
 #include "lut/lut_file.h"
+#include "lut/lut_format.h"
 
 namespace Lumvane {
 namespace {
@@ -19,11 +18,9 @@ constexpr int32_t kBands = 8;
 }  // namespace
 
 bool loadHdrCube(VideoAdjustColor& object, const std::u16string& path, int transfer) {
-  const auto extension = lutExtension(path);
-  if (!extension) return false;
+  if (lutExtension(path) != u".CUBE") return false;
   std::ifstream stream = openLutFile(path);
-  if (!stream.is_open()) return false;
-  return *extension == u".CUBE" && readHdrCube(object, stream, transfer);
+  return stream.is_open() && readHdrCube(object, stream, transfer);
 }
 
 bool readHdrCube(VideoAdjustColor& object, std::istream& stream, int transfer) {
@@ -34,20 +31,17 @@ bool readHdrCube(VideoAdjustColor& object, std::istream& stream, int transfer) {
 
 bool readHdrLattice(VideoAdjustColor& object, std::istream& stream, int transfer) {
   const HdrTransferData shared = hdrTransferData(transfer != 0);
-  LutStatus status = statusOk;
-  LineBuffer text(stream);
-  const char separator = detectLineSeparator(text, status);
-  const CubeHeader header = readCubeHeader(text, separator, status);
+  LineReader text(stream);
+  const LutHeader header = readCubeHeader(text);
   // A file without a size takes over the one that the object read last.
   if (header.latticeSize != 0) object.latticeSize = header.latticeSize;
   if (header.hasLines) shared.latticeSize = object.latticeSize;
   if (object.latticeSize > kLatticeStride) return object.loadOk = false;
 
-  if (status == statusOk) fillInterpolationTables(object.latticeSize, object.fraction, object.cell);
-  readCubeRows(text, separator, header, status, [&](int32_t red, int32_t green, int32_t blue, const float(&values)[3]) {
-    std::memcpy(shared.lattice[red][green] + blue * 3, values, sizeof values);
-  });
-  return object.loadOk = status == statusOk;
+  if (text.status == statusOk) fillInterpolationTables(object.latticeSize, object.fraction, object.cell);
+  readRows(text, header,
+           [&](int32_t red, int32_t green, int32_t blue) { return shared.lattice[red][green] + blue * 3; });
+  return object.loadOk = text.status == statusOk;
 }
 
 void fillHdrCache(VideoAdjustColor& object, int transfer) {
