@@ -3,7 +3,7 @@
 #include "base/default_float_mode.h"
 #include "base/keep_loaded.h"
 #include "hdr/hdr_frame.h"
-#include "hdr/video_adjust_color.h"
+#include "hdr/hdr_load.h"
 #include "lumvane.h"
 
 using Lumvane::VideoAdjustColor;

@@ -1,29 +1,68 @@
 #include "hdr/hdr_load.h"
 
-#include <cstring>
 #include <fstream>
+#include <limits>
+#include <mutex>
+#include <new>
 #include <opencv2/core.hpp>
 
 #include "apply/lattice.h"
 #include "apply/parallel_hdr_lut.h"
 #include "base/parallel.h"
 #include "hdr/hdr_shared.h"
-#include "lut/cube_text.h"
 #include "lut/lut_file.h"
+#include "lut/lut_format.h"
 
 namespace Lumvane {
 namespace {
 
 constexpr int32_t kBands = 8;
 
+std::unique_ptr<uint8_t[]> allocateFrame(int32_t width, int32_t height) {
+  constexpr int64_t kMostPixels = std::numeric_limits<int32_t>::max() / 4;
+  if (width < 0 || height < 0 || int64_t{width} * height > kMostPixels) throw std::bad_alloc();
+  return std::make_unique<uint8_t[]>(size_t{4} * static_cast<size_t>(width) * static_cast<size_t>(height));
+}
+
+// The objects of several threads may come first at the same moment: one of them loads, the others wait.
+void loadOnce(VideoAdjustColor& object) {
+  static std::mutex mutex;
+  const std::lock_guard lock(mutex);
+  if (hdrDataLoaded()) return;
+  try {
+    allocateHdrData();
+    loadHdrCube(object, object.hlgPath, 0);
+    loadHdrCube(object, object.pqPath, 1);
+  } catch (...) {
+    dropHdrData();  // so that the next object tries again
+    throw;
+  }
+}
+
 }  // namespace
 
+std::unique_ptr<VideoAdjustColor> createVideoAdjustColor(const char16_t* lutDirectory, int32_t reservedMode,
+                                                         int32_t limitedRange, int32_t usePq, int32_t width,
+                                                         int32_t height) {
+  if (lutDirectory == nullptr) return nullptr;
+  auto object = std::make_unique<VideoAdjustColor>();
+  object->width = width;
+  object->height = height;
+  object->reservedMode = reservedMode;
+  object->limitedRange = limitedRange;
+  object->usePq = usePq;
+  object->rgbaIn = allocateFrame(width, height);
+  object->rgbaOut = allocateFrame(width, height);
+  object->hlgPath = std::u16string(lutDirectory) + u"\\HDR_HLG.cube";
+  object->pqPath = std::u16string(lutDirectory) + u"\\HDR_PQ.cube";
+  loadOnce(*object);
+  return object;
+}
+
 bool loadHdrCube(VideoAdjustColor& object, const std::u16string& path, int transfer) {
-  const auto extension = lutExtension(path);
-  if (!extension) return false;
+  if (lutExtension(path) != u".CUBE") return false;
   std::ifstream stream = openLutFile(path);
-  if (!stream.is_open()) return false;
-  return *extension == u".CUBE" && readHdrCube(object, stream, transfer);
+  return stream.is_open() && readHdrCube(object, stream, transfer);
 }
 
 bool readHdrCube(VideoAdjustColor& object, std::istream& stream, int transfer) {
@@ -34,20 +73,17 @@ bool readHdrCube(VideoAdjustColor& object, std::istream& stream, int transfer) {
 
 bool readHdrLattice(VideoAdjustColor& object, std::istream& stream, int transfer) {
   const HdrTransferData shared = hdrTransferData(transfer != 0);
-  LutStatus status = statusOk;
-  LineBuffer text(stream);
-  const char separator = detectLineSeparator(text, status);
-  const CubeHeader header = readCubeHeader(text, separator, status);
+  LineReader text(stream);
+  const LutHeader header = readCubeHeader(text);
   // A file without a size takes over the one that the object read last.
   if (header.latticeSize != 0) object.latticeSize = header.latticeSize;
   if (header.hasLines) shared.latticeSize = object.latticeSize;
   if (object.latticeSize > kLatticeStride) return object.loadOk = false;
 
-  if (status == statusOk) fillInterpolationTables(object.latticeSize, object.fraction, object.cell);
-  readCubeRows(text, separator, header, status, [&](int32_t red, int32_t green, int32_t blue, const float(&values)[3]) {
-    std::memcpy(shared.lattice[red][green] + blue * 3, values, sizeof values);
-  });
-  return object.loadOk = status == statusOk;
+  if (text.status == statusOk) fillInterpolationTables(object.latticeSize, object.fraction, object.cell);
+  readRows(text, header,
+           [&](int32_t red, int32_t green, int32_t blue) { return shared.lattice[red][green] + blue * 3; });
+  return object.loadOk = text.status == statusOk;
 }
 
 void fillHdrCache(VideoAdjustColor& object, int transfer) {

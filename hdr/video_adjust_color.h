@@ -32,11 +32,4 @@ struct VideoAdjustColor {
   static void operator delete(void* memory) { freeZeroed(memory); }
 };
 
-/// Makes an object for frames of this size; the first one of the process loads the LUT files. Null for a null
-/// directory. Throws std::bad_alloc when memory runs out, for negative sizes, and for frames whose BGRA bytes do not
-/// fit 31 bits.
-std::unique_ptr<VideoAdjustColor> createVideoAdjustColor(const char16_t* lutDirectory, int32_t reservedMode,
-                                                         int32_t limitedRange, int32_t usePq, int32_t width,
-                                                         int32_t height);
-
 }  // namespace Lumvane

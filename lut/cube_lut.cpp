@@ -7,8 +7,8 @@
 
 #include "apply/frame_driver.h"
 #include "lut/blend_table.h"
-#include "lut/cube_text.h"
 #include "lut/lut_file.h"
+#include "lut/lut_format.h"
 
 namespace Lumvane {
 
@@ -20,36 +20,37 @@ static_assert(sizeof(CubeLut) >= offsetof(CubeLut, lattice) + sizeof(CubeLut::la
 #pragma GCC diagnostic pop
 
 bool CubeLut::load(const std::u16string& path) {
-  const auto extension = lutExtension(path);
-  if (!extension) return false;
+  static constexpr struct {
+    std::u16string_view extension;  // in upper case
+    LutHeader (*readHeader)(LineReader& text);
+  } kFormats[] = {
+      {u".CUBE", readCubeHeader},
+      {u".3DL", read3dlHeader},
+  };
+  const std::u16string extension = lutExtension(path);
+  if (extension.empty()) return false;
   std::ifstream stream = openLutFile(path);
   if (!stream.is_open()) return false;
-  if (*extension == u".3DL") return read3dl(stream) == statusOk;
-  if (*extension == u".CUBE") return readCube(stream) == statusOk;
+  for (const auto& format : kFormats) {
+    if (extension == format.extension) return readTable(stream, format.readHeader) == statusOk;
+  }
   return false;
 }
 
-int32_t CubeLut::readCube(std::istream& stream) {
-  status = statusOk;
+int32_t CubeLut::readTable(std::istream& stream, LutHeader (*readHeader)(LineReader& text)) {
   std::memset(lattice, 0, sizeof lattice);
-  LineBuffer text(stream);
-  const char separator = detectLineSeparator(text);
-  const CubeHeader header = readCubeHeader(text, separator, status);
+  LineReader text(stream);
+  const LutHeader header = readHeader(text);
+  status = text.status;
   if (header.latticeSize != 0) latticeSize = header.latticeSize;
   if (latticeSize > kLatticeStride) return status = statusSizeInvalid;
   fillInterpolationTables();
-  readCubeRows(text, separator, header, status,
-               [this](int32_t red, int32_t green, int32_t blue, const float(&values)[3]) {
-                 std::memcpy(lattice[red][green][blue], values, sizeof values);
-               });
-  return status;
+  readRows(text, header, [this](int32_t red, int32_t green, int32_t blue) { return lattice[red][green][blue]; });
+  return status = text.status;
 }
 
-char CubeLut::detectLineSeparator(LineBuffer& text) { return Lumvane::detectLineSeparator(text, status); }
-
-std::string_view CubeLut::readLine(LineBuffer& text, char separator) {
-  return Lumvane::readLine(text, separator, status);
-}
+int32_t CubeLut::readCube(std::istream& stream) { return readTable(stream, readCubeHeader); }
+int32_t CubeLut::read3dl(std::istream& stream) { return readTable(stream, read3dlHeader); }
 
 void CubeLut::fillInterpolationTables() {
   if (status == statusOk) Lumvane::fillInterpolationTables(latticeSize, fraction, cell);

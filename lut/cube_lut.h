@@ -16,7 +16,8 @@ class Mat;
 
 namespace Lumvane {
 
-class LineBuffer;
+class LineReader;
+struct LutHeader;
 
 /// One 3D colour table in the form in which frames use it. Some 3.3 MB: lives on the heap.
 class CubeLut {
@@ -49,11 +50,8 @@ class CubeLut {
   int32_t readCube(std::istream& stream);
   int32_t read3dl(std::istream& stream);
 
-  char detectLineSeparator(LineBuffer& text);
-  std::string_view readLine(LineBuffer& text, char separator);
-
   /// Appends the pieces of `line` between single blanks to `fields`, empty ones too: one more than there are blanks.
-  static void splitFields(const std::string& line, std::vector<std::string>& fields);
+  static void splitFields(std::string_view line, std::vector<std::string_view>& fields);
 
   /// Fills `fraction` and `cell` for the current `latticeSize`, in single precision; does nothing when `status` is set.
   void fillInterpolationTables();
@@ -68,6 +66,7 @@ class CubeLut {
                        int32_t srcStride, int32_t sourceWeight);
 
  private:
+  int32_t readTable(std::istream& stream, LutHeader (*readHeader)(LineReader& text));
   int32_t applyToMats(cv::Mat& dst, const cv::Mat& src, int32_t sourceWeight) const;
 };
 

@@ -27,10 +27,8 @@ void openAsItStands(std::ifstream& stream, const std::u16string& path) {
 
 }  // namespace
 
-std::optional<std::u16string> lutExtension(const std::u16string& path) {
-  const size_t dot = path.rfind(u'.');
-  if (dot == std::u16string::npos) return std::nullopt;
-  std::u16string extension = path.substr(dot);
+std::u16string lutExtension(const std::u16string& path) {
+  std::u16string extension = path.substr(std::min(path.rfind(u'.'), path.size()));
   for (char16_t& unit : extension) {
     if (unit >= u'a' && unit <= u'z') unit = static_cast<char16_t>(unit - u'a' + u'A');
   }

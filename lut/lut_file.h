@@ -1,14 +1,13 @@
 #pragma once
 
 #include <fstream>
-#include <optional>
 #include <string>
 
 namespace Lumvane {
 
-/// The text of `path` from its last '.' on, dot included, with the letters a to z in upper case; nothing when there is
+/// The text of `path` from its last '.' on, dot included, with the letters a to z in upper case; empty when there is
 /// no dot. Directories count as well: "a.b/c" has the extension ".B/C".
-std::optional<std::u16string> lutExtension(const std::u16string& path);
+std::u16string lutExtension(const std::u16string& path);
 
 /// Opens a file for reading bytes, with no translation of line ends. The stream is not open when that fails.
 ///

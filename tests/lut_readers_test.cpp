@@ -14,9 +14,7 @@
 
 #include "fuzz/plain_readers.h"
 #include "lut/cube_lut.h"
-#include "lut/decimal.h"
-#include "lut/lut_text.h"
-#include "lut/number_scan.h"
+#include "lut/numbers.h"
 
 namespace Lumvane {
 namespace {

@@ -1,10 +1,32 @@
+// Numbers as the C library's formatted scan and the standard library's streams read them in the C locale. C libraries
+// differ in odd forms (half an exponent, hexadecimal) and take the decimal point from the locale of the process: these
+// functions do not, so that a file gives the same table on every system.
 #pragma once
 
 #include <array>
 #include <bit>
+#include <cstddef>
 #include <cstdint>
+#include <string_view>
 
 namespace Lumvane {
+
+/// White space as the C locale has it.
+inline bool isSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+
+/// Scans one number as sscanf does with "%f", as glibc has it: white space, a sign, then decimal digits with a point and
+/// an exponent, hexadecimal ones behind "0x", "inf", "infinity" or "nan" in any letter case. An exponent without digits
+/// is passed over. The value is the nearest float: beyond the range infinity or zero. Returns the end of what was taken,
+/// null when that is no number; `value` is then as before.
+const char* scanNumber(const char* text, const char* end, float& value);
+
+/// Extracts one number as an input stream does: decimal only. Null, unlike in a scan, also for half an exponent and for
+/// what is beyond the largest float.
+const char* extractNumber(const char* text, const char* end, float& value);
+
+/// Scans up to three numbers from a table row, as a C scan with "%f %f %f" does. A column that does not convert, and
+/// all behind it, keep what `values` held: a short row repeats the one before it.
+void scanRow(std::string_view line, float (&values)[3]);
 
 /// Powers of ten that a double holds exactly.
 inline constexpr auto kPowersOfTen = [] {
@@ -13,9 +35,9 @@ inline constexpr auto kPowersOfTen = [] {
   return powers;
 }();
 
-/// Reads digits with or without a point and a minus sign, to the nearest float, and returns where they end. Null for
-/// what begins otherwise, and for the rare number that needs more care than this. There must be a byte that is no digit
-/// behind the text.
+/// What nearly every number of a file is, without the care for the others: reads digits with or without a point and a
+/// minus sign, to the nearest float, and returns where they end. Null for what begins otherwise, and for the rare number
+/// that needs more care than this. There must be a byte that is no digit behind the text.
 ///
 /// The digits as a whole number and the power of ten by which they are divided are exact in double precision, so that
 /// the quotient is the double nearest to the number (Clinger, "How to Read Floating Point Numbers Accurately", 1990). The

@@ -1,4 +1,4 @@
-#include "lut/number_scan.h"
+#include "lut/numbers.h"
 
 #include <algorithm>
 #include <charconv>
@@ -6,23 +6,12 @@
 #include <limits>
 #include <string_view>
 
-#include "lut/lut_text.h"
-
 namespace Lumvane {
 namespace {
 
 char lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
 bool isHexDigit(char c) { return isDigit(c) || (lower(c) >= 'a' && lower(c) <= 'f'); }
-
-// A number without its sign, from `start` to `end`.
-struct Magnitude {
-  const char* start;
-  const char* end;
-  std::chars_format format;
-
-  char exponentMark() const { return format == std::chars_format::hex ? 'p' : 'e'; }
-};
 
 const char* skipWord(const char* text, const char* end, std::string_view word) {
   for (const char c : word) {
@@ -52,39 +41,31 @@ const char* skipDigits(const char* text, const char* end, char exponentMark) {
 }
 
 // Of a number beyond the range of floats, whether it is too large: from the place of its first digit that is no zero.
-bool isLarge(const Magnitude& number) {
-  const bool hex = number.format == std::chars_format::hex;
-  long long place = 0;  // of the digit, counted from the point in digits
-  bool pointSeen = false;
-  bool found = false;
-  const char* p = number.start;
-  for (; p != number.end && lower(*p) != number.exponentMark(); ++p) {
-    if (*p == '.') {
-      pointSeen = true;
-      continue;
-    }
-    found = found || *p != '0';
-    if (!pointSeen && found) ++place;
-    if (pointSeen && !found) --place;
-  }
-  if (p == number.end) return place > 0;
-  ++p;
-  if (p != number.end && *p == '+') ++p;
+bool isLarge(std::string_view number, std::chars_format format) {
+  const bool hex = format == std::chars_format::hex;
+  const std::string_view digits = number.substr(0, number.find_first_of(hex ? "Pp" : "Ee"));
+  const auto point = static_cast<long long>(std::min(digits.find('.'), digits.size()));
+  const auto first = static_cast<long long>(digits.find_first_not_of("0."));
+  const long long place = point - first + (first > point);  // of the digit, counted from the point in digits
   long long exponent = 0;
-  const auto [behind, error] = std::from_chars(p, number.end, exponent);
-  if (error == std::errc::result_out_of_range) return *p != '-';
+  if (digits.size() < number.size()) {
+    const char* const end = number.data() + number.size();
+    const char* start = number.data() + digits.size() + 1;
+    if (start != end && *start == '+') ++start;
+    if (std::from_chars(start, end, exponent).ec == std::errc::result_out_of_range) return *start != '-';
+  }
   // No text is so long that its digits make up for an exponent of this size.
   exponent = std::clamp(exponent, -(1LL << 60), 1LL << 60);
   return place * (hex ? 4 : 1) + exponent > 0;
 }
 
-// Where the number ends that `number` begins with; null when there is none.
-const char* convert(const Magnitude& number, bool negative, float& value) {
+// Where the number ends that begins at `start`, behind its sign; null when there is none.
+const char* convert(const char* start, const char* end, std::chars_format format, bool negative, float& value) {
   float magnitude = 0.0f;
-  const auto [behind, error] = std::from_chars(number.start, number.end, magnitude, number.format);
+  const auto [behind, error] = std::from_chars(start, end, magnitude, format);
   if (error == std::errc::invalid_argument) return nullptr;
   if (error == std::errc::result_out_of_range) {
-    magnitude = isLarge(number) ? std::numeric_limits<float>::infinity() : 0.0f;
+    magnitude = isLarge({start, end}, format) ? std::numeric_limits<float>::infinity() : 0.0f;
   }
   value = negative ? -magnitude : magnitude;
   return behind;
@@ -110,17 +91,17 @@ const char* scanNumber(const char* text, const char* end, float& value) {
       behind = skipWord(start, end, "nan");
     }
     if (behind == nullptr) return nullptr;
-    convert({start, behind, std::chars_format::general}, negative, value);
+    convert(start, behind, std::chars_format::general, negative, value);
     return behind;
   }
   if (const char* const digits = skipWord(start, end, "0x")) {
     behind = skipDigits(digits, end, 'p');
     if (behind == digits) return nullptr;
-    if (convert({digits, behind, std::chars_format::hex}, negative, value) == nullptr) value = negative ? -0.0f : 0.0f;
+    if (convert(digits, behind, std::chars_format::hex, negative, value) == nullptr) value = negative ? -0.0f : 0.0f;
     return behind;
   }
   behind = skipDigits(start, end, 'e');
-  return convert({start, behind, std::chars_format::general}, negative, value) != nullptr ? behind : nullptr;
+  return convert(start, behind, std::chars_format::general, negative, value) != nullptr ? behind : nullptr;
 }
 
 const char* extractNumber(const char* text, const char* end, float& value) {
@@ -128,12 +109,21 @@ const char* extractNumber(const char* text, const char* end, float& value) {
   const char* const start = skipSign(text, end, negative);
   const char* const behind = skipDigits(start, end, 'e');
   float extracted;
-  if (behind == start || convert({start, behind, std::chars_format::general}, negative, extracted) != behind ||
+  if (behind == start || convert(start, behind, std::chars_format::general, negative, extracted) != behind ||
       std::isinf(extracted)) {
     return nullptr;
   }
   value = extracted;
   return behind;
+}
+
+void scanRow(std::string_view line, float (&values)[3]) {
+  const char* const end = std::find(line.begin(), line.end(), '\0');  // where a C text ends
+  const char* text = line.data();
+  for (float& value : values) {
+    text = scanNumber(text, end, value);
+    if (text == nullptr) return;
+  }
 }
 
 }  // namespace Lumvane
