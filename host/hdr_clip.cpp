@@ -1,40 +1,32 @@
-#include "host/hdr_clip.h"
-
 #include <algorithm>
-#include <array>
 #include <cmath>
 
+#include "host/drawings.h"
 #include "host/hdr_luts.h"
 
 namespace host {
 namespace {
 
-using Colour = std::array<double, 3>;  // red, green, blue: light in cd/m2, BT.2020 primaries
-
-Colour scaled(const Colour& c, double light) { return {c[0] * light, c[1] * light, c[2] * light}; }
-
+// Light in cd/m2, BT.2020 primaries.
 Colour lightAt(double u, double v, double time) {
   if (v < 0.5) {  // sky and sun
     const double sunX = 0.2 + 0.6 * time;
     const double distance = std::hypot((u - sunX) * 16.0 / 9.0, v - 0.32);
     const double glow = std::exp(-distance * 9.0), horizon = v * 2.0;
-    Colour sky = {20 + 90 * horizon, 35 + 45 * horizon, 80 - 30 * horizon};
-    const Colour sun = {1000, 850, 600};
-    for (size_t c = 0; c < 3; ++c) sky[c] = distance < 0.05 ? sun[c] : sky[c] + sun[c] * 0.6 * glow;
-    return sky;
+    const Colour sky(20 + 90 * horizon, 35 + 45 * horizon, 80 - 30 * horizon), sun(1000, 850, 600);
+    return distance < 0.05 ? sun : sky + sun * 0.6 * glow;
   }
   if (v < 0.68) {  // skin, from shade to sunlight
-    constexpr Colour kSkin[] = {{0.72, 0.52, 0.42}, {0.50, 0.33, 0.24}, {0.26, 0.16, 0.11}};
+    static const Colour kSkin[] = {{0.72, 0.52, 0.42}, {0.50, 0.33, 0.24}, {0.26, 0.16, 0.11}};
     const double place = u * 3.0;
-    return scaled(kSkin[static_cast<int>(place)], 20.0 * std::pow(30.0, place - std::floor(place)));
+    return kSkin[static_cast<int>(place)] * (20.0 * std::pow(30.0, place - std::floor(place)));
   }
   if (v < 0.86) {  // saturated colours, above at 100 cd/m2, below at 600
-    constexpr Colour kPatches[] = {{1, 0.05, 0.05}, {1, 0.5, 0.05},  {1, 1, 0.05},   {0.05, 1, 0.05},
-                                   {0.05, 1, 1},    {0.05, 0.05, 1}, {0.6, 0.05, 1}, {1, 0.05, 0.6}};
-    return scaled(kPatches[static_cast<int>(u * 8.0)], v < 0.77 ? 100.0 : 600.0);
+    static const Colour kPatches[] = {{1, 0.05, 0.05}, {1, 0.5, 0.05},  {1, 1, 0.05},   {0.05, 1, 0.05},
+                                      {0.05, 1, 1},    {0.05, 0.05, 1}, {0.6, 0.05, 1}, {1, 0.05, 0.6}};
+    return kPatches[static_cast<int>(u * 8.0)] * (v < 0.77 ? 100.0 : 600.0);
   }
-  const double ramp = u < 1.0 / 256.0 ? 0.0 : std::pow(10.0, 4.0 * u - 1.0);  // 0.1 to 1000 cd/m2
-  return {ramp, ramp, ramp};
+  return Colour::all(u < 1.0 / 256.0 ? 0.0 : std::pow(10.0, 4.0 * u - 1.0));  // 0.1 to 1000 cd/m2
 }
 
 uint8_t code(double value) { return static_cast<uint8_t>(std::clamp(std::lround(value), 0L, 255L)); }
@@ -46,15 +38,13 @@ VideoFrame drawHdrFrame(int width, int height, int index, int frames, bool pq) {
   const double time = frames > 1 ? static_cast<double>(index) / (frames - 1) : 0.0;
   for (int y = 0; y < height; ++y) {
     for (int x = 0; x < width; ++x) {
-      const Colour light = lightAt((x + 0.5) / width, (y + 0.5) / height, time);
-      const Colour s = pq ? Colour{pqSignal(light[0]), pqSignal(light[1]), pqSignal(light[2])} : hlgSignal(light);
+      const Colour s = hdrSignal(lightAt((x + 0.5) / width, (y + 0.5) / height, time), pq);
       // BT.2020 non-constant luminance; the colour of each second pixel of each second row stands for its four.
       const double luma = 0.2627 * s[0] + 0.6780 * s[1] + 0.0593 * s[2];
-      frame.planes[0][static_cast<size_t>(y) * width + x] = code(16 + 219 * luma);
+      frame.planes[0](y, x) = code(16 + 219 * luma);
       if (x % 2 != 0 || y % 2 != 0) continue;
-      const size_t chroma = static_cast<size_t>(y / 2) * ((width + 1) / 2) + x / 2;
-      frame.planes[1][chroma] = code(128 + 224 * (s[2] - luma) / 1.8814);
-      frame.planes[2][chroma] = code(128 + 224 * (s[0] - luma) / 1.4746);
+      frame.planes[1](y / 2, x / 2) = code(128 + 224 * (s[2] - luma) / 1.8814);
+      frame.planes[2](y / 2, x / 2) = code(128 + 224 * (s[0] - luma) / 1.4746);
     }
   }
   return frame;

@@ -1,19 +1,13 @@
-#include "host/hdr_commands.h"
-
-#include <CLI/CLI.hpp>
-#include <algorithm>
-#include <cerrno>
 #include <filesystem>
-#include <fstream>
 #include <memory>
 #include <opencv2/core.hpp>
-#include <system_error>
 
-#include "host/fault.h"
-#include "host/hdr_clip.h"
+#include "host/commands.h"
+#include "host/drawings.h"
+#include "host/files.h"
 #include "host/hdr_luts.h"
-#include "host/paths.h"
 #include "host/pictures.h"
+#include "host/platform.h"
 #include "host/progress.h"
 #include "host/y4m.h"
 #include "lumvane.h"
@@ -23,193 +17,157 @@ namespace {
 
 namespace fs = std::filesystem;
 
-struct HdrOptions {
-  std::string luts;
-  std::string transfer;
+constexpr const char *kHlgLut = "HDR_HLG.cube", *kPqLut = "HDR_PQ.cube";
+
+struct Options {
+  std::string luts, transfer, input, output;
   std::string range;  // empty: what the video says of itself, or limited
-  std::string input;
-  std::string output;
+  int size = 65, frames = 25, width = 640, height = 360;
+  unsigned frame = 0;
+
+  bool isPq() const { return transfer == "pq"; }
 };
 
-using HdrEffect = std::unique_ptr<void, decltype(&DestroyVideoAdjustColor)>;
+void writeLuts(const Options& options) {
+  makeFolder(toPath(options.luts));
+  for (const bool pq : {false, true}) {
+    const std::string text = hdrLut(options.size, pq);
+    OutputFile file(toPath(options.luts) / (pq ? kPqLut : kHlgLut));
+    file.write(text.data(), text.size());
+    file.finish();
+  }
+}
 
-HdrEffect openHdr(const HdrOptions& options, bool limited, int width, int height) {
-  return {
-      CreateVideoAdjustColor(libraryPath(options.luts).c_str(), 0, limited, options.transfer == "pq", width, height),
-      &DestroyVideoAdjustColor};
+std::shared_ptr<void> openHdr(const Options& options, bool limited, int width, int height) {
+  return {CreateVideoAdjustColor(libraryPath(options.luts).c_str(), 0, limited, options.isPq(), width, height),
+          DestroyVideoAdjustColor};
 }
 
 // The library does not tell of a LUT file that is missing or cannot be used: its frames are black, whatever goes in.
-void requireLut(const HdrOptions& options) {
-  const fs::path lut = toPath(options.luts) / (options.transfer == "pq" ? "HDR_PQ.cube" : "HDR_HLG.cube");
-  const auto refuse = [&](const std::string& reason) {
-    throw Fault(ExitCode::kInput, "LUT file '" + toName(lut) + "' cannot be used: " + reason);
-  };
-  if (!std::ifstream(lut)) refuse(std::generic_category().message(errno));
-  const HdrEffect effect = openHdr(options, false, 1, 1);
+void requireLut(const Options& options) {
+  const fs::path lut = toPath(options.luts) / (options.isPq() ? kPqLut : kHlgLut);
+  openInput("cannot use LUT file", lut);
+  const std::shared_ptr<void> effect = openHdr(options, false, 1, 1);
   for (const uint8_t grey : {0, 128, 255}) {
     const uint8_t neutral = 128;
     uint8_t y = 0, v = 0, u = 0;
     VideoAdjustColorProcess(effect.get(), &grey, &neutral, &neutral, 1, 1, 1, 0, 0, &y, &v, &u);
     if (y != 0) return;
   }
-  refuse("it turns everything black");
+  throw Error(ExitCode::kInput, "cannot use LUT file", lut, "it turns everything black");
 }
 
-void convert(const HdrOptions& options) {
+void convert(const Options& options) {
   std::error_code notThere;
   if (fs::equivalent(toPath(options.input), toPath(options.output), notThere)) {
-    throw Fault(ExitCode::kUsage, "'" + options.output + "' would be written over, and it is to be read");
+    throw Error(ExitCode::kUsage, "'" + options.output + "' would be written over, and it is to be read");
   }
   requireLut(options);
-  VideoReader reader(options.input);
+  VideoReader reader(toPath(options.input));
   VideoFormat format = reader.format();
   if (!options.range.empty()) format.range = options.range == "full" ? "FULL" : "LIMITED";
   if (format.range != "FULL") format.range = "LIMITED";
-  const int width = format.width, height = format.height;
-  const HdrEffect effect = openHdr(options, format.range == "LIMITED", width, height);
-  VideoWriter writer(options.output, format);
-  VideoFrame src(width, height), dst(width, height);
-  Progress progress("frames", reader.framesAhead());
-  const int chromaWidth = (width + 1) / 2;
+  const int width = format.width, chromaWidth = (width + 1) / 2;
+  const std::shared_ptr<void> effect = openHdr(options, format.range == "LIMITED", width, format.height);
+  OutputFile file(toPath(options.output));
+  writeVideoHead(file, format);
+  VideoFrame src(width, format.height), dst(width, format.height);
+  Progress progress("frames", reader.framesAhead(src));
   while (reader.read(src)) {
     // The library takes V ahead of U, the stream has U ahead of V.
-    VideoAdjustColorProcess(effect.get(), src.planes[0].data(), src.planes[2].data(), src.planes[1].data(), width,
-                            chromaWidth, chromaWidth, 0, 0, dst.planes[0].data(), dst.planes[2].data(),
-                            dst.planes[1].data());
-    writer.write(dst);
+    VideoAdjustColorProcess(effect.get(), src.planes[0].data, src.planes[2].data, src.planes[1].data, width,
+                            chromaWidth, chromaWidth, 0, 0, dst.planes[0].data, dst.planes[2].data, dst.planes[1].data);
+    writeVideoFrame(file, dst);
     progress.finishStep();
   }
-  writer.finish();
+  file.finish();
+}
+
+void drawClip(const Options& options) {
+  OutputFile file(toPath(options.output));
+  writeVideoHead(file, {options.width, options.height, "25:1", "0:0", "LIMITED"});
+  Progress progress("frames", static_cast<size_t>(options.frames));
+  for (int i = 0; i < options.frames; ++i) {
+    writeVideoFrame(file, drawHdrFrame(options.width, options.height, i, options.frames, options.isPq()));
+    progress.finishStep();
+  }
+  file.finish();
 }
 
 // A limited-range picture taken for BT.709, as a viewer that knows nothing of HDR shows it.
-cv::Mat still(const VideoFrame& frame, int width, int height) {
-  cv::Mat picture(height, width, CV_8UC4, cv::Scalar::all(255));
-  for (int y = 0; y < height; ++y) {
-    for (int x = 0; x < width; ++x) {
-      const size_t chroma = static_cast<size_t>(y / 2) * ((width + 1) / 2) + x / 2;
-      const double luma = (frame.planes[0][static_cast<size_t>(y) * width + x] - 16) * 255.0 / 219.0;
-      const double cb = (frame.planes[1][chroma] - 128) * 255.0 / 224.0;
-      const double cr = (frame.planes[2][chroma] - 128) * 255.0 / 224.0;
-      auto& pixel = picture.at<cv::Vec4b>(y, x);
-      pixel[0] = cv::saturate_cast<uint8_t>(luma + 1.8556 * cb);
-      pixel[1] = cv::saturate_cast<uint8_t>(luma - 0.1873 * cb - 0.4681 * cr);
-      pixel[2] = cv::saturate_cast<uint8_t>(luma + 1.5748 * cr);
-    }
+void takeStill(const Options& options) {
+  VideoReader reader(toPath(options.input));
+  const int width = reader.format().width, height = reader.format().height;
+  VideoFrame frame(width, height);
+  for (unsigned i = 0; i <= options.frame; ++i) {
+    if (reader.read(frame)) continue;
+    throw Error(ExitCode::kInput, "'" + options.input + "' is shorter: it has " + std::to_string(i) + " frames");
   }
-  return picture;
+  cv::Mat picture(height, width, CV_8UC4);
+  picture.forEach<cv::Vec4b>([&](cv::Vec4b& pixel, const int* at) {
+    const int x = at[1], y = at[0];
+    const double luma = (frame.planes[0](y, x) - 16) * 255.0 / 219.0;
+    const double cb = (frame.planes[1](y / 2, x / 2) - 128) * 255.0 / 224.0;
+    const double cr = (frame.planes[2](y / 2, x / 2) - 128) * 255.0 / 224.0;
+    pixel = cv::Vec4d(luma + 1.8556 * cb, luma - 0.1873 * cb - 0.4681 * cr, luma + 1.5748 * cr, 255);
+  });
+  writePicture(toPath(options.output), picture);
 }
 
-void addLutsCommand(CLI::App& app) {
-  struct Options {
-    std::string folder;
-    int size = 65;
-  };
-  auto* command = app.add_subcommand("hdr-luts", "Write the two LUT files that turn HLG and PQ into BT.709");
-  command->footer("Example:\n  lumvane-host hdr-luts luts");
-  const auto options = std::make_shared<Options>();
-  command->add_option("folder", options->folder, "Folder to write HDR_HLG.cube and HDR_PQ.cube to")
-      ->required()
-      ->type_name("FOLDER");
-  command->add_option("--size", options->size, "Points per axis")->check(CLI::Range(2, 65))->capture_default_str();
-  command->callback([options] { writeHdrLuts(toPath(options->folder), options->size); });
-}
-
-void addConvertCommand(CLI::App& app) {
-  auto* command =
-      app.add_subcommand("hdr", "Convert HDR video (BT.2020, 8-bit 4:2:0 YUV4MPEG2, chroma sited left) to BT.709");
-  command->footer(
-      "Examples:\n"
-      "  lumvane-host hdr --luts luts --transfer pq clip.y4m sdr.y4m\n"
-      "  ffmpeg -i hlg.mkv -pix_fmt yuv420p -f yuv4mpegpipe - |\n"
-      "    lumvane-host hdr --luts luts --transfer hlg - - | ffmpeg -i - sdr.mp4");
-  const auto options = std::make_shared<HdrOptions>();
-  command->add_option("--luts", options->luts, "Folder with HDR_HLG.cube and HDR_PQ.cube; hdr-luts makes them")
-      ->required()
-      ->type_name("FOLDER");
-  command->add_option("--transfer", options->transfer, "Transfer function of the video")
+void addTransfer(CLI::App* command, std::string& transfer) {
+  command->add_option("--transfer", transfer, "Transfer function of the video")
       ->required()
       ->check(CLI::IsMember({"hlg", "pq"}));
-  command
-      ->add_option("--range", options->range,
-                   "Range of the code values, in and out; by default what the video says of itself, or limited")
-      ->check(CLI::IsMember({"limited", "full"}));
-  command->add_option("input", options->input, "Video to read, - for the standard input")
-      ->required()
-      ->type_name("FILE");
-  command->add_option("output", options->output, "Video to write, - for the standard output")
-      ->required()
-      ->type_name("FILE");
-  command->callback([options] { convert(*options); });
 }
 
-void addClipCommand(CLI::App& app) {
-  struct Options {
-    std::string transfer, output;
-    int frames = 25, width = 640, height = 360;
-  };
-  auto* command = app.add_subcommand("hdr-clip", "Draw a short HDR video to try the conversion on");
-  command->footer("Example:\n  lumvane-host hdr-clip --transfer hlg clip.y4m");
-  const auto options = std::make_shared<Options>();
-  command->add_option("--transfer", options->transfer, "Transfer function")
-      ->required()
-      ->check(CLI::IsMember({"hlg", "pq"}));
-  command->add_option("--frames", options->frames, "Length")->check(CLI::Range(1, 100000))->capture_default_str();
-  command->add_option("--width", options->width, "Width in pixels")->check(CLI::Range(1, 16384))->capture_default_str();
-  command->add_option("--height", options->height, "Height in pixels")
-      ->check(CLI::Range(1, 16384))
-      ->capture_default_str();
-  command->add_option("output", options->output, "Video to write, - for the standard output")
-      ->required()
-      ->type_name("FILE");
-  command->callback([options] {
-    VideoFormat format;
-    format.width = options->width;
-    format.height = options->height;
-    format.range = "LIMITED";
-    VideoWriter writer(options->output, format);
-    Progress progress("frames", static_cast<size_t>(options->frames));
-    for (int i = 0; i < options->frames; ++i) {
-      writer.write(drawHdrFrame(format.width, format.height, i, options->frames, options->transfer == "pq"));
-      progress.finishStep();
-    }
-    writer.finish();
-  });
-}
-
-void addStillCommand(CLI::App& app) {
-  struct Options {
-    std::string input, output;
-    unsigned frame = 0;
-  };
-  auto* command = app.add_subcommand("still", "Take a picture from a limited-range video, shown as BT.709");
-  command->footer("Example:\n  lumvane-host still --frame 12 sdr.y4m still.png");
-  const auto options = std::make_shared<Options>();
-  command->add_option("--frame", options->frame, "Number of the frame, from 0")->capture_default_str();
-  command->add_option("input", options->input, "Video to read, - for the standard input")
-      ->required()
-      ->type_name("FILE");
-  command->add_option("output", options->output, "Picture to write")->required()->type_name("FILE");
-  command->callback([options] {
-    VideoReader reader(options->input);
-    const int width = reader.format().width, height = reader.format().height;
-    VideoFrame frame(width, height);
-    for (unsigned i = 0; i <= options->frame; ++i) {
-      if (reader.read(frame)) continue;
-      throw Fault(ExitCode::kInput, "'" + options->input + "' is shorter: it has " + std::to_string(i) + " frames");
-    }
-    writePicture(toPath(options->output), still(frame, width, height));
-  });
+void addPath(CLI::App* command, const char* name, std::string& path, const char* description) {
+  command->add_option(name, path, description)->required()->type_name("PATH");
 }
 
 }  // namespace
 
 void addHdrCommands(CLI::App& app) {
-  addLutsCommand(app);
-  addConvertCommand(app);
-  addClipCommand(app);
-  addStillCommand(app);
+  const auto options = std::make_shared<Options>();
+  const auto add = [&](const char* name, const char* description, const char* footer, void (*run)(const Options&)) {
+    auto* command = app.add_subcommand(name, description)->footer(footer);
+    command->callback([options, run] { run(*options); });
+    return command;
+  };
+  constexpr const char* kInput = "Video to read, - for the standard input";
+  constexpr const char* kOutput = "Video to write, - for the standard output";
+
+  auto* luts = add("hdr-luts", "Write the two LUT files that turn HLG and PQ into BT.709",
+                   "Example:\n  lumvane-host hdr-luts luts", writeLuts);
+  addPath(luts, "folder", options->luts, "Folder to write HDR_HLG.cube and HDR_PQ.cube to");
+  luts->add_option("--size", options->size, "Points per axis")->check(CLI::Range(2, 65));
+
+  auto* hdr = add("hdr", "Convert HDR video (BT.2020, 8-bit 4:2:0 YUV4MPEG2, chroma sited left) to BT.709",
+                  "Examples:\n"
+                  "  lumvane-host hdr --luts luts --transfer pq clip.y4m sdr.y4m\n"
+                  "  ffmpeg -i hlg.mkv -pix_fmt yuv420p -f yuv4mpegpipe - |\n"
+                  "    lumvane-host hdr --luts luts --transfer hlg - - | ffmpeg -i - sdr.mp4",
+                  convert);
+  addPath(hdr, "--luts", options->luts, "Folder with HDR_HLG.cube and HDR_PQ.cube; hdr-luts makes them");
+  addTransfer(hdr, options->transfer);
+  hdr->add_option("--range", options->range,
+                  "Range of the code values, in and out; by default what the video says of itself, or limited")
+      ->check(CLI::IsMember({"limited", "full"}));
+  addPath(hdr, "input", options->input, kInput);
+  addPath(hdr, "output", options->output, kOutput);
+
+  auto* clip = add("hdr-clip", "Draw a short HDR video to try the conversion on",
+                   "Example:\n  lumvane-host hdr-clip --transfer hlg clip.y4m", drawClip);
+  addTransfer(clip, options->transfer);
+  clip->add_option("--frames", options->frames, "Length")->check(CLI::Range(1, 100000));
+  clip->add_option("--width", options->width, "Width in pixels")->check(CLI::Range(1, 16384));
+  clip->add_option("--height", options->height, "Height in pixels")->check(CLI::Range(1, 16384));
+  addPath(clip, "output", options->output, kOutput);
+
+  auto* still = add("still", "Take a picture from a limited-range video, shown as BT.709",
+                    "Example:\n  lumvane-host still --frame 12 sdr.y4m still.png", takeStill);
+  still->add_option("--frame", options->frame, "Number of the frame, from 0");
+  addPath(still, "input", options->input, kInput);
+  addPath(still, "output", options->output, "Picture to write");
 }
 
 }  // namespace host

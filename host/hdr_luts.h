@@ -1,22 +1,19 @@
 #pragma once
 
-#include <array>
-#include <filesystem>
+#include <opencv2/core.hpp>
+#include <string>
 
 namespace host {
 
-/// R'G'B' of BT.709 from R'G'B' of BT.2020, all from 0 to 1.
-using HdrLook = std::array<double, 3> (*)(const std::array<double, 3>& signal);
+using Colour = cv::Vec3d;  ///< red, green, blue
 
-std::array<double, 3> hlgToBt709(const std::array<double, 3>& signal);
-std::array<double, 3> pqToBt709(const std::array<double, 3>& signal);
+/// The transfer function, PQ or else HLG: light in cd/m2 to the signal from 0 to 1, both BT.2020.
+Colour hdrSignal(const Colour& light, bool pq);
 
-/// Writes "HDR_HLG.cube" and "HDR_PQ.cube" of `size` points per axis into a folder, which is made when there is none.
-/// Throws a Fault with the file's name when that fails.
-void writeHdrLuts(const std::filesystem::path& folder, int size);
+/// R'G'B' of BT.709 from such a signal.
+Colour hdrToBt709(const Colour& signal, bool pq);
 
-/// The transfer functions by themselves, for drawing HDR pictures: light in cd/m2 to the signal from 0 to 1.
-double pqSignal(double light);
-std::array<double, 3> hlgSignal(const std::array<double, 3>& light);
+/// The text of a .cube file with that conversion, of `size` points per axis.
+std::string hdrLut(int size, bool pq);
 
 }  // namespace host

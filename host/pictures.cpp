@@ -1,70 +1,60 @@
 #include "host/pictures.h"
 
 #include <algorithm>
-#include <array>
-#include <cerrno>
-#include <fstream>
+#include <cctype>
 #include <opencv2/imgcodecs.hpp>
 #include <opencv2/imgproc.hpp>
+#include <set>
 #include <string>
-#include <system_error>
+#include <string_view>
 
-#include "host/fault.h"
-#include "host/jpeg_end.h"
-#include "host/output_file.h"
-#include "host/paths.h"
+#include "host/files.h"
+#include "host/platform.h"
 
 namespace host {
 namespace {
 
-std::string lowerCaseExtension(const std::filesystem::path& path) {
+namespace fs = std::filesystem;
+
+std::string lowerCaseExtension(const fs::path& path) {
   std::string extension = toName(path.extension());
-  std::transform(extension.begin(), extension.end(), extension.begin(),
-                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+  for (char& c : extension) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
   return extension;
 }
 
-bool isOpaque(const cv::Mat& picture) {
-  cv::Mat alpha;
-  cv::extractChannel(picture, alpha, 3);
-  double least = 0.0;
-  cv::minMaxLoc(alpha, &least);
-  return least == 255.0;
+// The library that decodes makes up what is missing of a JPEG file. One that was cut off has no end marker behind its
+// header, a row of segments (ITU-T T.81, annex B): a marker, 0xff and a byte, and a length in two bytes, high byte
+// first, that counts itself. A thumbnail, with an end marker of its own, lies inside a segment. Marker 0xda begins the
+// picture.
+bool isCutOffJpeg(const std::vector<uint8_t>& bytes) {
+  if (bytes.size() < 3 || bytes[0] != 0xff || bytes[1] != 0xd8 || bytes[2] != 0xff) return false;
+  size_t at = 2;
+  while (at + 3 < bytes.size() && bytes[at + 1] != 0xda) {
+    at += bytes[at + 1] == 0xff ? 1u : 2u + bytes[at + 2] * 256u + bytes[at + 3];  // 0xff may be repeated
+  }
+  const std::string_view picture(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+  return picture.find("\xff\xd9", at) == std::string_view::npos;
 }
 
 cv::Mat overCheckerboard(const cv::Mat& picture) {
-  constexpr int kSquare = 16;
-  cv::Mat out(picture.size(), CV_8UC4, cv::Scalar::all(255));
-  for (int y = 0; y < picture.rows; ++y) {
-    for (int x = 0; x < picture.cols; ++x) {
-      const auto& pixel = picture.at<cv::Vec4b>(y, x);
-      const int board = (x / kSquare + y / kSquare) % 2 == 0 ? 200 : 150;
-      for (int c = 0; c < 3; ++c) {
-        out.at<cv::Vec4b>(y, x)[c] = static_cast<uint8_t>((pixel[c] * pixel[3] + board * (255 - pixel[3]) + 127) / 255);
-      }
+  cv::Mat out = picture.clone();
+  out.forEach<cv::Vec4b>([](cv::Vec4b& pixel, const int* at) {
+    const int board = (at[0] / 16 + at[1] / 16) % 2 == 0 ? 200 : 150;
+    for (int c = 0; c < 3; ++c) {
+      pixel[c] = static_cast<uint8_t>((pixel[c] * pixel[3] + board * (255 - pixel[3]) + 127) / 255);
     }
-  }
+    pixel[3] = 255;
+  });
   return out;
-}
-
-std::vector<uint8_t> readBytes(const std::filesystem::path& path) {
-  std::ifstream file(path, std::ios::binary);
-  if (!file) {
-    throw Fault(ExitCode::kInput,
-                "cannot read picture '" + toName(path) + "': " + std::generic_category().message(errno));
-  }
-  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
 }  // namespace
 
-cv::Mat readPicture(const std::filesystem::path& path) {
-  const auto refuse = [&](const std::string& reason) {
-    throw Fault(ExitCode::kInput, "cannot read picture '" + toName(path) + "': " + reason);
-  };
-  std::error_code notSeen;
-  if (std::filesystem::is_directory(path, notSeen)) refuse("it is a folder");
-  const std::vector<uint8_t> bytes = readBytes(path);
+cv::Mat readPicture(const fs::path& path) {
+  const std::string failed = "cannot read picture";
+  const auto refuse = [&](const std::string& reason) { throw Error(ExitCode::kInput, failed, path, reason); };
+  std::ifstream file = openInput(failed, path);
+  const std::vector<uint8_t> bytes{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
   if (bytes.empty()) refuse("it is empty");
   if (isCutOffJpeg(bytes)) refuse("it is cut off, the file ends ahead of the picture");
   cv::Mat picture;
@@ -73,7 +63,6 @@ cv::Mat readPicture(const std::filesystem::path& path) {
     // Only the colour mode heeds the orientation that cameras note in a file; only the unchanged one keeps alpha.
     if (!picture.empty() && picture.channels() != 4) picture = cv::imdecode(bytes, cv::IMREAD_COLOR);
   } catch (const cv::Exception& error) {
-    if (error.code == cv::Error::StsNoMem) throw;
     refuse("it is damaged or too large (" + error.err + ")");
   }
   if (picture.empty()) refuse("it is damaged, or no picture of a format that is known here");
@@ -83,43 +72,36 @@ cv::Mat readPicture(const std::filesystem::path& path) {
   return picture;
 }
 
-void writePicture(const std::filesystem::path& path, const cv::Mat& picture) {
-  const std::string extension = lowerCaseExtension(path);
-  const bool holdsAlpha = extension == ".png" || extension == ".webp" || extension == ".tif" || extension == ".tiff";
-  cv::Mat out = picture;
-  if (!holdsAlpha || isOpaque(picture)) cv::cvtColor(picture, out, cv::COLOR_BGRA2BGR);
+void writePicture(const fs::path& path, const cv::Mat& picture) {
   const auto refuse = [&](const std::string& reason) {
-    throw Fault(ExitCode::kOutput, "cannot write picture '" + toName(path) + "': " + reason);
+    throw Error(ExitCode::kOutput, "cannot write picture", path, reason);
   };
-  if (!cv::haveImageWriter("picture" + extension)) refuse("no format has this extension");
+  const std::string extension = lowerCaseExtension(path);
+  cv::Mat out = picture, alpha;
+  cv::extractChannel(picture, alpha, 3);
+  const bool holdsAlpha = extension == ".png" || extension == ".webp" || extension == ".tif" || extension == ".tiff";
+  if (!holdsAlpha || cv::countNonZero(alpha != 255) == 0) cv::cvtColor(picture, out, cv::COLOR_BGRA2BGR);
   std::vector<uint8_t> bytes;
-  bool encoded = false;
   try {
-    encoded = cv::imencode(extension, out, bytes, {cv::IMWRITE_JPEG_QUALITY, 95});
+    if (!cv::imencode(extension, out, bytes, {cv::IMWRITE_JPEG_QUALITY, 95})) {
+      refuse(extension + " holds no " + std::to_string(out.cols) + " x " + std::to_string(out.rows) + " pixels");
+    }
   } catch (const cv::Exception& error) {
-    if (error.code == cv::Error::StsNoMem) throw;
-  }
-  if (!encoded) {
-    refuse(extension + " holds no " + std::to_string(out.cols) + " x " + std::to_string(out.rows) +
-           " pixels in 8-bit colour");
+    refuse(error.err);
   }
   OutputFile file(path);
   file.write(bytes.data(), bytes.size());
   file.finish();
 }
 
-std::vector<std::filesystem::path> picturesIn(const std::filesystem::path& folder) {
-  constexpr std::array kExtensions = {".png", ".jpg", ".jpeg", ".tif", ".tiff", ".webp", ".bmp"};
+std::vector<fs::path> picturesIn(const fs::path& folder) {
+  const std::set<std::string> known = {".png", ".jpg", ".jpeg", ".tif", ".tiff", ".webp", ".bmp"};
   std::error_code error;
-  const std::filesystem::directory_iterator entries(folder, error);
-  if (error) {
-    throw Fault(ExitCode::kInput, "cannot read the folder '" + toName(folder) + "': " + error.message());
-  }
-  std::vector<std::filesystem::path> pictures;
+  std::vector<fs::path> pictures;
+  const fs::directory_iterator entries(folder, error);
+  if (error) throw Error(ExitCode::kInput, "cannot read the folder", folder, error.message());
   for (const auto& entry : entries) {
-    const std::string extension = lowerCaseExtension(entry.path());
-    if (entry.is_regular_file(error) &&
-        std::find(kExtensions.begin(), kExtensions.end(), extension) != kExtensions.end()) {
+    if (entry.is_regular_file(error) && known.count(lowerCaseExtension(entry.path())) != 0) {
       pictures.push_back(entry.path());
     }
   }

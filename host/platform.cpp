@@ -1,6 +1,6 @@
 #include "host/platform.h"
 
-#include <cstdlib>
+#include <system_error>
 
 #ifdef _WIN32
 #include <fcntl.h>
@@ -9,16 +9,27 @@
 // shellapi.h needs windows.h.
 #include <shellapi.h>
 
-#include "host/paths.h"
+#include <cstdio>
+#include <cstdlib>
 #else
 #include <unistd.h>
 #endif
 
 namespace host {
 
+namespace fs = std::filesystem;
+
+fs::path toPath(const std::string& name) { return std::u8string(name.begin(), name.end()); }
+
+std::string toName(const fs::path& path) {
+  const std::u8string name = path.u8string();
+  return {name.begin(), name.end()};
+}
+
 #ifdef _WIN32
 
 std::vector<std::string> utf8Arguments(int /*argc*/, char** /*argv*/) {
+  for (FILE* stream : {stdin, stdout}) _setmode(_fileno(stream), _O_BINARY);
   static const UINT codePageBefore = GetConsoleOutputCP();  // of the console, which outlives the program
   if (SetConsoleOutputCP(CP_UTF8)) std::atexit([] { SetConsoleOutputCP(codePageBefore); });
   int count = 0;
@@ -29,13 +40,7 @@ std::vector<std::string> utf8Arguments(int /*argc*/, char** /*argv*/) {
   return arguments;
 }
 
-bool errorStreamIsTerminal() {
-  HANDLE const console = GetStdHandle(STD_ERROR_HANDLE);
-  DWORD mode = 0;
-  return GetConsoleMode(console, &mode) && SetConsoleMode(console, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING);
-}
-
-void makeBinary(FILE* stream) { _setmode(_fileno(stream), _O_BINARY); }
+bool errorStreamIsTerminal() { return _isatty(_fileno(stderr)) != 0; }
 
 #else
 
@@ -43,8 +48,18 @@ std::vector<std::string> utf8Arguments(int argc, char** argv) { return {argv, ar
 
 bool errorStreamIsTerminal() { return isatty(STDERR_FILENO) != 0; }
 
-void makeBinary(FILE* /*stream*/) {}
-
 #endif
+
+fs::path uniquePath(const fs::path& path) {
+  std::error_code error;
+  fs::path unique = fs::weakly_canonical(fs::absolute(path), error);
+  if (error) unique = path;
+#ifdef _WIN32
+  std::wstring folded = unique.native();
+  CharLowerW(folded.data());
+  unique = folded;
+#endif
+  return unique;
+}
 
 }  // namespace host

@@ -1,20 +1,23 @@
-// Where Windows and other systems differ for a program on the command line.
+// Where Windows and other systems differ for a program on the command line. Names of files are UTF-8 in arguments and
+// messages, and on Windows UTF-16 where files are opened.
 #pragma once
 
-#include <cstdio>
+#include <filesystem>
 #include <string>
 #include <vector>
 
 namespace host {
 
-/// The arguments of the program in UTF-8, which Windows gives to main in the code page of its language. Also makes what
-/// the program prints UTF-8 there.
+/// The arguments of the program in UTF-8, which Windows gives to main in the code page of its language. There, what the
+/// program prints becomes UTF-8 as well, and the ends of lines on the standard input and output are left as they are.
 std::vector<std::string> utf8Arguments(int argc, char** argv);
 
-/// Whether the standard error stream is a terminal on which a line can be drawn over.
-bool errorStreamIsTerminal();
+std::filesystem::path toPath(const std::string& name);
+std::string toName(const std::filesystem::path& path);
 
-/// Keeps the system from translating the ends of lines on the standard input or output.
-void makeBinary(FILE* stream);
+/// A path that is the same for names that the system takes for the same, and for symbolic links to one file.
+std::filesystem::path uniquePath(const std::filesystem::path& path);
+
+bool errorStreamIsTerminal();
 
 }  // namespace host

@@ -1,8 +1,10 @@
 #pragma once
 
+#include <algorithm>
 #include <chrono>
-#include <cstddef>
-#include <string>
+#include <cstdio>
+
+#include "host/platform.h"
 
 namespace host {
 
@@ -11,24 +13,35 @@ namespace host {
 class Progress {
  public:
   /// `total` is 0 when it is not known; `unit` is what is counted, such as "frames".
-  Progress(std::string unit, size_t total);
-  ~Progress();
+  Progress(const char* unit, size_t total)
+      : unit_(unit), total_(total), visible_(total != 1 && errorStreamIsTerminal()) {}
+  ~Progress() {
+    if (visible_) std::fputc('\n', stderr);
+  }
   Progress(const Progress&) = delete;
   Progress& operator=(const Progress&) = delete;
 
-  /// Shows the name of the step that begins.
-  void begin(const std::string& name);
-  void finishStep();
+  void finishStep() {
+    ++done_;
+    const auto now = Clock::now();
+    if (!visible_ || (done_ != total_ && now - drawn_ < std::chrono::milliseconds(100))) return;
+    drawn_ = now;
+    const double rate = done_ / std::max(std::chrono::duration<double>(now - start_).count(), 1e-3);
+    if (total_ == 0) {
+      std::fprintf(stderr, "\r%.0f %s, %.1f a second  ", done_, unit_, rate);
+    } else {
+      // The blanks cover what a longer line left behind.
+      std::fprintf(stderr, "\r%.0f/%.0f %s, %.1f a second, %.0f s left     ", done_, total_, unit_, rate,
+                   (total_ - done_) / rate);
+    }
+    std::fflush(stderr);
+  }
 
  private:
-  void draw();
-
   using Clock = std::chrono::steady_clock;
-  std::string unit_;
-  size_t total_;
-  size_t done_ = 0;
-  std::string name_;
-  Clock::time_point start_, drawn_;
+  const char* unit_;
+  double total_, done_ = 0.0;
+  Clock::time_point start_ = Clock::now(), drawn_ = {};
   bool visible_;
 };
 

@@ -1,21 +1,24 @@
-// YUV4MPEG2 streams of 8 bits and 4:2:0, not interlaced, the form in which video programs pipe raw frames to one another.
+// YUV4MPEG2 streams of 8 bits and 4:2:0, not interlaced: the form in which programs pipe raw frames to one another.
 #pragma once
 
 #include <cstdint>
-#include <cstdio>
-#include <memory>
+#include <filesystem>
+#include <fstream>
+#include <opencv2/core.hpp>
 #include <string>
-#include <vector>
-
-#include "host/output_file.h"
 
 namespace host {
 
+class OutputFile;
+
 /// One frame: planes Y, Cb (U), Cr (V), in this order, the latter two (width + 1) / 2 x (height + 1) / 2, rows packed.
 struct VideoFrame {
-  std::vector<uint8_t> planes[3];
+  using Plane = cv::Mat_<uint8_t>;
 
-  VideoFrame(int width, int height);
+  VideoFrame(int width, int height)
+      : planes{Plane(height, width), Plane((height + 1) / 2, (width + 1) / 2), Plane(planes[1].size())} {}
+
+  Plane planes[3];
 };
 
 /// What the head of a stream says.
@@ -27,44 +30,29 @@ struct VideoFormat {
   std::string range;           ///< "FULL", "LIMITED", or empty when the stream does not say
 };
 
-/// A file to read, closed at the end unless it is the standard input.
-struct CloseVideoFile {
-  void operator()(FILE* file) const;
-};
-using VideoFile = std::unique_ptr<FILE, CloseVideoFile>;
-
-/// Reads a stream from a file, or from the standard input for "-". All throw a Fault with the file's name.
+/// Reads a stream from a file, or from the standard input for "-". All throw an Error with the file's name.
 class VideoReader {
  public:
-  explicit VideoReader(const std::string& path);
+  explicit VideoReader(const std::filesystem::path& path);
   const VideoFormat& format() const { return format_; }
 
   /// False at the end of the stream.
   bool read(VideoFrame& frame);
 
-  /// How many frames there are to come; 0 when that cannot be told, as for a pipe.
-  size_t framesAhead() const;
+  /// How many frames like this there are to come; 0 when that cannot be told, as for a pipe.
+  size_t framesAhead(const VideoFrame& frame);
 
  private:
-  std::string readLine();
-  [[noreturn]] void fail(const std::string& what) const;
+  [[noreturn]] void fail(const std::string& reason) const;
 
-  std::string path_;
-  VideoFile file_;
+  std::filesystem::path path_;
+  std::ifstream file_;
+  std::istream& stream_;
   VideoFormat format_;
 };
 
-/// Writes a stream to a file, or to the standard output for "-". All throw a Fault with the file's name.
-class VideoWriter {
- public:
-  VideoWriter(const std::string& path, const VideoFormat& format);
-  void write(const VideoFrame& frame);
-
-  /// Has to be called at the end: without it there is no file.
-  void finish() { file_.finish(); }
-
- private:
-  OutputFile file_;
-};
+/// Writes the head of a stream, and its frames behind it.
+void writeVideoHead(OutputFile& file, const VideoFormat& format);
+void writeVideoFrame(OutputFile& file, const VideoFrame& frame);
 
 }  // namespace host

@@ -1,0 +1,134 @@
+#include <fstream>
+#include <memory>
+#include <opencv2/core.hpp>
+
+#include "host/commands.h"
+#include "host/drawings.h"
+#include "host/files.h"
+#include "host/pictures.h"
+#include "host/platform.h"
+#include "lumvane.h"
+
+namespace host {
+namespace {
+
+struct Options {
+  std::vector<std::string> paths;
+  std::string lut, scene;
+  bool compare = false, premultiply = false;
+  int strength = 100, intensity = 100, saturation = 0;
+  float temperature = 0.0f, tint = 0.0f;
+  int width = 1280, height = 720;
+};
+
+int32_t stride(const cv::Mat& picture) { return static_cast<int32_t>(picture.step[0]); }
+
+// The library has one answer to every file that it cannot use; people want to know why. And a shaper curve ahead of a
+// table it takes for a part of the table.
+std::shared_ptr<void> openLut(const std::string& name) {
+  const std::string failed = "cannot use LUT file";
+  const auto refuse = [&](const char* reason) { throw Error(ExitCode::kInput, failed, toPath(name), reason); };
+  std::ifstream file = openInput(failed, toPath(name));
+  // A table is announced ahead of the first row.
+  for (std::string line; std::getline(file, line) && (line.empty() || line[0] < '0' || line[0] > '9');) {
+    if (line.rfind("LUT_1D_SIZE", 0) == 0) refuse("it holds a one-dimensional table, and only 3D tables are read");
+  }
+  std::shared_ptr<void> effect(Create3DLutColorAdjustEffect(libraryPath(name).c_str(), 0, 0),
+                               Destory3DLutColorAdjustEffect);
+  if (!effect) {
+    refuse(
+        "a LUT is a .cube file of 2 to 65 points per axis or a .3dl file of 3 to 65, by its name, with all its rows");
+  }
+  return effect;
+}
+
+// The library multiplies colours by alpha, picture files hold them without. So a picture is graded as an opaque one and
+// gets its alpha back, which is right at every strength; `premultiply` gives the library's own answer instead.
+Edit grading(const Options& options) {
+  return [&options, effect = openLut(options.lut)](const cv::Mat& picture) {
+    cv::Mat src = picture.clone();
+    if (!options.premultiply) cv::insertChannel(cv::Mat(src.size(), CV_8UC1, cv::Scalar(255)), src, 3);
+    cv::Mat dst = src.clone();  // strength 0 leaves the destination as it is
+    Lut3DColorAdjustEffectProcess(effect.get(), dst.data, dst.cols, dst.rows, stride(dst), src.data, src.cols, src.rows,
+                                  stride(src), options.strength);
+    if (!options.premultiply) cv::mixChannels(picture, dst, {3, 3});
+    return dst;
+  };
+}
+
+// Pictures differ in size, and the size given at create sets the depth of the pyramid: so each gets its own effect.
+Edit clarity(const Options& options) {
+  return [&options](const cv::Mat& picture) {
+    const std::shared_ptr<void> effect(
+        CreateNLEPureCClarity(picture.cols, picture.rows, 0, options.saturation, options.intensity),
+        DestoryNLEPureCClarity);
+    cv::Mat out(picture.size(), picture.type());
+    if (NLEPureCClarityProcess(effect.get(), out.data, out.cols, out.rows, stride(out), picture.data, picture.cols,
+                               picture.rows, stride(picture)) != 1) {
+      throw Error(ExitCode::kOther, "the clarity effect refused a picture");
+    }
+    return out;
+  };
+}
+
+Edit whiteBalance(const Options& options) {
+  return [&options](const cv::Mat& picture) {
+    cv::Mat out(picture.size(), picture.type());
+    WhiteBalanceFun(picture.data, out.data, 0.0f, 0.0f, 0.0f, options.temperature, options.tint, picture.cols,
+                    picture.rows);
+    return out;
+  };
+}
+
+// `open` makes the edit when all options are known.
+CLI::App* addPictureCommand(CLI::App& app, const char* name, const char* description,
+                            const std::shared_ptr<Options>& options, Edit (*open)(const Options&)) {
+  auto* command = app.add_subcommand(name, description);
+  command->add_flag("--compare", options->compare,
+                    "Also write NAME-compare.png: before on the left, after on the right");
+  command
+      ->add_option("pictures", options->paths,
+                   "IN OUT, or IN... FOLDER for several pictures, or FOLDER FOLDER for all in a folder")
+      ->required()
+      ->type_name("PATH")
+      ->expected(2, -1)
+      ->default_str("");
+  command->callback([options, open] { editPictures(options->paths, options->compare, open(*options)); });
+  return command;
+}
+
+}  // namespace
+
+void addPictureCommands(CLI::App& app) {
+  const auto options = std::make_shared<Options>();
+
+  auto* lut = addPictureCommand(app, "lut", "Grade pictures through a 3D LUT", options, grading);
+  lut->add_option("--lut", options->lut, "LUT file, .cube or .3dl")->required()->type_name("PATH");
+  lut->add_option("--strength", options->strength, "Strength in percent, 0 to 100, clamped");
+  lut->add_flag("--premultiply", options->premultiply, "Write colours multiplied by alpha, the library's own pixels");
+  lut->footer(
+      "Examples:\n"
+      "  lumvane-host lut --lut look.cube --strength 60 photo.jpg graded.png\n"
+      "  lumvane-host lut --lut look.3dl --compare stills/ graded/");
+
+  auto* clear = addPictureCommand(app, "clarity", "Raise the local contrast of pictures", options, clarity);
+  clear->add_option("--intensity", options->intensity, "Local contrast in percent, 0 to 100, clamped");
+  clear->add_option("--saturation", options->saturation, "Saturation in percent, -100 to 100, clamped");
+  clear->footer("Example:\n  lumvane-host clarity --intensity 70 --saturation 20 photo.jpg clear.png");
+
+  auto* warm = addPictureCommand(app, "whitebalance", "Shift the white balance of pictures", options, whiteBalance);
+  warm->add_option("--temperature", options->temperature, "From cold, -1, to warm, 1, and beyond; 0 changes nothing");
+  warm->add_option("--tint", options->tint, "From green, -1, to magenta, 1, and beyond; 0 changes nothing");
+  warm->footer("Example:\n  lumvane-host whitebalance --temperature 0.2 --tint -0.05 photo.jpg warm.png");
+
+  auto* scene = app.add_subcommand("scene",
+                                   "Draw a test scene: skin tones, saturated patches, a grey ramp, gradients, "
+                                   "translucency");
+  scene->add_option("output", options->scene, "Picture to write")->required()->type_name("PATH");
+  scene->add_option("--width", options->width, "Width in pixels")->check(CLI::Range(16, 16384));
+  scene->add_option("--height", options->height, "Height in pixels")->check(CLI::Range(16, 16384));
+  scene->footer("Example:\n  lumvane-host scene --width 1920 --height 1080 scene.png");
+  scene->callback([options] { writePicture(toPath(options->scene), drawScene(options->width, options->height)); });
+}
+
+}  // namespace host
