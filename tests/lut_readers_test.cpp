@@ -95,7 +95,8 @@ std::unique_ptr<CubeLut> readInPieces(const std::string& text, size_t piece, std
   return read(stream);
 }
 
-// Rows of all forms, with comments that are longer than any block in between, past 100 kB in all.
+// Rows of all forms, past 100 kB in all. In between comments that are longer than any block, and rows with more bytes
+// than count, which end at any place of a number.
 TEST(LutReaders, ReadTheSameInPiecesOfAnySize) {
   std::string text = "# " + std::string(100, 'x') + "\nLUT_3D_SIZE 29\n";
   std::mt19937 random(1);
@@ -105,6 +106,7 @@ TEST(LutReaders, ReadTheSameInPiecesOfAnySize) {
                                  "%.6f\n",           "%+.6f %.25f %f # behind\n"};
     char line[200];
     std::snprintf(line, sizeof line, forms[row % 97 < 70 ? 0 : row % 6], value, value * 3, value / 7);
+    if (row % 1000 == 9) text.append(65540 - row / 1000, ' ');
     text += line;
     if (row % 9000 == 5) text += "\n# " + std::string(200000, 'c') + "\r\n\n";
   }
