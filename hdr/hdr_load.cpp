@@ -1,6 +1,5 @@
 #include "hdr/hdr_load.h"
 
-#include <fstream>
 #include <opencv2/core.hpp>
 
 #include "apply/parallel_hdr_lut.h"
@@ -19,8 +18,9 @@ constexpr int32_t kBands = 8;
 
 bool loadHdrCube(VideoAdjustColor& object, const std::u16string& path, int transfer) {
   if (lutExtension(path) != u".CUBE") return false;
-  std::ifstream stream = openLutFile(path);
-  return stream.is_open() && readHdrCube(object, stream, transfer);
+  LutFile file(path);
+  std::istream stream(&file);
+  return file.isOpen() && readHdrCube(object, stream, transfer);
 }
 
 bool readHdrCube(VideoAdjustColor& object, std::istream& stream, int transfer) {
