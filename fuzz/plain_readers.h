@@ -35,6 +35,7 @@ struct PlainLines {
     behindLast = text.back() == separator ? Lumvane::statusReadFailed : Lumvane::statusEndOfFile;
     std::istringstream stream(text);
     for (std::string line; std::getline(stream, line, separator);) {
+      line.resize(std::min(line.size(), size_t{65536}));
       if (!line.empty() && line[0] != '#' && line != "\r") lines.push(line);
     }
   }

@@ -1,6 +1,5 @@
 #include "hdr/hdr_load.h"
 
-#include <fstream>
 #include <limits>
 #include <mutex>
 #include <new>
@@ -61,8 +60,9 @@ std::unique_ptr<VideoAdjustColor> createVideoAdjustColor(const char16_t* lutDire
 
 bool loadHdrCube(VideoAdjustColor& object, const std::u16string& path, int transfer) {
   if (lutExtension(path) != u".CUBE") return false;
-  std::ifstream stream = openLutFile(path);
-  return stream.is_open() && readHdrCube(object, stream, transfer);
+  LutFile file(path);
+  std::istream stream(&file);
+  return file.isOpen() && readHdrCube(object, stream, transfer);
 }
 
 bool readHdrCube(VideoAdjustColor& object, std::istream& stream, int transfer) {

@@ -2,7 +2,6 @@
 
 #include <cstddef>
 #include <cstring>
-#include <fstream>
 #include <opencv2/core.hpp>
 
 #include "apply/frame_driver.h"
@@ -29,8 +28,9 @@ bool CubeLut::load(const std::u16string& path) {
   };
   const std::u16string extension = lutExtension(path);
   if (extension.empty()) return false;
-  std::ifstream stream = openLutFile(path);
-  if (!stream.is_open()) return false;
+  LutFile file(path);
+  if (!file.isOpen()) return false;
+  std::istream stream(&file);
   for (const auto& format : kFormats) {
     if (extension == format.extension) return readTable(stream, format.readHeader) == statusOk;
   }

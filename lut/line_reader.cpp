@@ -10,13 +10,18 @@
 namespace Lumvane {
 namespace {
 
-constexpr size_t kBlock = size_t{1} << 16;
-constexpr size_t kLongestFirstLine = 252;  // its terminator included
+constexpr size_t kBlock = size_t{1} << 15;
+constexpr size_t kLongestFirstLine = 252;            // its terminator included
+constexpr size_t kBytesThatCount = size_t{1} << 16;  // of a line
+// No line that is at hand when it is asked for is longer than that, and takePlainRow need not look.
+static_assert(kLongestFirstLine + kBlock <= kBytesThatCount);
 
 }  // namespace
 
 LineReader::LineReader(std::istream& stream)
-    : source_(stream.good() ? stream.rdbuf() : nullptr), buffer_(1), separator_(detectLineSeparator()) {}
+    : source_(stream.good() ? stream.rdbuf() : nullptr),
+      buffer_(std::make_unique_for_overwrite<char[]>(kBytesThatCount + kBlock + 1)),
+      separator_(detectLineSeparator()) {}
 
 // Reads ahead and takes nothing. A text that is shorter than the longest first line has to have a terminator as well.
 char LineReader::detectLineSeparator() {
@@ -41,20 +46,19 @@ void LineReader::takeLine() {
     status = statusEndOfFile;
     return;
   }
-  size_t length = 0;
-  const auto atSeparator = [&] {
-    const void* const found = std::memchr(ahead() + length, separator_, end_ - next_ - length);
-    length = found != nullptr ? static_cast<size_t>(static_cast<const char*>(found) - ahead()) : end_ - next_;
-    return found != nullptr;
-  };
-  while (!atSeparator()) {
+  const void* found;
+  size_t searched = 0;
+  while ((found = std::memchr(ahead() + searched, separator_, end_ - next_ - searched)) == nullptr) {
+    end_ = std::min(end_, next_ + kBytesThatCount);  // drops what makes a line too long, however long it gets
+    searched = end_ - next_;
     if (readMore()) continue;
     lastLineTaken_ = true;
-    if (failed_ || length == 0) status = statusReadFailed;
+    if (failed_ || searched == 0) status = statusReadFailed;
     break;
   }
-  line_ = {ahead(), length};
-  next_ += length + !lastLineTaken_;
+  const char* const end = found != nullptr ? static_cast<const char*>(found) : &buffer_[end_];
+  line_ = std::string_view(ahead(), static_cast<size_t>(end - ahead())).substr(0, kBytesThatCount);
+  next_ = static_cast<size_t>(end - buffer_.get()) + (found != nullptr);
 }
 
 bool LineReader::readRow(float (&values)[3]) {
@@ -81,23 +85,21 @@ bool LineReader::takePlainRow(float (&values)[3]) {
   skipBlanks();
   if (*p == '\r' && separator_ == '\n') ++p;
   if (*p != separator_) return false;
-  next_ = static_cast<size_t>(p + 1 - buffer_.data());
+  next_ = static_cast<size_t>(p + 1 - buffer_.get());
   values[0] = red;
   values[1] = green;
   values[2] = blue;
   return true;
 }
 
-// Drops what has been taken and adds what the stream has at hand. False at its end.
+// Drops what has been taken and adds what the stream has at hand, behind at most kBytesThatCount. False at its end.
 bool LineReader::readMore() {
   if (source_ == nullptr) return false;
   if (next_ != 0) {  // once for a line, however many pieces it comes in
     end_ -= next_;
-    std::memmove(buffer_.data(), ahead(), end_);
+    std::memmove(buffer_.get(), ahead(), end_);
     next_ = 0;
   }
-  // Doubled for lines that do not fit, so that the moves do not add up.
-  if (buffer_.size() < end_ + kBlock + 1) buffer_.resize(std::max(end_ + kBlock + 1, 2 * buffer_.size()));
   try {
     // Asking for a single byte makes the stream fetch as many as it likes, and what it then has it gives without
     // failing: nothing that was read ahead of a failure is lost.
@@ -105,7 +107,7 @@ bool LineReader::readMore() {
       source_ = nullptr;
     } else {
       const auto present = std::clamp<std::streamsize>(source_->in_avail(), 1, kBlock);
-      end_ += static_cast<size_t>(source_->sgetn(buffer_.data() + end_, present));
+      end_ += static_cast<size_t>(source_->sgetn(&buffer_[end_], present));
     }
   } catch (const std::bad_alloc&) {
     throw;

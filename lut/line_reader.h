@@ -2,8 +2,8 @@
 
 #include <cstddef>
 #include <istream>
+#include <memory>
 #include <string_view>
-#include <vector>
 
 #include "lut/lut_status.h"
 
@@ -15,6 +15,8 @@ namespace Lumvane {
 ///   where it is white space.
 /// - Empty lines, lines that hold only a CR, and lines whose very first byte is '#' are skipped anywhere. A line of
 ///   blanks, or blanks and then '#', is not.
+/// - Of a line the first 65536 bytes count, and so does what they hold of a number or a word that runs on behind them:
+///   files take the same small memory whatever their lines.
 class LineReader {
  public:
   /// Reads `stream` from where it stands. What is read ahead is lost to the stream.
@@ -40,13 +42,13 @@ class LineReader {
   void takeLine();
   bool takePlainRow(float (&values)[3]);
   bool readMore();
-  const char* ahead() const { return buffer_.data() + next_; }
+  const char* ahead() const { return &buffer_[next_]; }
 
-  std::streambuf* source_;    ///< null once it has ended or failed
-  std::vector<char> buffer_;  ///< what the stream gives at a time and, if that is longer, one line; a NUL behind `end_`
-  size_t next_ = 0;           ///< where the next line starts
-  size_t end_ = 0;            ///< of what was read
-  std::string_view line_;     ///< taken last
+  std::streambuf* source_;          ///< null once it has ended or failed
+  std::unique_ptr<char[]> buffer_;  ///< what counts of a line and, behind it, what the stream gives at a time
+  size_t next_ = 0;                 ///< where the next line starts
+  size_t end_ = 0;                  ///< of what was read; a NUL stands behind it
+  std::string_view line_;           ///< taken last
   bool again_ = false;
   bool failed_ = false;
   bool lastLineTaken_ = false;  ///< the one without a separator

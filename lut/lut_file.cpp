@@ -1,28 +1,58 @@
 #include "lut/lut_file.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#ifdef _WIN32
+#include <io.h>
+#include <windows.h>
+#endif
+
 #include <algorithm>
 #include <cerrno>
 #include <filesystem>
+#include <ios>
 #include <new>
 
 namespace Lumvane {
 namespace {
 
-void openAsItStands(std::ifstream& stream, const std::u16string& path) {
-  try {
-    errno = 0;
+constexpr size_t kBlock = size_t{1} << 16;
+
 #ifdef _WIN32
-    // Unit by unit, without a conversion: names there may hold halves of surrogate pairs.
-    const std::filesystem::path name(std::wstring(path.begin(), path.end()));
+int openForReading(const std::u16string& path) {
+  // Unit by unit, without a conversion: names there may hold halves of surrogate pairs.
+  return _wopen(std::wstring(path.begin(), path.end()).c_str(), _O_RDONLY | _O_BINARY | _O_NOINHERIT);
+}
+
+bool isRegular(int descriptor) {
+  return GetFileType(reinterpret_cast<HANDLE>(_get_osfhandle(descriptor))) == FILE_TYPE_DISK;
+}
 #else
-    const std::filesystem::path name(path);
-#endif
-    stream.open(name, std::ios::binary);
-    // Memory that has run out is no missing file: the next try may find it.
-    if (!stream.is_open() && errno == ENOMEM) throw std::bad_alloc();
+int openForReading(const std::u16string& path) {
+  try {
+    // Without waiting for the other end of a pipe, and without a terminal for the host.
+    return open(std::filesystem::path(path).c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
   } catch (const std::filesystem::filesystem_error&) {
-    // Half a surrogate pair has no UTF-8 form: no file can have this name.
+    return -1;  // half a surrogate pair has no UTF-8 form: no file can have this name
   }
+}
+
+bool isRegular(int descriptor) {
+  struct stat status;
+  return fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
+}
+#endif
+
+// The descriptor, or -1.
+int openAsItStands(const std::u16string& path) {
+  errno = 0;
+  const int descriptor = openForReading(path);
+  // Memory that has run out is no missing file: the next try may find it.
+  if (descriptor < 0 && errno == ENOMEM) throw std::bad_alloc();
+  if (descriptor < 0 || isRegular(descriptor)) return descriptor;
+  close(descriptor);
+  return -1;
 }
 
 }  // namespace
@@ -35,17 +65,29 @@ std::u16string lutExtension(const std::u16string& path) {
   return extension;
 }
 
-std::ifstream openLutFile(const std::u16string& path) {
-  std::ifstream stream;
-  openAsItStands(stream, path);
+LutFile::LutFile(const std::u16string& path)
+    : buffer_(std::make_unique_for_overwrite<char[]>(kBlock)), descriptor_(openAsItStands(path)) {
 #ifndef _WIN32
-  if (!stream.is_open() && path.find(u'\\') != std::u16string::npos) {
+  if (!isOpen() && path.find(u'\\') != std::u16string::npos) {
     std::u16string withSlashes = path;
     std::replace(withSlashes.begin(), withSlashes.end(), u'\\', u'/');
-    openAsItStands(stream, withSlashes);
+    descriptor_ = openAsItStands(withSlashes);
   }
 #endif
-  return stream;
+}
+
+LutFile::~LutFile() {
+  if (isOpen()) close(descriptor_);
+}
+
+LutFile::int_type LutFile::underflow() {
+  decltype(read(descriptor_, nullptr, 0)) count;
+  do {
+    count = read(descriptor_, buffer_.get(), kBlock);
+  } while (count < 0 && errno == EINTR);
+  if (count < 0) throw std::ios_base::failure("a LUT file cannot be read");
+  setg(buffer_.get(), buffer_.get(), buffer_.get() + count);
+  return count == 0 ? traits_type::eof() : traits_type::to_int_type(*gptr());
 }
 
 }  // namespace Lumvane

@@ -32,7 +32,7 @@ LutHeader read3dlHeader(LineReader& text) {
     if (!text.readLine(line)) return header;
   } while (!isMeshLine(line));
   std::vector<std::string_view> mesh;
-  // Counted first: a piece takes many times the memory of the blank that makes it, and there may be millions.
+  // Counted first: a piece takes many times the memory of the blank that makes it, and there may be thousands.
   if (std::count(line.begin(), line.end(), ' ') >= kLatticeStride) {
     text.status = statusSizeInvalid;
   } else if (CubeLut::splitFields(line, mesh); mesh.size() < kFewestPoints) {

@@ -3,6 +3,9 @@
 // random.
 
 #include <gtest/gtest.h>
+#ifndef _WIN32
+#include <sys/stat.h>
+#endif
 
 #include <algorithm>
 #include <cmath>
@@ -15,6 +18,7 @@
 #include "fuzz/plain_readers.h"
 #include "lut/cube_lut.h"
 #include "lut/numbers.h"
+#include "tests/inputs.h"
 
 namespace Lumvane {
 namespace {
@@ -63,10 +67,19 @@ TEST(LutReaders, TakeSixtyFivePoints) {
   EXPECT_EQ(threeDl->lattice[64][64][64][0], 274624.0f / 4095.0f * 255.0f);
 }
 
-TEST(LutReaders, LeaveTheStatusOfAFileThatIsNotThere) {
-  const auto lut = std::make_unique<CubeLut>();
-  EXPECT_FALSE(lut->load(u"/none/none.cube"));
-  EXPECT_EQ(lut->status, statusUnloaded);
+TEST(LutReaders, LeaveTheStatusOfWhatIsNoFile) {
+  const test::TemporaryFile file("a.cube/marker", "");  // in a folder of that name
+  const std::u16string folder = file.folder() + u"/";
+#ifndef _WIN32
+  ASSERT_EQ(mkfifo(std::filesystem::path(folder + u"pipe.cube").c_str(), 0600), 0);
+  std::filesystem::create_symlink("/dev/ptmx", folder + u"terminal.3dl");
+  std::filesystem::create_symlink("/dev/zero", folder + u"zero.cube");
+#endif
+  for (const char16_t* name : {u"none.cube", u"../a.cube", u"pipe.cube", u"terminal.3dl", u"zero.cube"}) {
+    const auto lut = std::make_unique<CubeLut>();
+    EXPECT_FALSE(lut->load(folder + name));
+    EXPECT_EQ(lut->status, statusUnloaded) << std::filesystem::path(name);
+  }
 }
 
 // Gives `text` in pieces of `piece` bytes and then throws `fault`, or ends without one.
@@ -95,7 +108,8 @@ std::unique_ptr<CubeLut> readInPieces(const std::string& text, size_t piece, std
   return read(stream);
 }
 
-// Rows of all forms, with comments that are longer than any block in between, past 100 kB in all.
+// Rows of all forms, past 100 kB in all. In between comments that are longer than any block, and rows with more bytes
+// than count, which end at any place of a number.
 TEST(LutReaders, ReadTheSameInPiecesOfAnySize) {
   std::string text = "# " + std::string(100, 'x') + "\nLUT_3D_SIZE 29\n";
   std::mt19937 random(1);
@@ -105,6 +119,7 @@ TEST(LutReaders, ReadTheSameInPiecesOfAnySize) {
                                  "%.6f\n",           "%+.6f %.25f %f # behind\n"};
     char line[200];
     std::snprintf(line, sizeof line, forms[row % 97 < 70 ? 0 : row % 6], value, value * 3, value / 7);
+    if (row % 1000 == 9) text.append(65540 - row / 1000, ' ');
     text += line;
     if (row % 9000 == 5) text += "\n# " + std::string(200000, 'c') + "\r\n\n";
   }
