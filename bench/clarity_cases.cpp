@@ -19,7 +19,7 @@ class PlainClarity : public Peer {
     const cv::Mat from(src_.height, src_.width, CV_8UC4, src_.planes[0].data());
     cv::Mat to(dst_.height, dst_.width, CV_8UC4, dst_.planes[0].data());
     clarityPipeline(effect_, from, to, kSaturation, kIntensity,
-                    {Lumvane::plainHsvKernels, Lumvane::plainDetailKernels});
+                    {Lumvane::plainHsvKernels, Lumvane::plainDetailKernels, Lumvane::plainPyramidKernels});
   }
   Picture output() const override { return dst_; }
   std::string name() const override { return "plain form, same bytes"; }

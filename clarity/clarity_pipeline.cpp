@@ -1,5 +1,7 @@
 #include <algorithm>
+#include <optional>
 
+#include "base/overlap.h"
 #include "base/parallel.h"
 #include "clarity/nle_pure_c_clarity.h"
 
@@ -9,106 +11,88 @@ namespace {
 constexpr int kMostStripes = 16;
 constexpr float kPercent = 0.01f;
 constexpr float kSaturationSpan = 0.15f;
-constexpr int kChunk = 512;
+constexpr int kChunk = 512;  // pixels whose planes are at hand at a time
 
-// As many rows as keep the planes that are made for them in the cache of a core, and not so few that the rows made in
-// vain on both sides of them count.
-int rowsOfBand(int width) { return std::max(16, (1 << 16) / width); }
-
-// The passes over the rows of a frame, for runParallel over stripe numbers. Each row is done once, however the numbers are
-// dealt out.
-
-// Decodes BGRA rows into a value plane.
+// Decodes a row of BGRA pixels into the value that the pyramid is made of.
 struct clarityAnalysisPass {
-  int rows;
-  int stripes;
   const cv::Mat& src;
-  cv::Mat& value;
   ValueRow* valueRow;
 
-  void operator()(const cv::Range& range) const {
-    const StripeRows band(range, rows, stripes);
-    for (int y = band.first; y < band.end; ++y) {
-      valueRow(src.ptr(y), value.ptr<float>(y), static_cast<size_t>(src.cols));
-    }
+  const float* operator()(int y, float* buffer) const {
+    valueRow(src.ptr(y), buffer, static_cast<size_t>(src.cols));
+    return buffer;
   }
 };
 
-// Decodes BGRA rows into hue and saturation, which takes less than to keep planes of them, and encodes them again with
-// the value plane, with the alpha of src. Before that it mixes into the value plane, in place, the pyramid's finest
-// level with its raised differences; an amount of 0 leaves the plane as it is.
+// Decodes BGRA rows into hue, saturation and value, mixes into the value the finest level of the pyramid with its raised
+// differences, and encodes them again with the alpha of src. An amount of 0 leaves the value as it is. For runParallel
+// over stripe numbers.
 struct claritySynthesisPass {
   int rows;
   int stripes;
-  cv::Mat& value;
   cv::Mat& dst;
   const cv::Mat& src;
   float saturationFactor;
-  ClarityPyramid& pyramid;  // collapsed, with a band for each stripe
+  ClarityPyramid& pyramid;  // collapsed
   float amount;
   const ClarityKernels& kernels;
 
   void operator()(const cv::Range& range) const {
-    const StripeRows stripe(range, rows, stripes);
-    const int step = rowsOfBand(dst.cols);
-    for (int first = stripe.first; first < stripe.end; first += step) {
-      const int end = std::min(first + step, stripe.end);
-      if (amount > 0.0f) mixDetails(first, end, pyramid.bands[static_cast<size_t>(range.start)]);
-      for (int y = first; y < end; ++y) encode(y);
+    const StripeRows band(range, rows, stripes);
+    std::optional<PyramidUp> surroundings, rebuilt;
+    if (amount > 0.0f && pyramid.gaussian.size() > 1) {
+      const auto width = static_cast<size_t>(dst.cols);
+      float* const room = scratchRows(pyramid.scratch[static_cast<size_t>(range.start)], 6 * width);
+      surroundings.emplace(pyramid.gaussian[1], dst.size(), room, kernels.pyramid);
+      rebuilt.emplace(pyramid.rebuiltLevel(1), dst.size(), room + 3 * width, kernels.pyramid);
     }
-  }
-
- private:
-  void mixDetails(int first, int end, ClarityPyramid::Band& band) const {
-    const size_t next = std::min<size_t>(1, pyramid.gaussian.size() - 1);  // a single level is its own surroundings
-    const cv::Mat coarse = pyramidUpRows(pyramid.gaussian[next], dst.size(), first, end, band.coarse);
-    const cv::Mat rebuilt = pyramidUpRows(pyramid.rebuilt[next], dst.size(), first, end, band.rebuilt);
-    for (int y = first; y < end; ++y) {
+    for (int y = band.first; y < band.end; ++y) {
+      if (surroundings) surroundings->moveTo(y), rebuilt->moveTo(y);
       for (int x = 0; x < dst.cols; x += kChunk) {
-        const auto samples = static_cast<size_t>(std::min(kChunk, dst.cols - x));
-        float* const plain = value.ptr<float>(y, x);
-        alignas(64) float enhanced[kChunk];
-        kernels.details.detail(plain, coarse.ptr<float>(y - first, x), kDetailCoefficient, kDetailGain,
-                               rebuilt.ptr<float>(y - first, x), enhanced, samples);
-        kernels.details.blend(plain, 1.0f - amount, enhanced, amount, plain, samples);
+        const auto pixels = static_cast<size_t>(std::min(kChunk, dst.cols - x));
+        alignas(64) float hue[kChunk], saturation[kChunk], value[kChunk];
+        kernels.hsv.analysis(src.ptr(y, x), saturationFactor, hue, saturation, value, pixels);
+        if (amount > 0.0f) {
+          // A single level is its own surroundings.
+          alignas(64) float coarse[kChunk], base[kChunk];
+          const float* const around = surroundings ? surroundings->samples(x, pixels, coarse) : value;
+          const float* const below = rebuilt ? rebuilt->samples(x, pixels, base) : value;
+          kernels.details.detail(value, around, kDetailCoefficient, kDetailGain, below, base, pixels);
+          kernels.details.blend(value, 1.0f - amount, base, amount, value, pixels);
+        }
+        kernels.hsv.synthesis(hue, saturation, value, src.ptr(y, x), dst.ptr(y, x), pixels);
       }
-    }
-  }
-  void encode(int y) const {
-    for (int x = 0; x < dst.cols; x += kChunk) {
-      const auto pixels = static_cast<size_t>(std::min(kChunk, dst.cols - x));
-      alignas(64) float hue[kChunk], saturation[kChunk], valueBefore[kChunk];
-      kernels.hsv.analysis(src.ptr(y, x), saturationFactor, hue, saturation, valueBefore, pixels);
-      kernels.hsv.synthesis(hue, saturation, value.ptr<float>(y, x), src.ptr(y, x), dst.ptr(y, x), pixels);
     }
   }
 };
 
+// True when writing dst would change pixels of src that are not yet read: those at other places than where they are read.
+bool overwritesUnread(const cv::Mat& dst, const cv::Mat& src) {
+  if (dst.data == src.data && dst.step[0] == src.step[0]) return false;
+  const auto extent = [](const cv::Mat& frame) {
+    return Extent(frame.ptr(), static_cast<ptrdiff_t>(frame.step[0]), frame.cols * frame.elemSize(), frame.rows);
+  };
+  return extent(dst).overlaps(extent(src));
+}
+
 }  // namespace
 
-int clarityPipeline(NLEPureCClarity& effect, const cv::Mat& src, cv::Mat& dst, int saturation, int intensity,
+int clarityPipeline(NLEPureCClarity& effect, const cv::Mat& frame, cv::Mat& dst, int saturation, int intensity,
                     const ClarityKernels& kernels) {
-  if (src.empty() || dst.empty()) return 1;
-  // Does nothing for a plane of the right size that has its pixels; one that an earlier failure left half-made has none.
-  cv::Mat& value = effect.value;
-  value.create(src.size(), CV_32FC1);
+  if (frame.empty() || dst.empty()) return 1;
+  const cv::Mat src = overwritesUnread(dst, frame) ? frame.clone() : frame;
   const float saturationFactor =
       std::clamp(static_cast<float>(saturation), -100.0f, 100.0f) * kPercent * kSaturationSpan + 1.0f;
-  const int threads = cv::getNumThreads();
-  const int stripes = std::clamp(2 * threads, 1, kMostStripes);
-
-  runParallel(stripes, clarityAnalysisPass{src.rows, stripes, src, value, kernels.hsv.value}, threads);
-
+  const int stripes = std::clamp(2 * cv::getNumThreads(), 1, kMostStripes);
   const float amount = std::clamp(static_cast<float>(intensity), 0.0f, 100.0f) * kPercent;
   if (amount > 0.0f) {
-    buildClarityPyramid(value, effect.levels, effect.pyramid);
-    collapseClarityPyramid(effect.pyramid, kernels.details.detail);
-    effect.pyramid.bands.resize(static_cast<size_t>(stripes));
+    buildClarityPyramid(clarityAnalysisPass{src, kernels.hsv.value}, src.size(), effect.levels, stripes, effect.pyramid,
+                        kernels.pyramid);
+    collapseClarityPyramid(effect.pyramid, kernels.pyramid, kernels.details.detail);
   }
-  runParallel(
-      stripes,
-      claritySynthesisPass{dst.rows, stripes, value, dst, src, saturationFactor, effect.pyramid, amount, kernels},
-      threads);
+  runParallel(stripes,
+              claritySynthesisPass{dst.rows, stripes, dst, src, saturationFactor, effect.pyramid, amount, kernels},
+              stripes);
   return 0;
 }
 

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <bit>
-#include <opencv2/imgproc.hpp>
 
 #include "base/parallel.h"
 
@@ -10,26 +9,57 @@ namespace Lumvane {
 namespace {
 
 constexpr int kMostLevels = 8;
+constexpr int kTaps = 5;
 constexpr int kLeastShared =
     1 << 15;  // samples of a plane below which waking another thread takes longer than the work
 
-// Adds to a level the raised differences between it, as it was at first, and the next coarser one brought up to its
-// size.
+int stripesOf(cv::Size size) { return size.area() >= kLeastShared ? std::max(1, 2 * cv::getNumThreads()) : 1; }
+
+// The number of a row beyond an edge that reflects, the outermost row not repeated.
+int reflected(int y, int rows) {
+  while (y < 0 || y >= rows) y = y < 0 ? -y : 2 * (rows - 1) - y;
+  return y;
+}
+
+void downRows(const RowOfPlane& input, cv::Size size, const StripeRows& rows, cv::Mat& output, float* scratch,
+              const PyramidKernels& kernels) {
+  const auto sums = [&](int y) { return scratch + static_cast<ptrdiff_t>(y % kTaps) * output.cols; };
+  float* const buffer = scratch + static_cast<ptrdiff_t>(kTaps) * output.cols;
+  int next = std::max(2 * rows.first - 2, 0);
+  for (int y = rows.first; y < rows.end; ++y) {
+    for (; next <= std::min(2 * y + 2, size.height - 1); ++next) {
+      kernels.downAcross(input(next, buffer), size.width, sums(next));
+    }
+    const float* taps[kTaps];
+    for (int i = 0; i < kTaps; ++i) taps[i] = sums(reflected(2 * y + i - 2, size.height));
+    kernels.downAlong(taps, output.cols, output.ptr<float>(y));
+  }
+}
+
+// Puts a level together: its samples, and the raised differences between it and the next coarser one.
 struct clarityDetailPass {
   int rows;
   int stripes;
   const cv::Mat& fine;
-  const cv::Mat& coarse;
-  cv::Mat& rebuilt;
+  const cv::Mat& coarse;   // of the Gaussian pyramid
+  const cv::Mat& rebuilt;  // the same, put together
+  cv::Mat& out;
   float coefficient;
   float gain;
+  std::vector<cv::Mat>& scratch;
+  const PyramidKernels& kernels;
   DetailRow* detailRow;
 
   void operator()(const cv::Range& range) const {
     const StripeRows band(range, rows, stripes);
+    const auto width = static_cast<size_t>(fine.cols);
+    float* const room = scratchRows(scratch[static_cast<size_t>(range.start)], 8 * width);
+    PyramidUp surroundings(coarse, fine.size(), room, kernels), base(rebuilt, fine.size(), room + 3 * width, kernels);
     for (int y = band.first; y < band.end; ++y) {
-      auto* const row = rebuilt.ptr<float>(y);
-      detailRow(fine.ptr<float>(y), coarse.ptr<float>(y), coefficient, gain, row, row, static_cast<size_t>(fine.cols));
+      surroundings.moveTo(y);
+      base.moveTo(y);
+      detailRow(fine.ptr<float>(y), surroundings.samples(0, width, room + 6 * width), coefficient, gain,
+                base.samples(0, width, room + 7 * width), out.ptr<float>(y), width);
     }
   }
 };
@@ -40,61 +70,86 @@ StripeRows::StripeRows(const cv::Range& range, int rows, int stripes)
     : first(static_cast<int>(int64_t{range.start} * rows / stripes)),
       end(range.end >= stripes ? rows : static_cast<int>(int64_t{range.end} * rows / stripes)) {}
 
+float* scratchRows(cv::Mat& memory, size_t samples) {
+  if (memory.total() < samples) memory.create(1, static_cast<int>(samples), CV_32FC1);
+  return memory.ptr<float>();
+}
+
 int clarityLevelCount(int width, int height) {
   const auto shorterSide = static_cast<unsigned>(std::max(std::min(width, height), 1));
   return std::min(static_cast<int>(std::bit_width(shorterSide - 1)) + 1, kMostLevels);  // ceil(log2(side)) + 1
 }
 
-void pyramidDown(const cv::Mat& input, cv::Mat& output) {
-  if (input.cols < 2 || input.rows < 2) return input.copyTo(output);
-  cv::pyrDown(input, output, cv::Size(), cv::BORDER_REFLECT_101);
+void pyramidDown(const RowOfPlane& input, cv::Size size, cv::Mat& output, int stripes, std::vector<cv::Mat>& scratch,
+                 const PyramidKernels& kernels) {
+  const bool isCopy = size.width < 2 || size.height < 2;
+  output.create(isCopy ? size : cv::Size((size.width + 1) / 2, (size.height + 1) / 2), CV_32FC1);
+  runParallel(
+      stripes,
+      [&](const cv::Range& range) {
+        const StripeRows rows(range, output.rows, stripes);
+        if (isCopy) {
+          for (int y = rows.first; y < rows.end; ++y) {
+            float* const row = output.ptr<float>(y);
+            const float* const from = input(y, row);
+            if (from != row) std::copy_n(from, size.width, row);
+          }
+          return;
+        }
+        const auto samples = static_cast<size_t>(kTaps * output.cols + size.width);
+        downRows(input, size, rows, output, scratchRows(scratch[static_cast<size_t>(range.start)], samples), kernels);
+      },
+      stripes);
 }
 
-void pyramidUp(const cv::Mat& input, cv::Size size, cv::Mat& output) {
-  if (input.size() == size) return input.copyTo(output);
-  cv::pyrUp(input, output, size, cv::BORDER_REFLECT_101);
+// A row at 2 * s is made of the rows s - 1, s and s + 1 of the input, the one below it of s and s + 1.
+void PyramidUp::moveTo(int y) {
+  y_ = y;
+  if (isCopy()) return;
+  const int first = std::max(y % 2 == 0 ? y / 2 - 1 : y / 2, 0), last = std::min(y / 2 + 1, input_.rows - 1);
+  for (next_ = std::max(next_, first); next_ <= last; ++next_) {
+    kernels_.upAcross(input_.ptr<float>(next_), input_.cols, across(next_), size_.width);
+  }
 }
 
-// A row at 2 * s is made of the rows s - 1, s and s + 1 of the input, the one below it of s and s + 1. Rows are brought
-// up with one more on each side, whose own results are then left out: cv::pyrUp takes them for edges of the frame.
-cv::Mat pyramidUpRows(const cv::Mat& input, cv::Size size, int first, int end, cv::Mat& buffer) {
-  if (input.size() == size) return input.rowRange(first, end);
-  const int inputFirst = std::max(first / 2 - 1, 0), inputEnd = std::min((end - 1) / 2 + 2, input.rows);
-  const int outputFirst = 2 * inputFirst, outputEnd = std::min(2 * inputEnd, size.height);
-  const int rows = outputEnd - outputFirst;
-  if (buffer.rows < rows || buffer.cols != size.width) buffer.create(rows, size.width, input.type());
-  cv::Mat output = buffer.rowRange(0, rows);
-  cv::pyrUp(input.rowRange(inputFirst, inputEnd), output, output.size(), cv::BORDER_REFLECT_101);
-  return output.rowRange(first - outputFirst, end - outputFirst);
+const float* PyramidUp::samples(int x, size_t count, float* buffer) const {
+  if (isCopy()) return input_.ptr<float>(y_, x);
+  const int row = y_ / 2, last = input_.rows - 1;
+  const float* const below = across(std::min(row + 1, last)) + x;
+  if (y_ % 2 != 0) {
+    kernels_.upAlongOdd(across(row) + x, below, buffer, count);
+  } else {
+    const int above = row > 0 ? row - 1 : std::min(1, last);
+    kernels_.upAlongEven(across(above) + x, across(row) + x, below, buffer, count);
+  }
+  return buffer;
 }
 
-void buildClarityPyramid(const cv::Mat& value, int levels, ClarityPyramid& pyramid) {
+void buildClarityPyramid(const RowOfPlane& value, cv::Size size, int levels, int stripes, ClarityPyramid& pyramid,
+                         const PyramidKernels& kernels) {
   const auto n = static_cast<size_t>(std::max(levels, 1));
-  for (auto* planes : {&pyramid.gaussian, &pyramid.coarse, &pyramid.rebuilt}) planes->resize(n);
-  pyramid.gaussian[0] = value;
-  for (size_t i = 1; i < n; ++i) pyramidDown(pyramid.gaussian[i - 1], pyramid.gaussian[i]);
+  for (auto* planes : {&pyramid.gaussian, &pyramid.rebuilt}) planes->resize(n);
+  auto& gaussian = pyramid.gaussian;
+  pyramid.scratch.resize(static_cast<size_t>(std::max(stripes, stripesOf(size))));
+  if (n > 1) pyramidDown(value, size, gaussian[1], stripes, pyramid.scratch, kernels);
+  for (size_t i = 2; i < n; ++i) {
+    const cv::Mat& fine = gaussian[i - 1];
+    const auto row = [&fine](int y, float*) { return fine.ptr<float>(y); };
+    pyramidDown(row, fine.size(), gaussian[i], stripesOf(fine.size()), pyramid.scratch, kernels);
+  }
 }
 
-void collapseClarityPyramid(ClarityPyramid& pyramid, DetailRow* detailRow) {
+void collapseClarityPyramid(ClarityPyramid& pyramid, const PyramidKernels& kernels, DetailRow* detailRow) {
   const auto& gaussian = pyramid.gaussian;
-  auto& coarse = pyramid.coarse;
-  auto& rebuilt = pyramid.rebuilt;
-  const size_t last = gaussian.size() - 1;
-  // The coarsest level has no details.
-  gaussian[last].copyTo(rebuilt[last]);
-  for (size_t i = last; i-- > 1;) {
+  for (size_t i = gaussian.size() - 1; i-- > 1;) {
     const cv::Mat& fine = gaussian[i];
-    const auto bringUp = [&](const cv::Range& which) {
-      if (which.start == 0) pyramidUp(gaussian[i + 1], fine.size(), coarse[i]);
-      if (which.end == 2) pyramidUp(rebuilt[i + 1], fine.size(), rebuilt[i]);
-    };
-    const bool shared = fine.size().area() >= kLeastShared;
-    runParallel(2, bringUp, shared ? 2 : 1);
-    const int stripes = shared ? std::max(1, 2 * cv::getNumThreads()) : 1;
-    runParallel(
-        stripes,
-        clarityDetailPass{fine.rows, stripes, fine, coarse[i], rebuilt[i], kDetailCoefficient, kDetailGain, detailRow},
-        stripes);
+    cv::Mat& rebuilt = pyramid.rebuilt[i];
+    rebuilt.create(fine.size(), CV_32FC1);
+    const int stripes = stripesOf(fine.size());
+    runParallel(stripes,
+                clarityDetailPass{fine.rows, stripes, fine, gaussian[i + 1], pyramid.rebuiltLevel(i + 1), rebuilt,
+                                  kDetailCoefficient, kDetailGain, pyramid.scratch, kernels, detailRow},
+                stripes);
   }
 }
 

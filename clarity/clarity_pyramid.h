@@ -1,30 +1,31 @@
 // The heart of the effect: a plane is split into a Gaussian pyramid, the differences between its levels are raised, the
 // small ones among them most, and the plane is put together again.
+//
+// Level 0, of the frame's size, is never stored: its rows are computed where they are used. So is a level that is brought
+// up to the size of the next finer one.
 #pragma once
 
+#include <functional>
 #include <opencv2/core.hpp>
 #include <vector>
 
 #include "clarity/detail_kernels.h"
+#include "clarity/pyramid_kernels.h"
 
 namespace Lumvane {
 
 inline constexpr float kDetailCoefficient = 22.222221f;  // 1 / (2 * sigma * sigma) for sigma = 0.15
 inline constexpr float kDetailGain = 0.55f;
 
-/// The planes of a pyramid, CV_32FC1, finest level first. Nothing in them counts for the next frame but their memory:
-/// finding new memory for each frame takes longer than working on it.
+/// The planes of a pyramid, CV_32FC1, by level. Nothing in them counts for the next frame but their memory: finding new
+/// memory for each frame takes longer than working on it.
 struct ClarityPyramid {
-  std::vector<cv::Mat> gaussian;  ///< what is left of the plane at half the size, a quarter, and so on
-  std::vector<cv::Mat> coarse;    ///< what the next coarser level of `gaussian` tells of each level, at its size
-  std::vector<cv::Mat> rebuilt;   ///< each level put together again from the coarser ones
+  std::vector<cv::Mat> gaussian;  ///< what is left of the plane at half the size, a quarter, and so on; none at 0
+  std::vector<cv::Mat> rebuilt;   ///< each level put together again from the coarser ones; none at 0 and the last
+  std::vector<cv::Mat> scratch;   ///< rows at hand, for each stripe
 
-  /// The finest level of `coarse` and `rebuilt` is made by bands of rows, where it is used. A pair of them for each
-  /// stripe.
-  struct Band {
-    cv::Mat coarse, rebuilt;
-  };
-  std::vector<Band> bands;
+  /// Level i from 1 on, put together: the coarsest one has no details.
+  const cv::Mat& rebuiltLevel(size_t i) const { return i + 1 == gaussian.size() ? gaussian[i] : rebuilt[i]; }
 };
 
 /// The rows that belong to the stripes of a range: from first up to, not including, end.
@@ -35,25 +36,53 @@ struct StripeRows {
   StripeRows(const cv::Range& range, int rows, int stripes);
 };
 
+/// Room for `samples` floats in `memory`, which grows as it has to.
+float* scratchRows(cv::Mat& memory, size_t samples);
+
 /// Levels of the pyramid for frames of this size: one more than the shorter side can be halved, from 1 to 8.
 int clarityLevelCount(int width, int height);
 
-/// A plane of half the size, (side + 1) / 2; a copy where a side cannot be halved any more.
-void pyramidDown(const cv::Mat& input, cv::Mat& output);
+/// Row y of a plane: where it lies, or in `buffer`, which has room for it.
+using RowOfPlane = std::function<const float*(int y, float* buffer)>;
 
-/// A plane brought up to `size`, that of the finer level that it came from; a copy where it has that size.
-void pyramidUp(const cv::Mat& input, cv::Size size, cv::Mat& output);
+/// A plane of half the size, (side + 1) / 2, from a plane of the size `size`; a copy where a side cannot be halved any
+/// more. Works in `stripes` parts on OpenCV's threads, with a scratch for each.
+void pyramidDown(const RowOfPlane& input, cv::Size size, cv::Mat& output, int stripes, std::vector<cv::Mat>& scratch,
+                 const PyramidKernels& kernels);
 
-/// The rows from `first` up to, not including, `end` of what pyramidUp makes, and only these: in `buffer`, which grows
-/// as it has to, or the rows of `input` itself.
-cv::Mat pyramidUpRows(const cv::Mat& input, cv::Size size, int first, int end, cv::Mat& buffer);
+/// The rows of a plane brought up to `size`, that of the finer level that it came from; those of the plane itself where it
+/// has that size.
+class PyramidUp {
+ public:
+  /// `rows` has room for three rows of the finer level.
+  PyramidUp(const cv::Mat& input, cv::Size size, float* rows, const PyramidKernels& kernels)
+      : input_(input), size_(size), rows_(rows), kernels_(kernels) {}
 
-/// Makes a pyramid of `levels` levels, at least one. pyramid.gaussian[0] shares the pixels of `value`, a CV_32FC1 plane,
-/// and each further entry has half the size of the one before.
-void buildClarityPyramid(const cv::Mat& value, int levels, ClarityPyramid& pyramid);
+  /// Goes to row y, which is below the row before.
+  void moveTo(int y);
 
-/// Puts the levels together again, coarsest first, and raises the details of all but the finest. That one is left to
-/// the last pass over the frame.
-void collapseClarityPyramid(ClarityPyramid& pyramid, DetailRow* detailRow);
+  /// The samples of this row from column x on: where they lie, or in `buffer`.
+  const float* samples(int x, size_t count, float* buffer) const;
+
+ private:
+  float* across(int row) const { return rows_ + static_cast<ptrdiff_t>(row % 3) * size_.width; }
+  bool isCopy() const { return input_.size() == size_; }
+
+  const cv::Mat& input_;
+  cv::Size size_;
+  float* rows_;  // those rows of the input that are at hand, brought up across
+  const PyramidKernels& kernels_;
+  int y_ = 0;
+  int next_ = 0;  // row of the input that was not brought up yet
+};
+
+/// Makes a pyramid of `levels` levels, at least one, of a plane of the size `size`; each has half the size of the one
+/// before. Level 0 is worked on in `stripes` parts.
+void buildClarityPyramid(const RowOfPlane& value, cv::Size size, int levels, int stripes, ClarityPyramid& pyramid,
+                         const PyramidKernels& kernels);
+
+/// Puts the levels together again, coarsest first, and raises the details of all but level 0. That one is left to the
+/// last pass over the frame.
+void collapseClarityPyramid(ClarityPyramid& pyramid, const PyramidKernels& kernels, DetailRow* detailRow);
 
 }  // namespace Lumvane

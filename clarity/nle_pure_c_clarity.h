@@ -13,6 +13,7 @@ namespace Lumvane {
 struct ClarityKernels {
   const HsvKernels& hsv = hsvKernels();
   const DetailKernels& details = detailKernels();
+  const PyramidKernels& pyramid = pyramidKernels();
 };
 
 /// The clarity effect: see CreateNLEPureCClarity. Its parameters "saturation" and "intensity" are whole numbers, kept
@@ -24,8 +25,7 @@ class NLEPureCClarity : public NLEAdjustColorEffect {
   int width = 0;  ///< the size for which `levels` was computed
   int height = 0;
   int levels = 0;          ///< pyramid levels, also for frames of another size; 0 counts as 1
-  cv::Mat value;           ///< plane of the frame at hand, from 0 to 1; CV_32FC1
-  ClarityPyramid pyramid;  ///< of the value plane
+  ClarityPyramid pyramid;  ///< of the value of the frame at hand, from 0 to 1
 
   ~NLEPureCClarity() override = default;
 

@@ -17,9 +17,9 @@
  * Threads  A handle serves one thread at a time. Different handles may be used side by side. Large frames are spread
  *          over OpenCV's worker threads; a call returns when all its work is done. cv::setNumThreads governs how many
  *          there are; on Windows, where OpenCV is inside the DLL, OPENCV_FOR_THREADS_NUM in the environment does.
- * Bytes    The same input gives the same bytes on every processor, system and number of threads; for clarity, which
- *          resamples through OpenCV, as long as that is the same build. Nor do the locale and the floating-point mode of
- *          the calling thread matter (rounding, denormals flushed or not, traps); the mode is found as it was.
+ * Bytes    The same input gives the same bytes on every processor, system and number of threads. Nor do the locale
+ *          and the floating-point mode of the calling thread matter (rounding, denormals flushed or not, traps); the mode
+ *          is found as it was.
  * Failures Nothing prints or logs. What C++ throws when memory runs out passes out of the call: std::bad_alloc, or
  *          cv::Exception from within OpenCV. On Windows these are exceptions of GCC: a host that another compiler
  *          built cannot catch them, and ends.
@@ -132,7 +132,9 @@ LUMVANE_API void* CreateNLEPureCClarity(int32_t width, int32_t height, int32_t r
  * srcWidth   Not read.
  * srcHeight  Not read.
  * srcStride  Stride of the source, by the same rule.
- * Overlap    dst and src may be one buffer with one stride. No other overlap.
+ * Overlap    dst and src may overlap in any way, also as one buffer with two strides: the frame that is rendered is the
+ *            one that src held before the call. Where they overlap, and are not the same pixels at the same places, the
+ *            call works from a copy of src.
  * Returns    1 when the frame was rendered. 0, with the destination as it was: a null handle or buffer, a width or
  *            height of 0 or less, a stride above 0 and below width * 4.
  * Cost       A handle keeps planes of floats from its first frame on, some 9 bytes a pixel (19 MB at 1920 x 1080), and

@@ -2,13 +2,16 @@
 
 #include <climits>
 #include <cmath>
+#include <cstring>
 #include <memory>
+#include <opencv2/imgproc.hpp>
 
 #include "clarity/clarity_pyramid.h"
 #include "clarity/detail_kernels.h"
 #include "clarity/nle_pure_c_clarity.h"
 #include "lumvane.h"
 #include "tests/inputs.h"
+#include "tests/targets.h"
 
 namespace {
 
@@ -36,8 +39,8 @@ TEST(Clarity, TakesNothingFromTheFramesBefore) {
   const Clarity clarity(640, 360, 40, 80);
   for (const auto& [width, height] : {std::pair{64, 48}, {48, 64}, {48, 90}, {200, 100}, {1, 1}, {64, 48}}) {
     // As after a frame whose planes did not all find memory.
-    clarity.effect().value.release();
     if (!clarity.effect().pyramid.rebuilt.empty()) clarity.effect().pyramid.rebuilt[2].release();
+    clarity.effect().pyramid.scratch.clear();
     clarity.effect().pyramid.gaussian.resize(2);
     Frame src = noiseFrame(width, height), dst(width, height), expected(width, height);
     EXPECT_EQ(clarity.process(dst, src), 1);
@@ -114,6 +117,79 @@ TEST(Clarity, RejectsWhatIsNoFrameAndLeavesTheDestination) {
   DestoryNLEPureCClarity(nullptr);
   EXPECT_EQ(clarity.process(dst, src), 1);
 }
+
+// The frame that is rendered is the one that was there before, however the two lie.
+TEST(Clarity, RendersTheSourceAsItWasWhereTheFramesOverlap) {
+  constexpr int kWidth = 300, kHeight = 200, kRow = 4 * kWidth;
+  const Bytes src = noiseFrame(kWidth, kHeight).packed();
+  struct Case {
+    ptrdiff_t from, to;
+    int fromStride, toStride;
+  };
+  for (const Case& c : {Case{0, 0, kRow, kRow},
+                        {0, 0, kRow, kRow + 64},
+                        {0, 0, kRow + 64, kRow},
+                        {0, kRow, kRow, kRow},
+                        {kRow, 0, kRow, kRow},
+                        {0, 7 * kRow + 20, kRow, kRow},
+                        {4, 0, kRow, kRow + 4}}) {
+    Bytes expected(kRow * kHeight), found(kRow * kHeight);
+    const Clarity clarity(kWidth, kHeight, 30, 90);
+    NLEPureCClarityProcess(clarity.handle, expected.data(), kWidth, kHeight, 0, src.data(), 0, 0, 0);
+    for (const int threads : {1, 2, 7}) {
+      cv::setNumThreads(threads);
+      Bytes buffer((kRow + 64) * (kHeight + 8));
+      for (int y = 0; y < kHeight; ++y) {
+        std::copy_n(src.data() + y * kRow, kRow, buffer.data() + c.from + y * c.fromStride);
+      }
+      NLEPureCClarityProcess(clarity.handle, buffer.data() + c.to, kWidth, kHeight, c.toStride, buffer.data() + c.from,
+                             0, 0, c.fromStride);
+      for (int y = 0; y < kHeight; ++y) {
+        std::copy_n(buffer.data() + c.to + y * c.toStride, kRow, found.data() + y * kRow);
+      }
+      EXPECT_TRUE(found == expected) << c.from << " " << c.to << " " << c.toStride << ", threads " << threads;
+    }
+  }
+  cv::setNumThreads(-1);
+}
+
+#ifdef __x86_64__
+// Bit for bit what OpenCV gives here, where its builds fuse no multiply and add.
+class Pyramid : public test::EveryTarget {};
+INSTANTIATE_TEST_SUITE_P(On, Pyramid, test::everyTarget(), test::targetName);
+
+TEST_P(Pyramid, GivesTheFloatsOfOpenCv) {
+  const auto compare = [](const cv::Size& size) {
+    cv::Mat fine(size, CV_32FC1), down, coarse, up;
+    cv::RNG(static_cast<uint64_t>(size.area())).fill(fine, cv::RNG::UNIFORM, 0.0, 1.0);
+    std::vector<cv::Mat> scratch(3);
+    const auto row = [&fine](int y, float*) { return fine.ptr<float>(y); };
+    Lumvane::pyramidDown(row, size, down, 3, scratch, Lumvane::pyramidKernels());
+    const bool halved = size.width > 1 && size.height > 1;
+    if (halved) cv::pyrDown(fine, coarse, cv::Size(), cv::BORDER_REFLECT_101);
+    const cv::Mat& expected = halved ? coarse : fine;
+    ASSERT_EQ(down.size(), expected.size());
+    ASSERT_EQ(std::memcmp(down.data, expected.data, 4 * down.total()), 0) << "down from " << size;
+    if (!halved) return;
+    cv::pyrUp(coarse, up, size, cv::BORDER_REFLECT_101);
+    std::vector<float> rows(3 * static_cast<size_t>(size.width)), buffer(static_cast<size_t>(size.width));
+    for (const int first : {0, size.height / 2}) {
+      Lumvane::PyramidUp brought(coarse, size, rows.data(), Lumvane::pyramidKernels());
+      for (int y = first; y < size.height; ++y) {
+        brought.moveTo(y);
+        const float* const found = brought.samples(0, buffer.size(), buffer.data());
+        ASSERT_EQ(std::memcmp(found, up.ptr(y), 4 * buffer.size()), 0) << "up to " << size << ", row " << y;
+      }
+    }
+  };
+  for (int width = 1; width <= 64; ++width) {
+    for (int height = 1; height <= 64; height += GetParam() == HWY_SCALAR ? 1 : test::kStep) compare({width, height});
+  }
+  for (const cv::Size& size : {cv::Size(1920, 1080), {1919, 31}, {515, 1079}, {2, 3000}, {3001, 2}, {133, 257}}) {
+    compare(size);
+  }
+}
+#endif
 
 // A level more than there should be shows in no byte.
 TEST(ClarityPyramid, HasALevelForEachHalvingOfTheShorterSide) {

@@ -4,7 +4,6 @@
 //   lumvane_record_test RECORD     compares
 //   lumvane_record_test --print    prints the list, for a change of bytes that is meant
 //
-// Lines that begin with "opencv" rest on how OpenCV's build resamples planes, and hold for Debian's.
 
 #include <cstring>
 #include <functional>
@@ -210,14 +209,14 @@ void reportClarity(const Report& report) {
     sizes.push_back({side, side});
   }
   for (const auto& [side, saturation, intensity] : {std::tuple{0, 20, 70}, {65, -60, 100}, {7, 1000, 1000}}) {
-    reportFrames(report, words("opencv clarity of side ", side, ", saturation ", saturation, ", intensity ", intensity),
-                 sizes, kLinked.clarity(saturation, intensity, side), {{12, 5}});
+    reportFrames(report, words("clarity of side ", side, ", saturation ", saturation, ", intensity ", intensity), sizes,
+                 kLinked.clarity(saturation, intensity, side), {{12, 5}});
   }
   Bytes all;
   for (int intensity = 0; intensity <= 100; ++intensity) {
     add(all, rendered(70, 66, picture(70, 66), kLinked.clarity(intensity - 50, intensity)));
   }
-  reportBytes(report, "opencv clarity, every intensity", all);
+  reportBytes(report, "clarity, every intensity", all);
 }
 
 // ---- White balance

@@ -6,7 +6,7 @@ trap 'rm -rf "$root"' EXIT
 
 folder=$1
 version=$(dpkg-deb --field "$folder"/liblumvane-dev_*.deb Version)
-for need in 'liblumvane0 libopencv-core' 'liblumvane0 libopencv-imgproc' 'liblumvane0 libhwy' 'liblumvane0 libc6' \
+for need in 'liblumvane0 libopencv-core' 'liblumvane0 libhwy' 'liblumvane0 libc6' \
   "liblumvane-dev liblumvane0 (= $version)" "lumvane-host liblumvane0 (= $version)" \
   'lumvane-host libopencv-imgcodecs' "frei0r-plugins-lumvane liblumvane0 (= $version)"; do
   dpkg-deb --field "$folder/${need%% *}"_*.deb Depends | grep -qF "${need#* }" || { echo "no need for ${need#* }"; exit 1; }
