@@ -69,7 +69,7 @@ namespace {
 // least 0.75, for which the same holds, but for those up to 2^-54, which double precision cannot tell from 0.
 HWY_INLINE VF withHalf(VF v) {
   const VF raised = hn::Min(hn::Mul(v, hn::Set(F(), 1073741824.0f)), hn::Set(F(), 0.75f));
-  return hn::Add(hn::Max(raised, v), hn::Set(F(), 0.49999997f));
+  return hn::Add(maxOrNan(raised, v), hn::Set(F(), 0.49999997f));
 }
 
 // Bytes red, green, blue in the order of pixels.
