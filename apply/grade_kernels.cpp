@@ -5,8 +5,6 @@
 #ifndef HWY_TARGET_INCLUDE  // once; what comes after this is compiled for each set of vector instructions
 #define HWY_TARGET_INCLUDE "apply/grade_kernels.cpp"
 
-#include <hwy/cache_control.h>
-
 #include <cstring>
 
 #include "apply/tetrahedral_lookup.h"
@@ -111,12 +109,6 @@ HWY_INLINE VU fade(VU source, VU graded, int32_t sourceWeight) {
                      hn::Add(hn::Mul(oddBytes(source), keep), hn::Mul(oddBytes(graded), take)));
 }
 
-// Asks for what comes half a kilobyte further on. The processor would by itself, but starts anew at each page, which
-// costs some 3 %. Beyond the end of a frame the request has no effect.
-HWY_INLINE void fetchAhead(const uint8_t* pixels) {
-  hwy::Prefetch(reinterpret_cast<const void*>(reinterpret_cast<uintptr_t>(pixels) + 512));
-}
-
 // A row as interpolateVectors takes it, with or without a fade.
 template <bool fades>
 struct GradedRow {
@@ -130,8 +122,8 @@ struct GradedRow {
   HWY_INLINE VI toBytes(VF v) const { return rounded(withHalf(v)); }
   HWY_INLINE void store(size_t v, VU components) const {
     uint8_t* const to = dst + 4 * kLanes * v;
-    fetchAhead(src + 4 * kLanes * v);
-    fetchAhead(to);
+    fetchAhead(src + 4 * kLanes * v, 512);
+    fetchAhead(to, 512);
     const VU in = source(v), graded = multiplyByAlpha(toBgr(components), in);
     storePixels(fades ? fade(in, graded, sourceWeight) : graded, to);
   }

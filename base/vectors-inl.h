@@ -8,6 +8,7 @@
 #define LUMVANE_BASE_VECTORS_INL_H
 #endif
 
+#include <hwy/cache_control.h>
 #include <hwy/highway.h>
 
 #include <cstddef>
@@ -49,6 +50,12 @@ constexpr size_t kLanes = hn::MaxLanes(F());
 
 HWY_INLINE VU loadPixels(const uint8_t* from) { return hn::BitCast(U(), hn::LoadU(Bytes(), from)); }
 HWY_INLINE void storePixels(VU pixels, uint8_t* to) { hn::StoreU(hn::BitCast(Bytes(), pixels), Bytes(), to); }
+
+// Asks for what comes so many bytes further on. The processor would by itself, but starts anew at each page, which takes
+// 3 to 10 % of the time of a frame. Beyond the end of a frame the request has no effect.
+HWY_INLINE void fetchAhead(const uint8_t* pixels, size_t bytes) {
+  hwy::Prefetch(reinterpret_cast<const void*>(reinterpret_cast<uintptr_t>(pixels) + bytes));
+}
 
 // Bytes within each block of 16 in the given order; 0x80 makes a 0.
 HWY_INLINE VU shuffled(VU v, const uint8_t (&order)[16]) {

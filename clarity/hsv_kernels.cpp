@@ -96,6 +96,9 @@ namespace {
 
 #if LUMVANE_HAVE_VECTORS
 
+// Bytes ahead of which pixels are asked for: as many as the pipeline takes through its other kernels at a time.
+constexpr size_t kAhead = 2048;
+
 // byte / 255, rounded as the division rounds it. The reciprocal comes in two parts. The product of a byte and the upper
 // one, of 9 bits, is exact, and that with the lower one is off by too little to change how their sum rounds.
 HWY_INLINE VF unitFromByte(VI byte) {
@@ -106,6 +109,7 @@ HWY_INLINE VF unitFromByte(VI byte) {
 void valueRow(const uint8_t* src, float* value, size_t pixels) {
   size_t i = 0;
   for (; i + kLanes <= pixels; i += kLanes) {
+    fetchAhead(src + 4 * i, kAhead);
     const VU bgra = loadPixels(src + 4 * i);
     const auto bytes = [](VU v) HWY_ATTR { return hn::BitCast(Bytes(), v); };
     // Byte 0 of each pixel is compared with the two above it.
@@ -123,6 +127,7 @@ void analysisRow(const uint8_t* src, float saturationFactor, float* hue, float* 
   const VF factor = hn::Set(F(), saturationFactor);
   size_t i = 0;
   for (; i + kLanes <= pixels; i += kLanes) {
+    fetchAhead(src + 4 * i, kAhead);
     const VI bgra = hn::BitCast(I(), loadPixels(src + 4 * i));  // one pixel a lane
     const VF b = unitFromByte(hn::And(bgra, lowByte));
     const VF g = unitFromByte(hn::And(hn::ShiftRight<8>(bgra), lowByte));
@@ -168,6 +173,7 @@ void synthesisRow(const float* hue, const float* saturation, const float* value,
   };
   size_t i = 0;
   for (; i + kLanes <= pixels; i += kLanes) {
+    fetchAhead(dst + 4 * i, kAhead);
     const VF s = hn::LoadU(F(), saturation + i);
     const VF v = hn::LoadU(F(), value + i);
     const VF hexagon = hn::Mul(hn::LoadU(F(), hue + i), hn::Set(F(), 0.016666668f));
