@@ -70,13 +70,6 @@ HWY_INLINE VF withHalf(VF v) {
   return hn::Add(hn::Max(raised, v), hn::Set(F(), 0.49999997f));
 }
 
-// Bytes red, green, blue in the order of pixels.
-HWY_INLINE VU toBgr(VU components) {
-  alignas(16) static constexpr uint8_t kBlueGreenRed[16] = {2,  1, 0, 0x80, 6,  5,  4,  0x80,
-                                                            10, 9, 8, 0x80, 14, 13, 12, 0x80};
-  return shuffled(components, kBlueGreenRed);
-}
-
 HWY_INLINE VWords evenBytes(VU v) { return hn::And(hn::BitCast(Words(), v), hn::Set(Words(), 0xFF)); }
 HWY_INLINE VWords oddBytes(VU v) { return hn::ShiftRight<8>(hn::BitCast(Words(), v)); }
 

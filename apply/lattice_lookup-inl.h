@@ -110,6 +110,13 @@ HWY_INLINE VF interpolate(const float* lattice, const Tetrahedra& t) {
   return hn::Add(hn::Add(hn::Add(p000, pa), pb), p111);
 }
 
+// Bytes red, green, blue in the order of pixels.
+HWY_INLINE VU toBgr(VU components) {
+  alignas(16) static constexpr uint8_t kBlueGreenRed[16] = {2,  1, 0, 0x80, 6,  5,  4,  0x80,
+                                                            10, 9, 8, 0x80, 14, 13, 12, 0x80};
+  return shuffled(components, kBlueGreenRed);
+}
+
 // Takes vectors of pixels through the lattice: row.find(v, tetrahedra) says where those of vector v lie, row.toBytes makes
 // whole numbers of their components, which are then held to 0 to 255, and row.store(v, bytes) takes these, red, green,
 // blue and something for each pixel.
