@@ -1,4 +1,4 @@
-// The row kernels of the HDR LUTs: the plain forms, which define what they give, and those by vector.
+// The row kernels of the HDR LUTs: the plain forms, which define what they give, and the vector forms.
 
 #include "apply/hdr_kernels.h"
 
@@ -62,7 +62,7 @@ namespace {
 #if LUMVANE_HAVE_VECTORS
 
 #if HWY_TARGET == HWY_SSSE3 || HWY_TARGET == HWY_SSE4 || !HWY_ARCH_X86
-using plain::cacheRow;  // these have no instruction that reads from several places
+using plain::cacheRow;  // these targets have no gather instruction
 #else
 
 // One lane is one pixel.
@@ -87,8 +87,9 @@ void cacheRow(const RGB8* cache, const uint8_t* src, uint8_t* dst, size_t pixels
 
 #endif
 
-// truncToByte of what interpolation makes of ordinary values, held to 0 and 255 later on: less than 0.5 by half a unit in
-// the last place, the sum in single precision is never rounded up to a whole number that the exact sum does not reach.
+// truncToByte of what interpolation makes of ordinary values, still to be held to 0 to 255. The addend is 0.5 less half a
+// unit in the last place: with 0.5 itself the float sum could be rounded up to a whole number that the exact one does not
+// reach.
 HWY_INLINE VI truncatedByte(VF v) { return truncated(hn::Add(v, hn::Set(F(), 0.49999997f))); }
 
 // A row as interpolateVectors takes it.
@@ -112,15 +113,14 @@ void latticeRow(const LatticeView& lattice, const uint8_t* src, uint8_t* dst, si
   plain::latticeRow(lattice, src + 4 * done, dst + 4 * done, pixels - done);
 }
 
-// Along the blue values of one red and one green only blue moves through the lattice: every point is read from one of four
-// lattice rows, in which neighbouring blues share points or have neighbouring ones. So a vector of blues reads one vector
-// of points and puts them in order by a permutation, which takes less time than to interpolate pixel by pixel as grading
-// does.
+// For one red and one green, only blue moves through the lattice, between four lattice rows. Neighbouring blues use the same
+// or neighbouring points, so a vector of blues loads one vector of points and permutes it. That is faster than to
+// interpolate pixel by pixel.
 
 // A lattice row, each component by itself.
 struct PlanarRow {
   alignas(64) float component[3][kLatticeStride + kLanes];  // a vector may be read from any point on
-  bool ordinary;                                            // all its values
+  bool ordinary;                                            // all its values; others take the plain form
 
   void read(const float* row) {
     const VF least = hn::Set(F(), -1.0f), most = hn::Set(F(), 1 << 20);
@@ -168,7 +168,7 @@ class BlueAxis {
   alignas(64) int32_t lower_[256], upper_[256];
 };
 
-// Packs lanes of three bytes without gaps; what is stored behind them is to be overwritten.
+// Stores three bytes of each lane without gaps. What is stored behind them is overwritten by the next call.
 class EntryPacker {
  public:
   EntryPacker() {
@@ -197,8 +197,8 @@ struct FourRows {
 HWY_INLINE VU entryByte(VF v) { return hn::BitCast(U(), truncatedByte(hn::Min(v, hn::Set(F(), 255.0f)))); }
 
 // tetrahedralLookup, with the fractions in order first: the weights are the differences of neighbours in that order,
-// and a tie gives the same ones whichever way it falls. For the corners it counts: `blueFirst` and `blueLast` are true
-// where the tests of tetrahedralLookup say so.
+// and a tie gives the same ones whichever way it falls. The choice of the corners does depend on ties, so `blueFirst` and
+// `blueLast` use the comparisons of tetrahedralLookup.
 void fillBlues(const FourRows& rows, const BlueAxis& axis, float fr, float fg, const EntryPacker& packer,
                RGB8* entries) {
   const bool redFirst = fr > fg;

@@ -1,5 +1,5 @@
-// The row kernels between BGRA pixels and hue, saturation and value: the plain forms, which define the bits, and those by
-// vector.
+// The row kernels between BGRA pixels and hue, saturation and value: the plain forms, which define the bits, and the vector
+// forms.
 
 #include "clarity/hsv_kernels.h"
 
@@ -96,7 +96,7 @@ namespace {
 
 #if LUMVANE_HAVE_VECTORS
 
-// Bytes ahead of which pixels are asked for: as many as the pipeline takes through its other kernels at a time.
+// How far ahead pixels are prefetched, in bytes: 512 pixels, as many as the pipeline takes through all kernels at a time.
 constexpr size_t kAhead = 2048;
 
 // byte / 255, rounded as the division rounds it. The reciprocal comes in two parts. The product of a byte and the upper
@@ -138,7 +138,7 @@ void analysisRow(const uint8_t* src, float saturationFactor, float* hue, float* 
     const VF k = hn::Div(hn::Set(F(), 60.0f), hn::Add(diff, epsilon));
     const auto isRed = hn::Eq(v, r), isGreen = hn::Eq(v, g);
     const VF across = hn::IfThenElse(isRed, hn::Sub(g, b), hn::IfThenElse(isGreen, hn::Sub(b, r), hn::Sub(r, g)));
-    // Adding 0 changes nothing: equal colours differ by a positive 0.
+    // The plain form adds nothing for red. Adding 0 gives the same, since equal colours differ by +0.
     const VF start = hn::IfThenElse(isRed, zero, hn::IfThenElse(isGreen, hn::Set(F(), 120.0f), hn::Set(F(), 240.0f)));
     const VF h = hn::Add(hn::Mul(across, k), start);
     hn::StoreU(hn::Add(h, hn::IfThenElseZero(hn::Lt(h, zero), hn::Set(F(), 360.0f))), F(), hue + i);
@@ -168,7 +168,7 @@ void synthesisRow(const float* hue, const float* saturation, const float* value,
                   size_t pixels) {
   const VF one = hn::Set(F(), 1.0f), turn = hn::Set(F(), 6.0f);
   const auto toByte = [&](VF colour) HWY_ATTR {
-    // From 0 to 1 as it is, the colour need not be held there.
+    // The colour is within 0 to 1 here and needs no clamp.
     return hn::BitCast(U(), truncated(hn::Add(hn::Mul(colour, hn::Set(F(), 255.0f)), hn::Set(F(), 0.5f))));
   };
   size_t i = 0;

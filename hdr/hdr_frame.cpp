@@ -18,7 +18,7 @@ namespace {
 
 constexpr int64_t kFewestPixelsOnThreads = 10000;
 constexpr int kFewestPairsOfBand = 4;
-constexpr int kRowsAtHand = 4;  // a pair of rows and the rows above and below it, which its chroma takes in
+constexpr int kRowsAtHand = 4;  // a pair of rows and the rows above and below it, which its chroma is computed from
 
 // Takes a frame from planes to planes in one go, row by row, so that the pixels between the conversions and the LUT never
 // leave the processor's caches. Source and destination must not overlap. Made for one run; owns nothing.
@@ -46,7 +46,7 @@ class HdrBands : public cv::ParallelLoopBody {
   }
 
  private:
-  // The rows next to the band are computed for the neighbouring band, too.
+  // Rows next to the band are computed twice, here and by the neighbouring band.
   void convert(int firstRow, int endRow) const {
     // The band's own part of the buffers has room for the few rows that are needed at a time.
     const size_t rowBytes = size_t{4} * static_cast<size_t>(object_.width);
@@ -71,7 +71,7 @@ class HdrBands : public cv::ParallelLoopBody {
       }
       if (y % 2 == 0 && y >= firstRow + 2) writePair(y - 2);
     }
-    // At the bottom of the frame no row below tells that the last pair is complete.
+    // The last pair of the frame has no row below it that would trigger writing it.
     if (endRow == object_.height) writePair((endRow - 1) / 2 * 2);
   }
 
@@ -104,7 +104,7 @@ void mapLargeFrame(VideoAdjustColor& object, const HdrCache& cache) {
   runParallel(map.bands, map);
 }
 
-// What the object's tables hold is of the file that it read last, if it read any. False without a lattice.
+// The tables of the object may be those of another lattice size, or empty. False without a lattice.
 bool useTablesOfFrame(VideoAdjustColor& object) {
   if (object.workLatticeSize < 1 || object.workLatticeSize > kLatticeStride) return false;
   fillInterpolationTables(object.workLatticeSize, object.fraction, object.cell);
