@@ -1,11 +1,9 @@
-// The row kernels of LUT grading: the plain forms, which define what they give, and those by vector.
+// The row kernels of LUT grading: the plain forms, which define what they give, and the vector forms.
 
 #include "apply/grade_kernels.h"
 
 #ifndef HWY_TARGET_INCLUDE  // once; what comes after this is compiled for each set of vector instructions
 #define HWY_TARGET_INCLUDE "apply/grade_kernels.cpp"
-
-#include <hwy/cache_control.h>
 
 #include <cstring>
 
@@ -62,21 +60,13 @@ namespace {
 
 #if LUMVANE_HAVE_VECTORS
 
-// Prepares roundToByte: rounded to the nearest, ties to even, the result is what that gives.
-//
-// Short of 0.5 by half a unit in the last place, the sum in single precision does what 0.5 does in double precision to 0
-// and to everything from 1 to 255: it never lands on a tie that is not one. Values between 0 and 1 are taken to at
-// least 0.75, for which the same holds, but for those up to 2^-54, which double precision cannot tell from 0.
+// Adds so much that rounding to nearest, ties to even, then gives what roundToByte gives, which adds 0.5 in double
+// precision. Here the addend is 0.5 less half a unit in the last place: for 0 and for 1 to 255 the float sum then falls on
+// a tie only where the exact one does. Values between 0 and 1, which have to give 1, are first multiplied by 2^30, up to
+// 0.75. Those up to 2^-54, which a double loses beside 0.5, still give 0.
 HWY_INLINE VF withHalf(VF v) {
   const VF raised = hn::Min(hn::Mul(v, hn::Set(F(), 1073741824.0f)), hn::Set(F(), 0.75f));
   return hn::Add(maxOrNan(raised, v), hn::Set(F(), 0.49999997f));
-}
-
-// Bytes red, green, blue in the order of pixels.
-HWY_INLINE VU toBgr(VU components) {
-  alignas(16) static constexpr uint8_t kBlueGreenRed[16] = {2,  1, 0, 0x80, 6,  5,  4,  0x80,
-                                                            10, 9, 8, 0x80, 14, 13, 12, 0x80};
-  return shuffled(components, kBlueGreenRed);
 }
 
 HWY_INLINE VWords evenBytes(VU v) { return hn::And(hn::BitCast(Words(), v), hn::Set(Words(), 0xFF)); }
@@ -111,13 +101,9 @@ HWY_INLINE VU fade(VU source, VU graded, int32_t sourceWeight) {
                      hn::Add(hn::Mul(oddBytes(source), keep), hn::Mul(oddBytes(graded), take)));
 }
 
-// Asks for what comes half a kilobyte further on. The processor would by itself, but starts anew at each page, which
-// costs some 3 %. Beyond the end of a frame the request has no effect.
-HWY_INLINE void fetchAhead(const uint8_t* pixels) {
-  hwy::Prefetch(reinterpret_cast<const void*>(reinterpret_cast<uintptr_t>(pixels) + 512));
-}
+constexpr size_t kAhead = 512;  // bytes; the best of those tried, as there is no other work in between
 
-// A row as interpolateVectors takes it, with or without a fade.
+// A row as interpolateVectors takes it; fades against the source if told so.
 template <bool fades>
 struct GradedRow {
   const Axes& axes;
@@ -130,8 +116,8 @@ struct GradedRow {
   HWY_INLINE VI toBytes(VF v) const { return rounded(withHalf(v)); }
   HWY_INLINE void store(size_t v, VU components) const {
     uint8_t* const to = dst + 4 * kLanes * v;
-    fetchAhead(src + 4 * kLanes * v);
-    fetchAhead(to);
+    fetchAhead(src + 4 * kLanes * v, kAhead);
+    fetchAhead(to, kAhead);
     const VU in = source(v), graded = multiplyByAlpha(toBgr(components), in);
     storePixels(fades ? fade(in, graded, sourceWeight) : graded, to);
   }
@@ -144,7 +130,7 @@ HWY_INLINE void gradePixels(const LatticeView& lattice, int32_t sourceWeight, co
   const size_t vectors = pixels / kLanes, done = 4 * kLanes * vectors, left = 4 * pixels - done;
   interpolateVectors(lattice.lattice, vectors, GradedRow<fades>{axes, src, dst, sourceWeight});
   if (left == 0) return;
-  // What is left takes the same way through a vector of its own.
+  // The pixels that are left go through a padded vector of their own.
   alignas(64) uint8_t rest[4 * kLanes] = {};
   std::memcpy(rest, src + done, left);
   interpolateVectors(lattice.lattice, 1, GradedRow<fades>{axes, rest, rest, sourceWeight});

@@ -1,28 +1,13 @@
 #pragma once
 
-#include <cstdint>
 #include <cstdlib>
 #include <new>
 #include <vector>
 
 #include "apply/hdr_kernels.h"
-
-#ifdef __linux__
-#include <sys/mman.h>
-#endif
+#include "base/large_pages.h"
 
 namespace Lumvane {
-
-/// Asks the system for large pages behind what is only just allocated; does nothing where there are none. A cache is
-/// read all over the place, and so misses the processor's table of ordinary pages at nearly every pixel.
-inline void adviseLargePages([[maybe_unused]] void* memory, [[maybe_unused]] size_t bytes) {
-#ifdef MADV_HUGEPAGE
-  constexpr uintptr_t kPage = uintptr_t{2} << 20;  // of x86-64 and most ARM systems; the advice holds for any size
-  const auto address = reinterpret_cast<uintptr_t>(memory);
-  const uintptr_t first = (address + kPage - 1) / kPage * kPage, end = (address + bytes) / kPage * kPage;
-  if (first < end) madvise(reinterpret_cast<void*>(first), end - first, MADV_HUGEPAGE);
-#endif
-}
 
 /// Memory that is zero as the system hands it out: a table comes to hold zeros without a byte of it being touched.
 template <class T>

@@ -1,4 +1,4 @@
-// The row kernels of the HDR LUTs: the plain forms, which define what they give, and those by vector.
+// The row kernels of the HDR LUTs: the plain forms, which define what they give, and the vector forms.
 
 #include "apply/hdr_kernels.h"
 
@@ -27,7 +27,7 @@ void cacheRow(const RGB8* cache, const uint8_t* src, uint8_t* dst, size_t pixels
   }
 }
 
-void latticeRow(const HdrLatticeView& lattice, const uint8_t* src, uint8_t* dst, size_t pixels) {
+void latticeRow(const LatticeView& lattice, const uint8_t* src, uint8_t* dst, size_t pixels) {
   for (size_t i = 0; i < pixels; ++i, src += 4, dst += 4) {
     storeColour(hdrColour(lattice, src[2], src[1], src[0]), src[3], dst);
   }
@@ -51,6 +51,7 @@ const HdrKernels plainHdrKernels = {plain::cacheRow, plain::latticeRow, plain::f
 
 #include <hwy/foreach_target.h>  // must come before what uses vectors
 
+#include "apply/lattice_lookup-inl.h"
 #include "base/vectors-inl.h"
 
 HWY_BEFORE_NAMESPACE();
@@ -61,7 +62,7 @@ namespace {
 #if LUMVANE_HAVE_VECTORS
 
 #if HWY_TARGET == HWY_SSSE3 || HWY_TARGET == HWY_SSE4 || !HWY_ARCH_X86
-using plain::cacheRow;  // these have no instruction that reads from several places
+using plain::cacheRow;  // these targets have no gather instruction
 #else
 
 // One lane is one pixel.
@@ -86,15 +87,40 @@ void cacheRow(const RGB8* cache, const uint8_t* src, uint8_t* dst, size_t pixels
 
 #endif
 
-// Along the blue values of one red and one green only blue moves through the lattice: every point is read from one of four
-// lattice rows, in which neighbouring blues share points or have neighbouring ones. So a vector of blues reads one vector
-// of points and puts them in order by a permutation, which takes less time than to interpolate pixel by pixel as grading
-// does.
+// truncToByte of what interpolation makes of ordinary values, still to be held to 0 to 255. The addend is 0.5 less half a
+// unit in the last place: with 0.5 itself the float sum could be rounded up to a whole number that the exact one does not
+// reach.
+HWY_INLINE VI truncatedByte(VF v) { return truncated(hn::Add(v, hn::Set(F(), 0.49999997f))); }
+
+// A row as interpolateVectors takes it.
+struct MappedRow {
+  const Axes& axes;
+  const uint8_t* src;
+  uint8_t* dst;
+
+  HWY_INLINE void find(size_t v, Tetrahedra& out) const { findTetrahedra(axes, loadPixels(src + 4 * kLanes * v), out); }
+  HWY_INLINE VI toBytes(VF v) const { return truncatedByte(v); }
+  HWY_INLINE void store(size_t v, VU components) const {
+    const VU alphas = hn::And(loadPixels(src + 4 * kLanes * v), hn::Set(U(), 0xFF000000));
+    storePixels(hn::Or(toBgr(components), alphas), dst + 4 * kLanes * v);
+  }
+};
+
+void latticeRow(const LatticeView& lattice, const uint8_t* src, uint8_t* dst, size_t pixels) {
+  const Axes axes(lattice.latticeSize);
+  const size_t vectors = pixels / kLanes, done = kLanes * vectors;
+  interpolateVectors(lattice.lattice, vectors, MappedRow{axes, src, dst});
+  plain::latticeRow(lattice, src + 4 * done, dst + 4 * done, pixels - done);
+}
+
+// For one red and one green, only blue moves through the lattice, between four lattice rows. Neighbouring blues use the same
+// or neighbouring points, so a vector of blues loads one vector of points and permutes it. That is faster than to
+// interpolate pixel by pixel.
 
 // A lattice row, each component by itself.
 struct PlanarRow {
   alignas(64) float component[3][kLatticeStride + kLanes];  // a vector may be read from any point on
-  bool ordinary;                                            // of values above -1 and up to 2^20
+  bool ordinary;                                            // all its values; others take the plain form
 
   void read(const float* row) {
     const VF least = hn::Set(F(), -1.0f), most = hn::Set(F(), 1 << 20);
@@ -142,7 +168,7 @@ class BlueAxis {
   alignas(64) int32_t lower_[256], upper_[256];
 };
 
-// Packs lanes of three bytes without gaps; what is stored behind them is to be overwritten.
+// Stores three bytes of each lane without gaps. What is stored behind them is overwritten by the next call.
 class EntryPacker {
  public:
   EntryPacker() {
@@ -168,15 +194,11 @@ struct FourRows {
   bool ordinary() const { return lower->ordinary && redUpper->ordinary && greenUpper->ordinary && bothUpper->ordinary; }
 };
 
-// truncToByte of numbers above -1.5: less than 0.5 by half a unit in the last place, the sum in single precision is never
-// rounded up to a whole number that the exact sum does not reach.
-HWY_INLINE VU truncatedBytes(VF v) {
-  return hn::BitCast(U(), truncated(hn::Add(hn::Min(v, hn::Set(F(), 255.0f)), hn::Set(F(), 0.49999997f))));
-}
+HWY_INLINE VU entryByte(VF v) { return hn::BitCast(U(), truncatedByte(hn::Min(v, hn::Set(F(), 255.0f)))); }
 
 // tetrahedralLookup, with the fractions in order first: the weights are the differences of neighbours in that order,
-// and a tie gives the same ones whichever way it falls. For the corners it counts: `blueFirst` and `blueLast` are true
-// where the tests of tetrahedralLookup say so.
+// and a tie gives the same ones whichever way it falls. The choice of the corners does depend on ties, so `blueFirst` and
+// `blueLast` use the comparisons of tetrahedralLookup.
 void fillBlues(const FourRows& rows, const BlueAxis& axis, float fr, float fg, const EntryPacker& packer,
                RGB8* entries) {
   const bool redFirst = fr > fg;
@@ -198,7 +220,7 @@ void fillBlues(const FourRows& rows, const BlueAxis& axis, float fr, float fg, c
       const VF pa = hn::IfThenElse(blueFirst, axis.upper(row000, b), axis.lower(rowBetween, b));
       const VF pb = hn::IfThenElse(blueLast, axis.lower(row110, b), axis.upper(rowBetween, b));
       const VF p111 = axis.upper(row110, b);
-      bytes[c] = truncatedBytes(
+      bytes[c] = entryByte(
           hn::Add(hn::Add(hn::Add(hn::Mul(w0, p000), hn::Mul(wa, pa)), hn::Mul(wb, pb)), hn::Mul(least, p111)));
     }
     packer.store(bytes[0], bytes[1], bytes[2], packed + sizeof(RGB8) * b);
@@ -231,7 +253,7 @@ void fillCache(const HdrLatticeView& lattice, uint8_t r, RGB8* entries) {
 }
 
 const HdrKernels* kernels() {
-  static constexpr HdrKernels kKernels = {cacheRow, plain::latticeRow, fillCache};
+  static constexpr HdrKernels kKernels = {cacheRow, latticeRow, fillCache};
   return &kKernels;
 }
 

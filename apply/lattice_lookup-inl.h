@@ -1,12 +1,12 @@
-// Takes pixels through a lattice by vector, as tetrahedralLookup does. A vector of pixels takes two steps, in which lanes
+// Takes pixels through a lattice with vectors, as tetrahedralLookup does. A vector of pixels takes two steps, in which lanes
 // mean different things:
 //
 // 1. A lane is a pixel: findTetrahedra finds four points and their weights. With the three fractions sorted the weights
-//    are 1 - max, max - mid, mid - min and min; a tie makes the same differences in whatever order it is broken. The two
-//    points in the middle follow from the comparisons of tetrahedralLookup, ties and all: at weight 0 a point still
-//    counts when it is infinite.
+//    are 1 - max, max - mid, mid - min and min; ties give the same differences in any order. The two middle points
+//    are chosen by the comparisons of tetrahedralLookup, ties included: an infinite point matters even at weight 0
+//    (infinity * 0 is NaN).
 // 2. A lane is a colour component, a block of four lanes is a pixel. A point is three floats, so loads of four floats
-//    bring them; gathers are slower on every processor at hand. Vector i, of four, holds the pixels i, i + 4, ... so that
+//    bring them; gathers are slower on every processor measured. Vector i, of four, holds the pixels i, i + 4, ... so that
 //    a weight reaches its pixel by a broadcast within the block.
 
 #if defined(LUMVANE_APPLY_LATTICE_LOOKUP_INL_H) == defined(HWY_TARGET_TOGGLE)
@@ -41,7 +41,7 @@ struct Axes {
   }
 };
 
-// What a vector of pixels needs, in lanes i and in memory, from where the places are taken one by one.
+// The four points of each pixel of a vector and their weights; in memory, because the places are used one at a time.
 struct Tetrahedra {
   // In floats from the first point of the lattice.
   alignas(64) uint32_t p000[kLanes], pa[kLanes], pb[kLanes], p111[kLanes];
@@ -99,7 +99,7 @@ HWY_INLINE void findTetrahedra(const Axes& axes, VU pixels, Tetrahedra& out) {
   hn::Store(smallest, F(), out.w1);
 }
 
-// Pixels i, i + 4, ... between their points. Component 3 is something else.
+// Interpolates the pixels i, i + 4, ...; lane 3 of each block is not a colour.
 template <int i>
 HWY_INLINE VF interpolate(const float* lattice, const Tetrahedra& t) {
   const F f;
@@ -110,9 +110,16 @@ HWY_INLINE VF interpolate(const float* lattice, const Tetrahedra& t) {
   return hn::Add(hn::Add(hn::Add(p000, pa), pb), p111);
 }
 
+// Bytes red, green, blue in the order of pixels.
+HWY_INLINE VU toBgr(VU components) {
+  alignas(16) static constexpr uint8_t kBlueGreenRed[16] = {2,  1, 0, 0x80, 6,  5,  4,  0x80,
+                                                            10, 9, 8, 0x80, 14, 13, 12, 0x80};
+  return shuffled(components, kBlueGreenRed);
+}
+
 // Takes vectors of pixels through the lattice: row.find(v, tetrahedra) says where those of vector v lie, row.toBytes makes
 // whole numbers of their components, which are then held to 0 to 255, and row.store(v, bytes) takes these, red, green,
-// blue and something for each pixel.
+// blue and a byte without meaning for each pixel.
 template <class Row>
 HWY_INLINE void interpolateVectors(const float* points, size_t vectors, const Row& row) {
   if (vectors == 0) return;

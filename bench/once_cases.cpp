@@ -13,7 +13,7 @@ std::string openColorIoLoadName() {
 }
 
 void firstFrame(Report& report, const LutFile& file, int threads) {
-  const Case what = {"first lut3d 1080p frame of a process: a later one", threads, 0.0, {Bar::moreTime, 20.0}};
+  const Case what = {"first lut3d 1080p frame of a process: a later one", threads, 0.0, {Bar::moreTime, 5.0}};
   if (!report.wants(what.name)) return;
   std::vector<double> first, later;
   for (int i = 0; i < report.settings.repeats; ++i) {
@@ -28,7 +28,7 @@ void firstHdrCreate(Report& report, const HdrLutFiles& files, int threads) {
   const Case what = {"first hdr create of a process, two 65^3 files: OpenColorIO",
                      threads,
                      0.0,
-                     {Bar::timesTheTime, onlyIf(threads == 2, 0.5)}};
+                     {Bar::timesTheTime, onlyIf(threads == 2, 0.25)}};
   if (!report.wants(what.name)) return;
   if (openColorIoVersion().empty()) return report.missing(what);
   std::vector<double> ours, theirs;

@@ -11,7 +11,7 @@ namespace {
 constexpr int kMostStripes = 16;
 constexpr float kPercent = 0.01f;
 constexpr float kSaturationSpan = 0.15f;
-constexpr int kChunk = 512;  // pixels whose planes are at hand at a time
+constexpr int kChunk = 512;  // pixels of a row that go through all kernels before the next ones do
 
 // Decodes a row of BGRA pixels into the value that the pyramid is made of.
 struct clarityAnalysisPass {
@@ -24,9 +24,9 @@ struct clarityAnalysisPass {
   }
 };
 
-// Decodes BGRA rows into hue, saturation and value, mixes into the value the finest level of the pyramid with its raised
-// differences, and encodes them again with the alpha of src. An amount of 0 leaves the value as it is. For runParallel
-// over stripe numbers.
+// Decodes BGRA rows into hue, saturation and value, and encodes them again with the alpha of src. In between the finest
+// level of the pyramid, its differences raised, is mixed into the value; an amount of 0 leaves the value as it is. For
+// runParallel over stripe numbers.
 struct claritySynthesisPass {
   int rows;
   int stripes;
@@ -53,8 +53,8 @@ struct claritySynthesisPass {
         alignas(64) float hue[kChunk], saturation[kChunk], value[kChunk];
         kernels.hsv.analysis(src.ptr(y, x), saturationFactor, hue, saturation, value, pixels);
         if (amount > 0.0f) {
-          // A single level is its own surroundings.
           alignas(64) float coarse[kChunk], base[kChunk];
+          // A single level is its own surroundings.
           const float* const around = surroundings ? surroundings->samples(x, pixels, coarse) : value;
           const float* const below = rebuilt ? rebuilt->samples(x, pixels, base) : value;
           kernels.details.detail(value, around, kDetailCoefficient, kDetailGain, below, base, pixels);
@@ -66,7 +66,7 @@ struct claritySynthesisPass {
   }
 };
 
-// True when writing dst would change pixels of src that are not yet read: those at other places than where they are read.
+// True when dst covers pixels of src at other places, so that writing could change pixels that are still to be read.
 bool overwritesUnread(const cv::Mat& dst, const cv::Mat& src) {
   if (dst.data == src.data && dst.step[0] == src.step[0]) return false;
   const auto extent = [](const cv::Mat& frame) {

@@ -10,10 +10,12 @@ namespace {
 
 constexpr int kMostLevels = 8;
 constexpr int kTaps = 5;
-constexpr int kLeastShared =
-    1 << 15;  // samples of a plane below which waking another thread takes longer than the work
+// Planes of fewer samples are not worth waking another thread.
+constexpr int64_t kLeastShared = 1 << 15;
 
-int stripesOf(cv::Size size) { return size.area() >= kLeastShared ? std::max(1, 2 * cv::getNumThreads()) : 1; }
+int stripesOf(cv::Size size) {
+  return int64_t{size.width} * size.height >= kLeastShared ? std::max(1, 2 * cv::getNumThreads()) : 1;
+}
 
 // The number of a row beyond an edge that reflects, the outermost row not repeated.
 int reflected(int y, int rows) {
@@ -46,7 +48,7 @@ struct clarityDetailPass {
   cv::Mat& out;
   float coefficient;
   float gain;
-  std::vector<cv::Mat>& scratch;
+  ClarityPyramid::Scratch& scratch;
   const PyramidKernels& kernels;
   DetailRow* detailRow;
 
@@ -70,9 +72,9 @@ StripeRows::StripeRows(const cv::Range& range, int rows, int stripes)
     : first(static_cast<int>(int64_t{range.start} * rows / stripes)),
       end(range.end >= stripes ? rows : static_cast<int>(int64_t{range.end} * rows / stripes)) {}
 
-float* scratchRows(cv::Mat& memory, size_t samples) {
-  if (memory.total() < samples) memory.create(1, static_cast<int>(samples), CV_32FC1);
-  return memory.ptr<float>();
+float* scratchRows(std::vector<float>& memory, size_t samples) {
+  if (memory.size() < samples) memory.resize(samples);
+  return memory.data();
 }
 
 int clarityLevelCount(int width, int height) {
@@ -80,7 +82,7 @@ int clarityLevelCount(int width, int height) {
   return std::min(static_cast<int>(std::bit_width(shorterSide - 1)) + 1, kMostLevels);  // ceil(log2(side)) + 1
 }
 
-void pyramidDown(const RowOfPlane& input, cv::Size size, cv::Mat& output, int stripes, std::vector<cv::Mat>& scratch,
+void pyramidDown(const RowOfPlane& input, cv::Size size, cv::Mat& output, int stripes, ClarityPyramid::Scratch& scratch,
                  const PyramidKernels& kernels) {
   const bool isCopy = size.width < 2 || size.height < 2;
   output.create(isCopy ? size : cv::Size((size.width + 1) / 2, (size.height + 1) / 2), CV_32FC1);
@@ -96,7 +98,7 @@ void pyramidDown(const RowOfPlane& input, cv::Size size, cv::Mat& output, int st
           }
           return;
         }
-        const auto samples = static_cast<size_t>(kTaps * output.cols + size.width);
+        const size_t samples = kTaps * static_cast<size_t>(output.cols) + static_cast<size_t>(size.width);
         downRows(input, size, rows, output, scratchRows(scratch[static_cast<size_t>(range.start)], samples), kernels);
       },
       stripes);

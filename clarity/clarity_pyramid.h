@@ -1,8 +1,8 @@
 // The heart of the effect: a plane is split into a Gaussian pyramid, the differences between its levels are raised, the
 // small ones among them most, and the plane is put together again.
 //
-// Level 0, of the frame's size, is never stored: its rows are computed where they are used. So is a level that is brought
-// up to the size of the next finer one.
+// Level 0, of the frame's size, is never stored: its rows are computed where they are used. The same goes for a coarser
+// level brought up to the size of the next finer one.
 #pragma once
 
 #include <functional>
@@ -22,7 +22,8 @@ inline constexpr float kDetailGain = 0.55f;
 struct ClarityPyramid {
   std::vector<cv::Mat> gaussian;  ///< what is left of the plane at half the size, a quarter, and so on; none at 0
   std::vector<cv::Mat> rebuilt;   ///< each level put together again from the coarser ones; none at 0 and the last
-  std::vector<cv::Mat> scratch;   ///< rows at hand, for each stripe
+  using Scratch = std::vector<std::vector<float>>;
+  Scratch scratch;  ///< rows that are being worked on, for each stripe
 
   /// Level i from 1 on, put together: the coarsest one has no details.
   const cv::Mat& rebuiltLevel(size_t i) const { return i + 1 == gaussian.size() ? gaussian[i] : rebuilt[i]; }
@@ -37,9 +38,10 @@ struct StripeRows {
 };
 
 /// Room for `samples` floats in `memory`, which grows as it has to.
-float* scratchRows(cv::Mat& memory, size_t samples);
+float* scratchRows(std::vector<float>& memory, size_t samples);
 
-/// Levels of the pyramid for frames of this size: one more than the shorter side can be halved, from 1 to 8.
+/// Levels of the pyramid for frames of this size: one more than the number of times the shorter side can be halved,
+/// rounding up; 1 to 8.
 int clarityLevelCount(int width, int height);
 
 /// Row y of a plane: where it lies, or in `buffer`, which has room for it.
@@ -47,18 +49,18 @@ using RowOfPlane = std::function<const float*(int y, float* buffer)>;
 
 /// A plane of half the size, (side + 1) / 2, from a plane of the size `size`; a copy where a side cannot be halved any
 /// more. Works in `stripes` parts on OpenCV's threads, with a scratch for each.
-void pyramidDown(const RowOfPlane& input, cv::Size size, cv::Mat& output, int stripes, std::vector<cv::Mat>& scratch,
+void pyramidDown(const RowOfPlane& input, cv::Size size, cv::Mat& output, int stripes, ClarityPyramid::Scratch& scratch,
                  const PyramidKernels& kernels);
 
-/// The rows of a plane brought up to `size`, that of the finer level that it came from; those of the plane itself where it
-/// has that size.
+/// Brings the rows of a plane up to `size`, the size of the next finer level. A plane that has this size already is passed
+/// through.
 class PyramidUp {
  public:
   /// `rows` has room for three rows of the finer level.
   PyramidUp(const cv::Mat& input, cv::Size size, float* rows, const PyramidKernels& kernels)
       : input_(input), size_(size), rows_(rows), kernels_(kernels) {}
 
-  /// Goes to row y, which is below the row before.
+  /// Goes to row y; rows are visited from top to bottom.
   void moveTo(int y);
 
   /// The samples of this row from column x on: where they lie, or in `buffer`.
@@ -70,7 +72,7 @@ class PyramidUp {
 
   const cv::Mat& input_;
   cv::Size size_;
-  float* rows_;  // those rows of the input that are at hand, brought up across
+  float* rows_;  // up to three rows of the input, already as wide as the finer level
   const PyramidKernels& kernels_;
   int y_ = 0;
   int next_ = 0;  // row of the input that was not brought up yet

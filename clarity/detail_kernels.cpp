@@ -1,4 +1,4 @@
-// The row kernels that raise the details of a plane: the plain forms, which define the bits, and those by vector.
+// The row kernels that raise the details of a plane: the plain forms, which define the bits, and the vector forms.
 
 #include "clarity/detail_kernels.h"
 

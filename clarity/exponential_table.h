@@ -9,13 +9,13 @@ namespace Lumvane {
 class ExponentialTable {
  public:
   static constexpr int kStepsPerUnit = 256;
-  static constexpr size_t kSize = 8192;  // up to 32; a power of 2, which a mask keeps every number below
+  static constexpr size_t kSize = 8192;  // up to exp(-32); a power of 2, so that a mask keeps an index inside
 
-  // By repeated multiplication with some 100 bits, so that no error of the products reaches a table entry. By itself,
-  // as a C library's exponential cannot be called at compile time.
+  // By repeated multiplication with some 100 bits, so that no error of the products reaches a table entry. Computed here,
+  // because a C library's exponential cannot be called at compile time.
   constexpr ExponentialTable() {
-    constexpr double kFactor = 0x1.fe00ffaabffbcp-1;  // exp(-1 / 256)
-    constexpr double kFactorRest = -0x1.c72970f73da82p-56;
+    constexpr double kFactor = 0x1.fe00ffaabffbcp-1;        // exp(-1 / 256)
+    constexpr double kFactorRest = -0x1.c72970f73da82p-56;  // what kFactor leaves out
     double entry = 1.0, rest = 0.0;
     for (double& stored : entries_) {
       stored = entry;

@@ -1,6 +1,6 @@
 // Rows of BGRA pixels and their hue, saturation and value, as in Smith: "Color Gamut Transform Pairs", SIGGRAPH 1978: the
-// value is the largest of the three colours, the saturation the distance from the smallest to it as a part of it, the hue
-// the place on a hexagon. Single precision throughout, each operation rounded at once, in the order in which it stands:
+// value is the largest of the three colours, the saturation is (largest - smallest) / largest, the hue the
+// place on a hexagon. Single precision throughout, each operation rounded at once, in the order in which it stands:
 // the bits are part of the library's contract, on every processor.
 #pragma once
 

@@ -1,4 +1,4 @@
-// The row kernels of the pyramid: the plain forms, which define the bits, and those by vector.
+// The row kernels of the pyramid: the plain forms, which define the bits, and the vector forms.
 
 #include "clarity/pyramid_kernels.h"
 

@@ -2,21 +2,22 @@
 // direction, as in Burt and Adelson: "The Laplacian Pyramid as a Compact Image Code", IEEE Transactions on Communications
 // 31, 1983. Beyond its edges a plane is reflected, the outermost samples not repeated.
 //
-// Single precision, each operation rounded at once: the orders below, which differ from column to column, are those of
-// cv::pyrDown and cv::pyrUp in an x86-64 build without fused multiply-add, and part of the library's contract.
+// Single precision, each operation rounded at once. The orders of addition in the plain forms, which differ from column to
+// column, are those of cv::pyrDown and cv::pyrUp in an x86-64 build without fused multiply-add, and part of the library's
+// contract.
 #pragma once
 
 #include <cstddef>
 
 namespace Lumvane {
 
-/// A row of `width` samples, 2 or more, to (width + 1) / 2 sums of five, on a scale of 16.
+/// A row of `width` samples, 2 or more, to (width + 1) / 2 sums of five, 16 times the scale of the samples.
 using DownAcross = void(const float* row, int width, float* sums);
 
 /// Five rows of such sums, one above the other, to a row of the coarser level.
 using DownAlong = void(const float* const (&sums)[5], int width, float* out);
 
-/// A row of `width` samples to 2 * width or 2 * width - 1 of twice the size, on a scale of 8.
+/// A row of `width` samples to outWidth ones, 2 * width or one less, 8 times the scale of the samples.
 using UpAcross = void(const float* row, int width, float* out, int outWidth);
 
 /// Rows of such samples to a part of a row of the finer level: to an even one, which lies at the middle one of three, or

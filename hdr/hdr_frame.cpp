@@ -1,6 +1,7 @@
 #include "hdr/hdr_frame.h"
 
 #include <algorithm>
+#include <chrono>
 #include <opencv2/core.hpp>
 
 #include "apply/band_rows.h"
@@ -17,17 +18,18 @@ namespace {
 
 constexpr int64_t kFewestPixelsOnThreads = 10000;
 constexpr int kFewestPairsOfBand = 4;
-constexpr int kRowsAtHand = 4;  // a pair of rows and the rows above and below it, which its chroma takes in
+constexpr int kRowsAtHand = 4;  // a pair of rows and the rows above and below it, which its chroma is computed from
 
 // Takes a frame from planes to planes in one go, row by row, so that the pixels between the conversions and the LUT never
 // leave the processor's caches. Source and destination must not overlap. Made for one run; owns nothing.
 class HdrBands : public cv::ParallelLoopBody {
  public:
-  /// `cache` holds what the LUT makes of every colour.
-  HdrBands(const VideoAdjustColor& object, const RGB8* cache, const Yv12Planes<const uint8_t>& src,
-           const Yv12Planes<uint8_t>& dst)
+  HdrBands(const VideoAdjustColor& object, const HdrTransferData& shared, const Yv12Planes<const uint8_t>& src,
+           const Yv12Planes<uint8_t>& dst, bool interpolates)
       : object_(object),
-        cache_(cache),
+        lattice_{shared.latticeSize, object.fraction, object.cell, shared.lattice[0][0]},
+        cache_(shared.cache.data()),
+        interpolates_(interpolates),
         src_(src),
         dst_(dst),
         toRgb_(toRgb(kBt2020, object.limitedRange != 0 ? kLimited : kFull)),
@@ -44,7 +46,7 @@ class HdrBands : public cv::ParallelLoopBody {
   }
 
  private:
-  // The rows next to the band are computed for the neighbouring band, too.
+  // Rows next to the band are computed twice, here and by the neighbouring band.
   void convert(int firstRow, int endRow) const {
     // The band's own part of the buffers has room for the few rows that are needed at a time.
     const size_t rowBytes = size_t{4} * static_cast<size_t>(object_.width);
@@ -58,18 +60,25 @@ class HdrBands : public cv::ParallelLoopBody {
                            destinationRows(dst_, y), object_.width);
     };
 
+    const auto width = static_cast<size_t>(object_.width);
     const int lastRow = std::min(endRow, object_.height - 1);
     for (int y = std::max(firstRow - 1, 0); y <= lastRow; ++y) {
       rows_.rowToRgb(toRgb_, sourceRow(src_, y), converted, object_.width);
-      mapRow_(cache_, converted, mappedRow(y), static_cast<size_t>(object_.width));
+      if (interpolates_) {
+        map_.latticeRow(lattice_, converted, mappedRow(y), width);
+      } else {
+        map_.cacheRow(cache_, converted, mappedRow(y), width);
+      }
       if (y % 2 == 0 && y >= firstRow + 2) writePair(y - 2);
     }
-    // At the bottom of the frame no row below tells that the last pair is complete.
+    // The last pair of the frame has no row below it that would trigger writing it.
     if (endRow == object_.height) writePair((endRow - 1) / 2 * 2);
   }
 
   const VideoAdjustColor& object_;
+  LatticeView lattice_;
   const RGB8* cache_;
+  bool interpolates_;
   Yv12Planes<const uint8_t> src_;
   Yv12Planes<uint8_t> dst_;
   ToRgb toRgb_;
@@ -77,7 +86,7 @@ class HdrBands : public cv::ParallelLoopBody {
   int count_ = std::clamp((object_.height + 1) / 2 / kFewestPairsOfBand, 1,
                           std::clamp(2 * cv::getNumThreads(), 1, object_.bandCount));
   Yv12Kernels rows_ = yv12Kernels();
-  CacheRow* mapRow_ = hdrKernels().cacheRow;
+  const HdrKernels& map_ = hdrKernels();
 };
 
 void mapLargeFrame(VideoAdjustColor& object, const HdrCache& cache) {
@@ -95,10 +104,15 @@ void mapLargeFrame(VideoAdjustColor& object, const HdrCache& cache) {
   runParallel(map.bands, map);
 }
 
-void mapSmallFrame(VideoAdjustColor& object, size_t pixels) {
-  if (object.workLatticeSize < 1 || object.workLatticeSize > kLatticeStride) return;
-  // What the object's tables hold is of the file that it read last, if it read any.
+// The tables of the object may be those of another lattice size, or empty. False without a lattice.
+bool useTablesOfFrame(VideoAdjustColor& object) {
+  if (object.workLatticeSize < 1 || object.workLatticeSize > kLatticeStride) return false;
   fillInterpolationTables(object.workLatticeSize, object.fraction, object.cell);
+  return true;
+}
+
+void mapSmallFrame(VideoAdjustColor& object, size_t pixels) {
+  if (!useTablesOfFrame(object)) return;
   for (size_t i = 0; i < pixels; ++i) interpolatePixel(object, &object.rgbaIn[4 * i], &object.rgbaOut[4 * i]);
 }
 
@@ -118,8 +132,11 @@ bool adjustFrame(VideoAdjustColor& object, const uint8_t* srcPlane0, const uint8
   const Yv12Planes<uint8_t> dst = {dstPlane0, stride0, dstPlane1,    stride1,
                                    dstPlane2, stride2, object.width, object.height};
   if (large && !overlap(src, dst)) {
-    const HdrBands bands(object, shared.cache.data(), src, dst);
+    useTablesOfFrame(object);
+    const HdrBands bands(object, shared, src, dst, shared.ordinary && object.mappings.interpolates());
+    const auto start = std::chrono::steady_clock::now();
     runParallel(bands.count(), bands);
+    object.mappings.took(std::chrono::steady_clock::now() - start);
     return true;
   }
 

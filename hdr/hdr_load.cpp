@@ -1,5 +1,6 @@
 #include "hdr/hdr_load.h"
 
+#include <algorithm>
 #include <limits>
 #include <mutex>
 #include <new>
@@ -97,6 +98,10 @@ void fillHdrCache(VideoAdjustColor& object, int transfer) {
   worker.lattice = shared.lattice;
   worker.cacheData = shared.cache.data();
   runParallel(kBands, worker);
+  // A file that was refused can leave the tables of another size.
+  const float* const values = shared.lattice[0][0];
+  shared.ordinary = object.cell[255] == object.latticeSize - 1 &&
+                    std::all_of(values, values + kLatticeStride * kLatticeStride * kLatticeStride * 3, isOrdinary);
 }
 
 }  // namespace Lumvane

@@ -12,36 +12,35 @@ HdrCache hlgCache;
 HdrCache pqCache;
 int32_t hlgLatticeSize = 0;
 int32_t pqLatticeSize = 0;
+bool hlgOrdinary = false;
+bool pqOrdinary = false;
 
-struct FreeLattice {
-  void operator()(HdrLattice lattice) const {
-    for (int x = 0; x < kLatticeStride && lattice[x] != nullptr; ++x) {
-      for (int y = 0; y < kLatticeStride; ++y) delete[] lattice[x][y];
-      delete[] lattice[x];
-    }
-    delete[] lattice;
-  }
-};
-
+// The rows lie one behind the other, with a float behind the last of them, so that kernels can take the lattice for a
+// LatticeView.
 HdrLattice allocateLattice() {
-  std::unique_ptr<float**[], FreeLattice> lattice(new float** [kLatticeStride] {});
-  for (int x = 0; x < kLatticeStride; ++x) {
-    lattice[x] = new float* [kLatticeStride] {};
-    for (int y = 0; y < kLatticeStride; ++y) lattice[x][y] = new float[kLatticeStride * 3]{};
-  }
-  return lattice.release();
+  constexpr size_t kRowFloats = kLatticeStride * 3, kRows = kLatticeStride * kLatticeStride;
+  auto points = std::make_unique<float[]>(kRows * kRowFloats + 1);
+  auto rows = std::make_unique<float*[]>(kRows);
+  auto planes = std::make_unique<float**[]>(kLatticeStride);
+  for (size_t i = 0; i < kRows; ++i) rows[i] = &points[i * kRowFloats];
+  for (size_t i = 0; i < kLatticeStride; ++i) planes[i] = &rows[i * kLatticeStride];
+  points.release(), rows.release();
+  return planes.release();
 }
 
 void dropLattice(HdrLattice& lattice) {
-  if (lattice != nullptr) FreeLattice()(lattice);
+  if (lattice == nullptr) return;
+  delete[] lattice[0][0];
+  delete[] lattice[0];
+  delete[] lattice;
   lattice = nullptr;
 }
 
 }  // namespace
 
 HdrTransferData hdrTransferData(bool pq) {
-  if (pq) return {pqLattice, pqLatticeSize, pqCache};
-  return {hlgLattice, hlgLatticeSize, hlgCache};
+  if (pq) return {pqLattice, pqLatticeSize, pqCache, pqOrdinary};
+  return {hlgLattice, hlgLatticeSize, hlgCache, hlgOrdinary};
 }
 
 bool hdrDataLoaded() { return hlgLattice != nullptr && pqLattice != nullptr; }
@@ -57,6 +56,7 @@ void dropHdrData() {
   dropLattice(hlgLattice);
   dropLattice(pqLattice);
   hlgLatticeSize = pqLatticeSize = 0;
+  hlgOrdinary = pqOrdinary = false;
   HdrCache().swap(hlgCache);
   HdrCache().swap(pqCache);
 }

@@ -13,6 +13,7 @@ struct HdrTransferData {
   HdrLattice& lattice;   ///< null before the load
   int32_t& latticeSize;  ///< points per axis as the file's header says; 0 without a file, above 65 when refused
   HdrCache& cache;       ///< empty before the load, then one entry for each colour
+  bool& ordinary;        ///< kernels may take the lattice in place of the cache: see HdrLatticeRow
 };
 
 /// The data of PQ, or of HLG.

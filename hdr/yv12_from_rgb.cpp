@@ -1,4 +1,4 @@
-// From rows of BGRA pixels to YV12: the plain form, which defines what it gives, and that by vector.
+// From rows of BGRA pixels to YV12: the plain form, which defines what it gives, and the vector form.
 
 #include "hdr/yv12_kernels.h"
 

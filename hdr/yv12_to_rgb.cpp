@@ -1,4 +1,4 @@
-// From a row of YV12 to BGRA pixels: the plain form, which defines what it gives, and that by vector.
+// From a row of YV12 to BGRA pixels: the plain form, which defines what it gives, and the vector form.
 
 #include "hdr/yv12_kernels.h"
 

@@ -4,6 +4,9 @@
 #include <cmath>
 #include <cstdlib>
 
+#include "base/large_pages.h"
+#include "base/parallel.h"
+
 namespace Lumvane {
 namespace {
 
@@ -60,6 +63,7 @@ void fillMix(uint8_t (&row)[265], int a, int b) {
 
 std::shared_ptr<const Table> buildTable() {
   const auto table = std::make_shared_for_overwrite<Table>();
+  adviseLargePages(table.get(), sizeof(Table));
   fill(table->add, [](int a, int b) { return std::min(a + b, 255); });
   fill(table->multiply, [](int a, int b) { return (a * b + 127) / 255; });
   fill(table->screen, screen);
@@ -79,10 +83,12 @@ std::shared_ptr<const Table> buildTable() {
   fill(table->pinLight, pinLight);
   fill(table->linearLight, linearLight);
   fill(table->divide, divide);
-  for (int a = 0; a < 256; ++a) {
-    for (int b = 0; b < 256; ++b) fillMix(table->mix[a][b], a, b);
-  }
   fill(table->screen255, screen255);
+  runParallel(256, [&table](const cv::Range& range) {
+    for (int a = range.start; a < range.end; ++a) {
+      for (int b = 0; b < 256; ++b) fillMix(table->mix[a][b], a, b);
+    }
+  });
   return table;
 }
 

@@ -162,7 +162,7 @@ TEST_P(Pyramid, GivesTheFloatsOfOpenCv) {
   const auto compare = [](const cv::Size& size) {
     cv::Mat fine(size, CV_32FC1), down, coarse, up;
     cv::RNG(static_cast<uint64_t>(size.area())).fill(fine, cv::RNG::UNIFORM, 0.0, 1.0);
-    std::vector<cv::Mat> scratch(3);
+    Lumvane::ClarityPyramid::Scratch scratch(3);
     const auto row = [&fine](int y, float*) { return fine.ptr<float>(y); };
     Lumvane::pyramidDown(row, size, down, 3, scratch, Lumvane::pyramidKernels());
     const bool halved = size.width > 1 && size.height > 1;

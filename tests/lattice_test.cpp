@@ -38,35 +38,6 @@ TEST(InterpolationTables, PlaceBytesInTheirCells) {
   }
 }
 
-// The same colour from the definition: from the lower corner of the cell along the axes in the order of their fractions,
-// each step weighted by its fraction.
-TEST(Tetrahedra, AreWalkedAlongTheLargestFractionFirst) {
-  const auto lut = std::make_unique<CubeLut>();
-  std::istringstream text(test::randomCube(9));
-  ASSERT_EQ(lut->readCube(text), 0);
-  const LatticeView view = {9, lut->fraction, lut->cell, &lut->lattice[0][0][0][0]};
-  const test::Bytes colours = test::noise(300000, 1);
-  for (size_t i = 0; i < colours.size(); i += 3) {
-    const uint8_t* const rgb = &colours[i];
-    const auto found = tetrahedralLookup(view, rgb[0], rgb[1], rgb[2]);
-    int at[3], axes[3] = {0, 1, 2};
-    double fractions[3], expected[3];
-    for (int a = 0; a < 3; ++a)
-      fractions[a] = std::modf(rgb[a] * 8 / 255.0, &expected[0]), at[a] = static_cast<int>(expected[0]);
-    std::sort(axes, axes + 3, [&](int a, int b) { return fractions[a] > fractions[b]; });
-    const float* point = view.point(at[0], at[1], at[2]);
-    std::copy_n(point, 3, expected);
-    for (const int axis : axes) {
-      at[axis] = std::min(at[axis] + 1, 8);
-      const float* const next = view.point(at[0], at[1], at[2]);
-      for (int c = 0; c < 3; ++c) expected[c] += fractions[axis] * (double{next[c]} - point[c]);
-      point = next;
-    }
-    for (size_t c = 0; c < 3; ++c)
-      ASSERT_NEAR(found[c], expected[c], 2e-4) << int{rgb[0]} << " " << int{rgb[1]} << " " << int{rgb[2]};
-  }
-}
-
 TEST(RoundToByte, GoesUpToTheNextEvenOrWholeNumber) {
   for (const auto& [value, byte] : std::initializer_list<std::pair<float, int>>{{10.0f, 10},
                                                                                 {10.2f, 11},

@@ -1,4 +1,4 @@
-// The row kernel of white balance: the plain form, which defines what it gives, and that by vector.
+// The row kernel of white balance: the plain form, which defines what it gives, and the vector form.
 
 #include "whitebalance/white_balance_kernel.h"
 
