@@ -13,7 +13,7 @@ constexpr int kTaps = 5;
 constexpr int kLeastShared =
     1 << 15;  // samples of a plane below which waking another thread takes longer than the work
 
-int stripesOf(cv::Size size) { return size.area() >= kLeastShared ? std::max(1, 2 * cv::getNumThreads()) : 1; }
+int stripesOf(cv::Size size) { return size.area() >= kLeastShared ? std::max(1, 2 * poolThreads()) : 1; }
 
 // The number of a row beyond an edge that reflects, the outermost row not repeated.
 int reflected(int y, int rows) {
