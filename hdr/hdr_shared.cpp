@@ -2,16 +2,17 @@
 
 #include <memory>
 
+#include "base/unload.h"
+
 namespace Lumvane {
 namespace {
 
-// Both lattices stay until the process ends, the caches until the library is unloaded.
-HdrLattice hlgLattice = nullptr;
-HdrLattice pqLattice = nullptr;
-HdrCache hlgCache;
-HdrCache pqCache;
-int32_t hlgLatticeSize = 0;
-int32_t pqLatticeSize = 0;
+struct Transfer {
+  HdrLattice lattice = nullptr;
+  int32_t latticeSize = 0;
+  HdrCache cache;
+};
+constinit Lasting<Transfer[2]> transfers;  // HLG and PQ
 
 struct FreeLattice {
   void operator()(HdrLattice lattice) const {
@@ -32,33 +33,33 @@ HdrLattice allocateLattice() {
   return lattice.release();
 }
 
-void dropLattice(HdrLattice& lattice) {
-  if (lattice != nullptr) FreeLattice()(lattice);
-  lattice = nullptr;
+LUMVANE_WHEN_UNLOADED void releaseHdrData() {
+  if (!processEnds) dropHdrData();
 }
 
 }  // namespace
 
 HdrTransferData hdrTransferData(bool pq) {
-  if (pq) return {pqLattice, pqLatticeSize, pqCache};
-  return {hlgLattice, hlgLatticeSize, hlgCache};
+  Transfer& transfer = transfers.object[pq];
+  return {transfer.lattice, transfer.latticeSize, transfer.cache};
 }
 
-bool hdrDataLoaded() { return hlgLattice != nullptr && pqLattice != nullptr; }
+bool hdrDataLoaded() { return transfers.object[0].lattice != nullptr && transfers.object[1].lattice != nullptr; }
 
 void allocateHdrData() {
-  if (hlgLattice == nullptr) hlgLattice = allocateLattice();
-  if (pqLattice == nullptr) pqLattice = allocateLattice();
-  hlgCache.resize(kCacheEntries);
-  pqCache.resize(kCacheEntries);
+  for (Transfer& transfer : transfers.object) {
+    if (transfer.lattice == nullptr) transfer.lattice = allocateLattice();
+  }
+  for (Transfer& transfer : transfers.object) transfer.cache.resize(kCacheEntries);
 }
 
 void dropHdrData() {
-  dropLattice(hlgLattice);
-  dropLattice(pqLattice);
-  hlgLatticeSize = pqLatticeSize = 0;
-  HdrCache().swap(hlgCache);
-  HdrCache().swap(pqCache);
+  for (Transfer& transfer : transfers.object) {
+    if (transfer.lattice != nullptr) FreeLattice()(transfer.lattice);
+    transfer.lattice = nullptr;
+    transfer.latticeSize = 0;
+    HdrCache().swap(transfer.cache);
+  }
 }
 
 }  // namespace Lumvane
