@@ -14,7 +14,7 @@ constexpr int kTaps = 5;
 constexpr int64_t kLeastShared = 1 << 15;
 
 int stripesOf(cv::Size size) {
-  return int64_t{size.width} * size.height >= kLeastShared ? std::max(1, 2 * cv::getNumThreads()) : 1;
+  return int64_t{size.width} * size.height >= kLeastShared ? std::max(1, 2 * poolThreads()) : 1;
 }
 
 // The number of a row beyond an edge that reflects, the outermost row not repeated.

@@ -83,8 +83,8 @@ class HdrBands : public cv::ParallelLoopBody {
   Yv12Planes<uint8_t> dst_;
   ToRgb toRgb_;
   FromRgb fromRgb_;
-  int count_ = std::clamp((object_.height + 1) / 2 / kFewestPairsOfBand, 1,
-                          std::clamp(2 * cv::getNumThreads(), 1, object_.bandCount));
+  int count_ =
+      std::clamp((object_.height + 1) / 2 / kFewestPairsOfBand, 1, std::clamp(2 * poolThreads(), 1, object_.bandCount));
   Yv12Kernels rows_ = yv12Kernels();
   const HdrKernels& map_ = hdrKernels();
 };

@@ -194,9 +194,8 @@ LUMVANE_API bool WhiteBalanceFun(const uint8_t* src, uint8_t* dst, float reserve
  * Threads        Calls may run side by side; the first ones wait for the load.
  * Failures       std::bad_alloc passes out when memory runs out, for a negative size, and for frames of 2^31 bytes and
  *                more at four bytes a pixel. When that ends the first call, the next one loads.
- * Cost           The first call reads both files and takes some 0.1 s for two of 65 points on two threads. The results
- *                are 101 MB that stay until the library is unloaded; the tables, 7 MB, stay until the process ends.
- *                Every call: 8 bytes a pixel.
+ * Cost           The first call reads both files and takes some 0.1 s for two of 65 points on two threads. What
+ *                it makes, 108 MB, stays until the library is unloaded. Every call: 8 bytes a pixel.
  */
 LUMVANE_API void* CreateVideoAdjustColor(const char16_t* lutDirectory, int32_t reservedMode, int32_t limitedRange,
                                          int32_t usePq, int32_t width, int32_t height);
