@@ -66,7 +66,7 @@ namespace {
 // 0.75. Those up to 2^-54, which a double loses beside 0.5, still give 0.
 HWY_INLINE VF withHalf(VF v) {
   const VF raised = hn::Min(hn::Mul(v, hn::Set(F(), 1073741824.0f)), hn::Set(F(), 0.75f));
-  return hn::Add(hn::Max(raised, v), hn::Set(F(), 0.49999997f));
+  return hn::Add(maxOrNan(raised, v), hn::Set(F(), 0.49999997f));
 }
 
 HWY_INLINE VWords evenBytes(VU v) { return hn::And(hn::BitCast(Words(), v), hn::Set(Words(), 0xFF)); }

@@ -62,10 +62,19 @@ HWY_INLINE VU shuffled(VU v, const uint8_t (&order)[16]) {
   return hn::BitCast(U(), hn::TableLookupBytesOr0(hn::BitCast(Bytes(), v), hn::LoadDup128(Bytes(), order)));
 }
 
+// The larger of the two, and a NaN where `b` is one: other processors than x86 take the number that is left.
+HWY_INLINE VF maxOrNan(VF a, VF b) {
+#if HWY_ARCH_X86
+  return hn::Max(a, b);
+#else
+  return hn::IfThenElse(hn::Gt(a, b), a, b);
+#endif
+}
+
 // gatherPoints: four floats from each of base + places[0], base + places[4], ..., a block of 16 bytes each. The fourth is
 // whatever follows the point.
-// rounded, truncated: to the nearest whole number, ties to even, or towards zero. What an int32_t cannot hold, and a NaN,
-// gives a number below 0.
+// rounded: to the nearest whole number, ties to even. What an int32_t cannot hold, and a NaN, gives a number below 0.
+// truncated: towards zero, of what an int32_t can hold.
 // packed: held to 0 to 255; byte 4 * i + c of a block comes from lane c of that block of vector i.
 #if HWY_ARCH_X86 && HWY_TARGET <= HWY_AVX3  // targets are numbered from the newest down
 
@@ -103,11 +112,12 @@ HWY_INLINE VU packed(VI v0, VI v1, VI v2, VI v3) {
   return VU{_mm_packus_epi16(_mm_packs_epi32(v0.raw, v1.raw), _mm_packs_epi32(v2.raw, v3.raw))};
 }
 #else
-HWY_INLINE VF whereItFits(VF v) {
-  return hn::IfThenElse(hn::Lt(hn::Abs(v), hn::Set(F(), 2147483648.0f)), v, hn::Set(F(), -1.0f));
+HWY_INLINE VI rounded(VF v) {
+  // What is too small becomes the smallest number by itself.
+  const VF low = hn::IfThenElse(hn::Lt(v, hn::Set(F(), 2147483648.0f)), v, hn::Set(F(), -1.0f));
+  return hn::NearestInt(low);
 }
-HWY_INLINE VI rounded(VF v) { return hn::NearestInt(whereItFits(v)); }
-HWY_INLINE VI truncated(VF v) { return hn::ConvertTo(I(), whereItFits(v)); }
+HWY_INLINE VI truncated(VF v) { return hn::ConvertTo(I(), v); }
 HWY_INLINE VU packed(VI v0, VI v1, VI v2, VI v3) {
   const Shorts shorts;
   const auto low = hn::ReorderDemote2To(shorts, v0, v1), high = hn::ReorderDemote2To(shorts, v2, v3);

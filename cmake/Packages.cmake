@@ -37,5 +37,10 @@ set(CPACK_COMPONENT_PLUGINS_DESCRIPTION "Lumvane colour effects for programs tha
 # Needs of other packages are found by looking at what the files link to; the library's own file is found here.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR})
+if(CMAKE_SYSROOT)
+  foreach(folder /lib /usr/lib)
+    list(APPEND CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_SYSROOT}${folder}/${CMAKE_LIBRARY_ARCHITECTURE})
+  endforeach()
+endif()
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 include(CPack)

@@ -1,12 +1,14 @@
 #!/bin/sh
-# The Debian packages hold what they should, ask for what they need, and work together: packages.sh FOLDER
+# The Debian packages hold what they should, ask for what they need, and work together:
+#   packages.sh FOLDER [WHAT RUNS THE PROGRAMS]
 set -eu
 root=$(mktemp -d)
 trap 'rm -rf "$root"' EXIT
 
 folder=$1
+shift
 version=$(dpkg-deb --field "$folder"/liblumvane-dev_*.deb Version)
-for need in 'liblumvane0 libopencv-core' 'liblumvane0 libhwy' 'liblumvane0 libc6' \
+for need in 'liblumvane0 libopencv-core' 'liblumvane0 libc6' \
   "liblumvane-dev liblumvane0 (= $version)" "lumvane-host liblumvane0 (= $version)" \
   'lumvane-host libopencv-imgcodecs' "frei0r-plugins-lumvane liblumvane0 (= $version)"; do
   dpkg-deb --field "$folder/${need%% *}"_*.deb Depends | grep -qF "${need#* }" || { echo "no need for ${need#* }"; exit 1; }
@@ -21,5 +23,5 @@ done
 [ -e "$root/usr/include/lumvane.h" ]
 [ -e "$root/usr/lib/frei0r-1/lumvane_lut.so" ]
 cd "$root"
-LD_LIBRARY_PATH=$library usr/bin/lumvane-host scene scene.png
+LD_LIBRARY_PATH=$library "$@" usr/bin/lumvane-host scene scene.png
 [ -s scene.png ]
