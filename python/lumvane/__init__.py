@@ -68,7 +68,7 @@ def _utf16(path: str) -> bytes:
     try:
         return path.encode("utf-16-le") + b"\0\0"
     except UnicodeEncodeError:
-        raise ValueError(f"'{os.fsencode(path)!r}': its name is no UTF-8") from None
+        raise ValueError(f"{os.fsencode(path)!r}: its name is no UTF-8") from None
 
 
 def _clamped(percent: int, least: int) -> int:
@@ -168,7 +168,7 @@ class Lut(_Effect):
 
     def __init__(self, path: _Path) -> None:
         super().__init__()
-        name = os.fspath(path)
+        name = os.fsdecode(path)
         with open(name, "rb") as file:
             for line in file:  # a table is announced ahead of its first row
                 if line.startswith(b"LUT_1D_SIZE"):
@@ -256,7 +256,7 @@ class HdrToBt709(_Effect):
         width, height = map(operator.index, size)
         if width < 1 or height < 1 or 4 * width * height > _LARGEST:
             raise ValueError(f"no frames of {width} x {height}: they have 1 to 2^29 - 1 pixels")
-        folder = os.path.abspath(os.fspath(directory))
+        folder = os.path.abspath(os.fsdecode(directory))
         lut = os.path.join(folder, f"HDR_{transfer.upper()}.cube")
         open(lut, "rb").close()
         library = _library()

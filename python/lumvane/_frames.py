@@ -85,9 +85,14 @@ def read_picture(path: str) -> lumvane.Picture:
     coded = np.frombuffer(data, np.uint8)
     if is_cut_off_jpeg(data):
         raise ValueError("it is cut off, the file ends ahead of the picture")
-    picture = cv2.imdecode(coded, cv2.IMREAD_UNCHANGED) if data else None
-    # Only the colour mode heeds the orientation that cameras note in a file; only the unchanged one keeps alpha.
-    if picture is not None and (picture.ndim < 3 or picture.shape[2] != 4):
+    # Only the colour mode heeds the orientation that cameras note in a file; only the unchanged one keeps alpha. Most
+    # pictures tell beforehand that they have none, and decoding is half of the work: those are decoded once.
+    jpeg, png = data[:2] == b"\xff\xd8", data[:4] == b"\x89PNG"
+    opaque = jpeg or png and data[25:26] in b"\0\2" and b"tRNS" not in data[:data.find(b"IDAT")]
+    picture = None
+    if data and not opaque:
+        picture = cv2.imdecode(coded, cv2.IMREAD_UNCHANGED)
+    if opaque or picture is not None and (picture.ndim < 3 or picture.shape[2] != 4):
         picture = cv2.imdecode(coded, cv2.IMREAD_COLOR)
     if picture is None:
         raise ValueError("it is damaged, or no picture of a format that is known here")

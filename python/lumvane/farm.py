@@ -22,6 +22,7 @@ import zlib
 from typing import Any, Callable, Dict, Iterable, Iterator, List, NamedTuple, Optional, Tuple
 
 import dask
+from dask.system import CPU_COUNT
 from distributed import Client, LocalCluster, as_completed
 
 from lumvane import _frames
@@ -192,7 +193,7 @@ def remove_parts(folder: str, run: str) -> None:
 def connected(options: argparse.Namespace) -> Iterator[Client]:
     with contextlib.ExitStack() as ends:
         if options.scheduler is None:
-            count = options.workers or len(os.sched_getaffinity(0))
+            count = options.workers or CPU_COUNT
             # What workers leave on disk does not belong in the folder where the user happens to be.
             dask.config.set({"temporary-directory": ends.enter_context(tempfile.TemporaryDirectory())})
             address = ends.enter_context(LocalCluster(n_workers=count, threads_per_worker=1, memory_limit=0,
