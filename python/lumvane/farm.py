@@ -25,6 +25,7 @@ import dask
 from dask.system import CPU_COUNT
 from distributed import Client, LocalCluster, as_completed
 
+import lumvane
 from lumvane import _frames
 
 WINDOW = 4000  # tasks that the scheduler knows of at one time
@@ -218,19 +219,16 @@ def effect_of(options: argparse.Namespace) -> _frames.Effect:
         return _frames.Effect("clarity", {"saturation": options.saturation, "intensity": options.intensity}, {})
     try:
         if options.effect == "lut":
-            effect = _frames.Effect("lut", {"strength": options.strength}, contents([options.lut]))
-            _frames.picture_edit(effect)
-            return effect
+            lumvane.Lut(options.lut).close()
+            return _frames.Effect("lut", {"strength": options.strength}, contents([options.lut]))
+        lumvane.HdrToBt709(options.luts, options.transfer, size=(1, 1)).close()
         luts = [os.path.join(options.luts, f"HDR_{name}.cube") for name in ("HLG", "PQ")]
-        needed = luts[options.transfer == "pq"]
         # Both, where there are both: a worker reads them once, for whatever comes later.
-        effect = _frames.Effect("hdr", {"transfer": options.transfer},
-                                contents(name for name in luts if name == needed or os.path.exists(name)))
-        _frames.open_hdr(effect, True, (1, 1))
-        return effect
-    except (OSError, ValueError) as error:
-        name = options.lut if options.effect == "lut" else needed
-        raise Unusable(f"cannot use LUT file '{name}': {_frames.reason(error)}", 3) from None
+        return _frames.Effect("hdr", {"transfer": options.transfer}, contents(filter(os.path.exists, luts)))
+    except OSError as error:
+        raise Unusable(f"cannot use LUT file '{error.filename}': {error.strerror}", 3) from None
+    except ValueError as error:
+        raise Unusable(str(error), 3) from None
 
 
 def render(options: argparse.Namespace) -> int:
