@@ -13,8 +13,8 @@
 
 namespace Lumvane {
 
-/// Asks the system for large pages behind what is only just allocated; does nothing where there are none. A cache is
-/// read all over the place, and so misses the processor's table of ordinary pages at nearly every pixel.
+/// Asks the system for large pages for newly allocated memory; does nothing where there are none. A cache is read at
+/// random, and with ordinary pages nearly every pixel misses the TLB.
 inline void adviseLargePages([[maybe_unused]] void* memory, [[maybe_unused]] size_t bytes) {
 #ifdef MADV_HUGEPAGE
   constexpr uintptr_t kPage = uintptr_t{2} << 20;  // of x86-64 and most ARM systems; the advice holds for any size
@@ -24,7 +24,7 @@ inline void adviseLargePages([[maybe_unused]] void* memory, [[maybe_unused]] siz
 #endif
 }
 
-/// Memory that is zero as the system hands it out: a table comes to hold zeros without a byte of it being touched.
+/// Memory that the system hands out zeroed: a table of zeros needs no write.
 template <class T>
 struct ZeroMemory {
   using value_type = T;
@@ -40,14 +40,14 @@ struct ZeroMemory {
   }
   void deallocate(T* memory, size_t) { std::free(memory); }
 
-  /// Of entries without a value: zero already.
+  /// Entries without a value are already zero.
   template <class U>
   void construct(U*) {}
 
   bool operator==(const ZeroMemory&) const = default;
 };
 
-/// What an HDR LUT makes of every colour, by cacheEntry; or empty. Is resized once, from empty: see ZeroMemory.
+/// The result of an HDR LUT for every colour, by cacheEntry; or empty. Resized only once, from empty: see ZeroMemory.
 using HdrCache = std::vector<RGB8, ZeroMemory<RGB8>>;
 
 }  // namespace Lumvane

@@ -2,7 +2,7 @@
 
 #include "hdr/yv12_kernels.h"
 
-#ifndef HWY_TARGET_INCLUDE  // once; what comes after this is compiled for each set of vector instructions
+#ifndef HWY_TARGET_INCLUDE  // once; the code after this block is compiled for each instruction set
 #define HWY_TARGET_INCLUDE "hdr/yv12_to_rgb.cpp"
 
 namespace Lumvane {
@@ -42,7 +42,7 @@ RowToRgb* const plainRowToRgb = plain::rowToRgb;
 
 #endif
 
-#include <hwy/foreach_target.h>  // must come before what uses vectors
+#include <hwy/foreach_target.h>  // must precede all vector code
 
 #include "base/vectors-inl.h"
 
