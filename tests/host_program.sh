@@ -1,6 +1,7 @@
 #!/bin/sh
-# The host program as a person uses it: pictures in, pictures out, and a clear word when that can't be. The trace ends
-# with what failed.
+# The host program as a person uses it: pictures in, pictures out, and clear messages when that fails. The trace ends
+# with
+# the failed command.
 #   host_program.sh LUMVANE-HOST SAMPLES FOLDER_OF_LOCALES
 set -eux
 host=$1 samples=$2 locales=$3
@@ -76,13 +77,13 @@ CASES
 cmp kept.y4m hlg.y4m
 [ -s "$latin/one.png" ]  # one bad picture keeps no other from being graded
 
-# A picture that a camera held upright, as its EXIF tells (orientation 6), comes out upright.
+# A picture taken with an upright camera (EXIF orientation 6) comes out upright.
 printf '\377\330\377\341\0\042Exif\0\0MM\0\052\0\0\0\010\0\001\001\022\0\003\0\0\0\001\0\006\0\0\0\0\0\0' >turned.jpg
 tail -c +3 many/two.jpg >>turned.jpg
 "$host" whitebalance turned.jpg upright.png
 [ "$(od -An -tu1 -j16 -N8 upright.png | tr -s ' ')" = " 0 0 0 36 0 0 0 64" ]
 
-# What is interrupted leaves nothing, like what failed.
+# An interrupted run leaves nothing, like a failed one.
 for signal in INT TERM QUIT; do
   timeout -s $signal 0.3 "$host" hdr-clip --transfer hlg --frames 100000 x.y4m || [ $? -eq 124 ]
 done

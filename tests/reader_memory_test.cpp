@@ -1,4 +1,4 @@
-// What a reader takes does not go by its file: files as no fuzzer makes them, for their size.
+// A reader's memory does not depend on its file: sizes that no fuzzer produces.
 
 #include <gtest/gtest.h>
 
