@@ -32,7 +32,7 @@ Picture fromFloatPlanes(const Picture& floats);
 /// From BGRA pixels: Y, Cb and Cr of limited range by the BT.2020 matrix, chroma averaged over four pixels.
 Picture toYuv420(const Picture& bgra);
 
-/// The largest difference between bytes of two pictures of one shape, over all planes.
+/// The difference between the bytes of two pictures of one shape, over all planes: mean and largest.
 struct Difference {
   double mean = 0.0;
   int most = 0;

@@ -134,9 +134,9 @@ void upAcross(const float* row, int width, float* out, int outWidth) {
   int x = 1;
   constexpr int lanes = kLanes;
   for (; x + lanes < width; x += lanes) {
-    const VF before = hn::LoadU(F(), row + x - 1), at = hn::LoadU(F(), row + x), behind = hn::LoadU(F(), row + x + 1);
-    const VF even = hn::Add(hn::Add(before, times(at, 6)), behind);
-    hn::StoreInterleaved2(even, times(hn::Add(at, behind), 4), F(), out + 2 * x);
+    const VF before = hn::LoadU(F(), row + x - 1), at = hn::LoadU(F(), row + x), after = hn::LoadU(F(), row + x + 1);
+    const VF even = hn::Add(hn::Add(before, times(at, 6)), after);
+    hn::StoreInterleaved2(even, times(hn::Add(at, after), 4), F(), out + 2 * x);
   }
   for (; x < width; ++x) plain::upAcrossPair(row, width, x, out, outWidth);
 }

@@ -62,13 +62,13 @@ bool isLarge(std::string_view number, std::chars_format format) {
 // The end of the number that begins at `start`, after its sign; null when there is none.
 const char* convert(const char* start, const char* end, std::chars_format format, bool negative, float& value) {
   float magnitude = 0.0f;
-  const auto [behind, error] = std::from_chars(start, end, magnitude, format);
+  const auto [after, error] = std::from_chars(start, end, magnitude, format);
   if (error == std::errc::invalid_argument) return nullptr;
   if (error == std::errc::result_out_of_range) {
     magnitude = isLarge({start, end}, format) ? std::numeric_limits<float>::infinity() : 0.0f;
   }
   value = negative ? -magnitude : magnitude;
-  return behind;
+  return after;
 }
 
 const char* skipSign(const char* text, const char* end, bool& negative) {
@@ -82,39 +82,39 @@ const char* skipSign(const char* text, const char* end, bool& negative) {
 const char* scanNumber(const char* text, const char* end, float& value) {
   bool negative;
   const char* const start = skipSign(text, end, negative);
-  const char* behind = nullptr;
+  const char* after = nullptr;
   if (start != end && (lower(*start) == 'n' || lower(*start) == 'i')) {
-    if ((behind = skipWord(start, end, "inf")) != nullptr) {
+    if ((after = skipWord(start, end, "inf")) != nullptr) {
       // With one more letter it must be the whole word.
-      if (behind != end && lower(*behind) == 'i') behind = skipWord(start, end, "infinity");
+      if (after != end && lower(*after) == 'i') after = skipWord(start, end, "infinity");
     } else {
-      behind = skipWord(start, end, "nan");
+      after = skipWord(start, end, "nan");
     }
-    if (behind == nullptr) return nullptr;
-    convert(start, behind, std::chars_format::general, negative, value);
-    return behind;
+    if (after == nullptr) return nullptr;
+    convert(start, after, std::chars_format::general, negative, value);
+    return after;
   }
   if (const char* const digits = skipWord(start, end, "0x")) {
-    behind = skipDigits(digits, end, 'p');
-    if (behind == digits) return nullptr;
-    if (convert(digits, behind, std::chars_format::hex, negative, value) == nullptr) value = negative ? -0.0f : 0.0f;
-    return behind;
+    after = skipDigits(digits, end, 'p');
+    if (after == digits) return nullptr;
+    if (convert(digits, after, std::chars_format::hex, negative, value) == nullptr) value = negative ? -0.0f : 0.0f;
+    return after;
   }
-  behind = skipDigits(start, end, 'e');
-  return convert(start, behind, std::chars_format::general, negative, value) != nullptr ? behind : nullptr;
+  after = skipDigits(start, end, 'e');
+  return convert(start, after, std::chars_format::general, negative, value) != nullptr ? after : nullptr;
 }
 
 const char* extractNumber(const char* text, const char* end, float& value) {
   bool negative;
   const char* const start = skipSign(text, end, negative);
-  const char* const behind = skipDigits(start, end, 'e');
+  const char* const after = skipDigits(start, end, 'e');
   float extracted;
-  if (behind == start || convert(start, behind, std::chars_format::general, negative, extracted) != behind ||
+  if (after == start || convert(start, after, std::chars_format::general, negative, extracted) != after ||
       std::isinf(extracted)) {
     return nullptr;
   }
   value = extracted;
-  return behind;
+  return after;
 }
 
 void scanRow(std::string_view line, float (&values)[3]) {

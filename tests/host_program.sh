@@ -27,7 +27,7 @@ ln -s clear.png warm.png
 [ -h warm.png ]
 
 # Greys of the HDR LUTs: 50 % and 75 % of HLG are 50.7 and 203 cd/m2, 50 % of PQ is 92.2. Light up to 88 cd/m2 is kept,
-# on a display of 203 cd/m2 and gamma 2.4. And a green beyond BT.709, which is brought to its edge.
+# on a display of 203 cd/m2 and gamma 2.4. And a green outside BT.709, which is moved to its edge.
 "$host" hdr-luts --size 5 luts
 while read -r name line rgb; do
   [ "$(sed -n "${line}s/\(\.....\)../\1/gp" luts/HDR_"$name".cube)" = "$rgb" ]
@@ -46,7 +46,7 @@ done
 sed '1s/LIMITED/FULL/' hlg.y4m | "$host" hdr --luts luts --transfer hlg - out-full.y4m
 "$host" hdr --luts luts --transfer hlg --range full hlg.y4m - | cmp - out-full.y4m
 
-# Exit code | words of the message | what is on the standard input | arguments
+# Exit code | words of the message | standard input | arguments
 ln -s one.png many/link.png
 latin=$(printf 'gr\374n')  # no UTF-8
 cp silver.3dl "$latin.3dl"
