@@ -119,7 +119,7 @@ void latticeRow(const LatticeView& lattice, const uint8_t* src, uint8_t* dst, si
 // A lattice row, split into components.
 struct PlanarRow {
   alignas(64) float component[3][kLatticeStride + kLanes];  // a vector may be read from any point
-  bool ordinary;                                            // all values are; other rows use the plain form
+  bool ordinary;                                            // all its values are; other rows use the plain form
 
   void read(const float* row) {
     const VF least = hn::Set(F(), -1.0f), most = hn::Set(F(), 1 << 20);

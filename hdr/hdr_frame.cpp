@@ -18,7 +18,7 @@ namespace {
 
 constexpr int64_t kFewestPixelsOnThreads = 10000;
 constexpr int kFewestPairsOfBand = 4;
-constexpr int kRowsAtHand = 4;  // a pair of rows, and the rows above and below it that its chroma also needs
+constexpr int kRowsKept = 4;  // a pair of rows, and the rows above and below it that its chroma also needs
 
 // Converts a frame from planes to planes in one go, row by row, so that the pixels between the conversions and the LUT
 // stay in the processor's caches. Source and destination must not overlap. Serves one run; owns nothing.
@@ -53,7 +53,7 @@ class HdrBands : public cv::ParallelLoopBody {
     uint8_t* const converted = object_.rgbaIn.get() + rowBytes * static_cast<size_t>(firstRow);
     uint8_t* const mapped = object_.rgbaOut.get() + rowBytes * static_cast<size_t>(firstRow);
     const auto mappedRow = [&](int y) {
-      return mapped + rowBytes * static_cast<size_t>(std::clamp(y, 0, object_.height - 1) % kRowsAtHand);
+      return mapped + rowBytes * static_cast<size_t>(std::clamp(y, 0, object_.height - 1) % kRowsKept);
     };
     const auto writePair = [&](int y) {
       rows_.rowPairFromRgb(fromRgb_, {mappedRow(y - 1), mappedRow(y), mappedRow(y + 1), mappedRow(y + 2)},

@@ -2,7 +2,7 @@
  *
  * This applies to every function:
  *
- * Frames   Packed 8-bit pixels in memory that the caller owns: four bytes a pixel, byte 0 blue, byte 1 green, byte 2
+ * Frames   Packed 8-bit pixels in memory that the caller owns: four bytes per pixel, byte 0 blue, byte 1 green, byte 2
  *          red, byte 3 alpha ("BGRA"); HDR video has planes instead. Exactly the bytes of the pixels of each row are
  *          read or written; padding between rows, and memory after the last row, is neither read nor changed. No
  *          alignment is required.

@@ -77,7 +77,7 @@ CASES
 cmp kept.y4m hlg.y4m
 [ -s "$latin/one.png" ]  # one bad picture keeps no other from being graded
 
-# A picture taken with an upright camera (EXIF orientation 6) comes out upright.
+# A picture taken in portrait orientation (EXIF orientation 6) comes out upright.
 printf '\377\330\377\341\0\042Exif\0\0MM\0\052\0\0\0\010\0\001\001\022\0\003\0\0\0\001\0\006\0\0\0\0\0\0' >turned.jpg
 tail -c +3 many/two.jpg >>turned.jpg
 "$host" whitebalance turned.jpg upright.png
