@@ -1,6 +1,7 @@
 #!/bin/sh
-# The host program as a person uses it: pictures in, pictures out, and a clear word when that can't be. The trace ends
-# with what failed.
+# The host program as a person uses it: pictures in, pictures out, and clear messages when that fails. The trace ends
+# with
+# the failed command.
 #   host_program.sh LUMVANE-HOST SAMPLES FOLDER_OF_LOCALES
 set -eux
 host=$1 samples=$2 locales=$3
@@ -34,7 +35,7 @@ rm other.png
 [ "$(stat -c %a clear.png)" = 600 ]
 
 # Greys of the HDR LUTs: 50 % and 75 % of HLG are 50.7 and 203 cd/m2, 50 % of PQ is 92.2. Light up to 88 cd/m2 is kept,
-# on a display of 203 cd/m2 and gamma 2.4. And a green beyond BT.709, which is brought to its edge.
+# on a display of 203 cd/m2 and gamma 2.4. And a green outside BT.709, which is moved to its edge.
 "$host" hdr-luts --size 5 luts
 while read -r name line rgb; do
   [ "$(sed -n "${line}s/\(\.....\)../\1/gp" luts/HDR_"$name".cube)" = "$rgb" ]
@@ -53,7 +54,7 @@ done
 sed '1s/LIMITED/FULL/' hlg.y4m | "$host" hdr --luts luts --transfer hlg - out-full.y4m
 "$host" hdr --luts luts --transfer hlg --range full hlg.y4m - | cmp - out-full.y4m
 
-# Exit code | words of the message | what is on the standard input | arguments
+# Exit code | words of the message | standard input | arguments
 ln -s one.png many/link.png
 mkfifo pipe.cube
 mkdir damaged
@@ -95,13 +96,13 @@ CASES
 cmp kept.y4m hlg.y4m
 [ -s "$latin/one.png" ]  # one bad picture keeps no other from being graded
 
-# A picture that a camera held upright, as its EXIF tells (orientation 6), comes out upright.
+# A picture taken in portrait orientation (EXIF orientation 6) comes out upright.
 printf '\377\330\377\341\0\042Exif\0\0MM\0\052\0\0\0\010\0\001\001\022\0\003\0\0\0\001\0\006\0\0\0\0\0\0' >turned.jpg
 tail -c +3 many/two.jpg >>turned.jpg
 "$host" whitebalance turned.jpg upright.png
 [ "$(od -An -tu1 -j16 -N8 upright.png | tr -s ' ')" = " 0 0 0 36 0 0 0 64" ]
 
-# What is interrupted leaves nothing, like what failed, also where a file may not be as large.
+# An interrupted run leaves nothing, like a failed one, also where a file may not be as large.
 (ulimit -f 8 && "$host" scene x.png) || [ $? -eq 4 ]
 for signal in INT TERM QUIT; do
   timeout -s $signal 0.3 "$host" hdr-clip --transfer hlg --frames 100000 x.y4m || [ $? -eq 124 ]

@@ -1,5 +1,5 @@
 #!/bin/sh
-# The Debian packages hold what they should, ask for what they need, and work together:
+# The Debian packages contain the right files, have the right dependencies, and work together:
 #   packages.sh FOLDER [WHAT RUNS THE PROGRAMS]
 set -eu
 root=$(mktemp -d)

@@ -1,6 +1,5 @@
 #!/bin/sh
-# The DLL exports the functions of lumvane.h, undecorated, and nothing else; it imports what every Windows has and nothing
-# else.
+# The DLL exports the functions of lumvane.h, undecorated, and nothing else, and imports only what every Windows has.
 #   dll_contents.sh OBJDUMP LUMVANE.H LUMVANE.DLL
 set -eu
 contents=$("$1" -p "$3")
