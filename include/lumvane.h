@@ -188,11 +188,14 @@ LUMVANE_API bool WhiteBalanceFun(const uint8_t* src, uint8_t* dst, float reserve
  * usePq          Not 0: frames have the PQ transfer and go through "HDR_PQ.cube"; 0: HLG, and "HDR_HLG.cube".
  * width, height  Frame size in pixels; odd ones are taken.
  * Returns        A handle for the functions below, or null for a null directory. A LUT file that is missing or cannot
- *                be used is not reported: the frames that need it come out black.
+ *                be used is not reported. Without a file, or with one whose header is refused, the frames that need it
+ *                come out black; of one that is damaged further on, the rows ahead of the damage count, and all other
+ *                points of the table are black. Create3DLutColorAdjustEffect gives null for such files.
  * Owner          The caller, who ends the handle with DestroyVideoAdjustColor.
  * Threads        Calls may run side by side; the first ones wait for the load.
- * Failures       std::bad_alloc passes out when memory runs out, for a negative size, and for frames of 2^31 bytes and
- *                more at four bytes a pixel. When that ends the first call, the next one loads.
+ * Failures       std::bad_alloc passes out when memory runs out, when a LUT file cannot be opened because the process or
+ *                the system has too many files open, for a negative size, and for frames of 2^31 bytes and more at four
+ *                bytes a pixel. When that ends the first call, the next one loads.
  * Cost           The first call reads both files and takes some 0.1 s for two of 65 points on two threads. What
  *                it makes, 108 MB, stays until the library is unloaded. Every call: 8 bytes a pixel.
  */
