@@ -58,7 +58,8 @@ void tryThreads(int count) {
 
 // More threads than processors the pool may be asked for, but need not have.
 int threadsToStart() {
-  return std::min(cv::getNumThreads(), std::max(static_cast<int>(std::thread::hardware_concurrency()), 2));
+  static const int processors = std::max(static_cast<int>(std::thread::hardware_concurrency()), 2);  // reads a file
+  return std::min(cv::getNumThreads(), processors);
 }
 
 // Has the pool make its threads. Throws where it cannot, or does not come back from that.

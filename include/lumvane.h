@@ -186,11 +186,14 @@ LUMVANE_API bool WhiteBalanceFun(const uint8_t* src, uint8_t* dst, float reserve
  * usePq          Not 0: PQ, through "HDR_PQ.cube"; 0: HLG, through "HDR_HLG.cube".
  * width, height  Frame size in pixels; may be odd.
  * Returns        A handle for the functions below, or null for a null directory. A LUT file that is missing or cannot
- *                be used is not reported: the frames that need it come out black.
+ *                be used is not reported. Without a file, or with one whose header is refused, the frames that need it
+ *                come out black. Of one that is damaged further on, the rows before the damage count, and all other
+ *                points of the table are black. Create3DLutColorAdjustEffect gives null for such files.
  * Owner          The caller, who destroys the object with DestroyVideoAdjustColor.
  * Threads        Calls can run concurrently; the first ones wait until the files are loaded.
- * Failures       Throws std::bad_alloc when memory runs out, for a negative size, and for frames of 2^31 bytes and more
- *                at four bytes per pixel. If the first call fails so, the next one loads the files.
+ * Failures       Throws std::bad_alloc when memory runs out, when a LUT file cannot be opened because the process or the
+ *                system has too many files open, for a negative size, and for frames of 2^31 bytes and more at four
+ *                bytes per pixel. If the first call fails so, the next one loads the files.
  * Cost           The first call reads both files: about 0.1 s for two of 65 points. The results and tables, 108 MB,
  *                stay until the library is unloaded. Every object: 8 bytes per pixel.
  */

@@ -124,8 +124,7 @@ INSTANTIATE_TEST_SUITE_P(
     Of, HdrPair,
     testing::Values(
         Pair{"GoodOnes", kGood, randomCube(9), 5, 9, false, false, true, 8},
-        Pair{"NoFiles", "", "", 0, 0, true, true, false, 0}, Pair{"NoPq", kGood, "", 5, 0, false, true, true, 4},
-        Pair{"NoHlg", "", kGood, 0, 5, true, false, true, 4},
+        Pair{"NoFiles", "", "", 0, 0, true, true, false, 0}, Pair{"NoHlg", "", kGood, 0, 5, true, false, true, 4},
         Pair{"SizeRefusedAtOnce", kGood, "LUT_3D_SIZE 66\n0 0 0\n", 5, 66, false, true, false, 4},
         Pair{"SizeBeyondTheHeader", kGood, "TITLE t\nLUT_3D_SIZE 300\n", 5, 5, false, true, false, 4},
         Pair{"NoSize", kGood, "TITLE t\n0 0 0\n", 5, 5, false, true, false, 4},

@@ -2,6 +2,7 @@
 // that is not whole, nothing is lost, and the next call does its work.
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -153,6 +154,19 @@ TEST_P(MemoryFailure, PassesOutOfTheCall) {
   const long allocations = failEach(call, Failing::kOnce, expected);
   EXPECT_LE(test::liveBlocks(), live + (call.mayLose ? allocations : 0));
   std::cout << allocations << " allocations\n";
+}
+
+TEST(HdrFirstCreate, IsTriedAgainWhereNoFileCouldBeOpened) {
+  frames();
+  Lumvane::dropHdrData();
+  rlimit limit;
+  getrlimit(RLIMIT_NOFILE, &limit);
+  const rlimit none = {0, limit.rlim_max};
+  setrlimit(RLIMIT_NOFILE, &none);
+  EXPECT_THROW(kHdr.create(frames()), std::bad_alloc);
+  setrlimit(RLIMIT_NOFILE, &limit);
+  kHdr.destroy(kHdr.create(frames()));
+  EXPECT_GT(Lumvane::hdrTransferData(true).latticeSize, 0);
 }
 
 #ifdef LUMVANE_OWN_MALLOC

@@ -3,6 +3,7 @@
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 #include <inttypes.h>
+#include <sys/resource.h>
 
 #include <atomic>
 #include <cmath>
@@ -66,6 +67,8 @@ struct Instance {
     plugin.f0r_update(handle, 0.0, reinterpret_cast<uint32_t*>(src.data()), reinterpret_cast<uint32_t*>(dst.data()));
     EXPECT_TRUE(dst.guardsIntact());
     EXPECT_EQ(src.packed(), pixels);
+    plugin.f0r_update(handle, 0.0, reinterpret_cast<uint32_t*>(src.data()), reinterpret_cast<uint32_t*>(src.data()));
+    EXPECT_EQ(src.packed(), dst.packed()) << "in place";
     return dst.packed();
   }
 };
@@ -191,6 +194,22 @@ TEST_F(LutPlugin, ReadsItsFileOnlyWhenThePathChanges) {
   instance.set(0, path);
   EXPECT_EQ(instance.update(src, 40, 30), src) << "the path anew, and the file is gone";
 }
+
+#ifndef LUMVANE_SANITIZED  // sanitizers end a process that finds no memory
+TEST_F(LutPlugin, LoadsWithTheNextFrameWhenMemoryWasShort) {
+  instance.set(0, path);
+  rlimit limit;
+  getrlimit(RLIMIT_DATA, &limit);
+  const rlimit none = {1, limit.rlim_max};
+  test::Bytes in = src, out(src.size());
+  setrlimit(RLIMIT_DATA, &none);
+  plugin.f0r_update(instance.handle, 0.0, reinterpret_cast<uint32_t*>(in.data()),
+                    reinterpret_cast<uint32_t*>(out.data()));
+  setrlimit(RLIMIT_DATA, &limit);
+  EXPECT_EQ(out, src);
+  EXPECT_NE(instance.update(src, 40, 30), src);
+}
+#endif
 
 TEST_F(LutPlugin, RoundsItsStrengthToPercents) {
   instance.set(0, path);
