@@ -2,7 +2,7 @@
 
 namespace Lumvane {
 
-/// The rows of one band of a frame: rows / bands each, and all that is left over in the last one.
+/// The rows of one band of a frame: rows / bands each; the last band also gets the remainder.
 struct BandRows {
   int first;
   int count;

@@ -42,8 +42,8 @@ bool rowsOverlap(const cv::Mat& frame) {
 
 cv::Mat wrapFrame(uint8_t* pixels, int32_t width, int32_t height, int32_t strideBytes, int type) {
   cv::Mat frame(height, width, type, pixels);
-  // Set afterwards, since the constructor refuses strides shorter than a row. Sign-extended: a row is found by
-  // multiplication modulo 2^64, so that a negative stride walks upwards.
+  // Set afterwards, because the constructor refuses strides shorter than a row. Sign-extended: a row's address is
+  // computed modulo 2^64, so a negative stride walks up in memory.
   if (strideBytes != 0) frame.step[0] = static_cast<size_t>(strideBytes);
   return frame;
 }

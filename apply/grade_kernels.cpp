@@ -1,8 +1,8 @@
-// The row kernels of LUT grading: the plain forms, which define what they give, and the vector forms.
+// The row kernels of LUT grading: the plain forms, which define the bytes, and the vector forms.
 
 #include "apply/grade_kernels.h"
 
-#ifndef HWY_TARGET_INCLUDE  // once; what comes after this is compiled for each set of vector instructions
+#ifndef HWY_TARGET_INCLUDE  // once; the code after this block is compiled for each instruction set
 #define HWY_TARGET_INCLUDE "apply/grade_kernels.cpp"
 
 #include <cstring>
@@ -48,7 +48,7 @@ const GradeKernels plainGradeKernels = {plain::gradeRow, plain::gradeRowToPlane,
 
 #endif
 
-#include <hwy/foreach_target.h>  // must come before what uses vectors
+#include <hwy/foreach_target.h>  // must precede all vector code
 
 #include "apply/lattice_lookup-inl.h"
 #include "base/vectors-inl.h"
@@ -60,10 +60,10 @@ namespace {
 
 #if LUMVANE_HAVE_VECTORS
 
-// Adds so much that rounding to nearest, ties to even, then gives what roundToByte gives, which adds 0.5 in double
-// precision. Here the addend is 0.5 less half a unit in the last place: for 0 and for 1 to 255 the float sum then falls on
-// a tie only where the exact one does. Values between 0 and 1, which have to give 1, are first multiplied by 2^30, up to
-// 0.75. Those up to 2^-54, which a double loses beside 0.5, still give 0.
+// Adds what makes rounding to nearest, ties to even, give the same as roundToByte, which adds 0.5 in double precision.
+// The addend is 0.5 minus half a unit in the last place: for 0 and for 1 to 255 the float sum is then a tie only where
+// the exact one is. Values between 0 and 1, which must give 1, are first multiplied by 2^30 and limited to 0.75. Those
+// up to 2^-54, which vanish next to 0.5 in double precision, still give 0.
 HWY_INLINE VF withHalf(VF v) {
   const VF raised = hn::Min(hn::Mul(v, hn::Set(F(), 1073741824.0f)), hn::Set(F(), 0.75f));
   return hn::Add(maxOrNan(raised, v), hn::Set(F(), 0.49999997f));
@@ -72,7 +72,7 @@ HWY_INLINE VF withHalf(VF v) {
 HWY_INLINE VWords evenBytes(VU v) { return hn::And(hn::BitCast(Words(), v), hn::Set(Words(), 0xFF)); }
 HWY_INLINE VWords oddBytes(VU v) { return hn::ShiftRight<8>(hn::BitCast(Words(), v)); }
 
-// x / 255, truncated, of both: 0x8081 / 2^23 is as close to 1 / 255 as all 16-bit values need.
+// x / 255, truncated, of both: 0x8081 / 2^23 is close enough to 1 / 255 for all 16-bit values.
 HWY_INLINE VU divideBy255(VWords even, VWords odd) {
   const VWords reciprocal = hn::Set(Words(), 0x8081);
   const VWords low = hn::ShiftRight<7>(hn::MulHigh(even, reciprocal));
@@ -80,7 +80,7 @@ HWY_INLINE VU divideBy255(VWords even, VWords odd) {
   return hn::BitCast(U(), hn::Or(low, high));
 }
 
-// The colour bytes of `graded` times the alpha of `pixels` / 255, to the nearest; byte 3 is that of `pixels`.
+// The colour bytes of `graded` times the alpha of `pixels` / 255, rounded to nearest; byte 3 comes from `pixels`.
 HWY_INLINE VU multiplyByAlpha(VU graded, VU pixels) {
   const VU alphaBits = hn::Set(U(), 0xFF000000);
   const VU colours = hn::Or(graded, alphaBits);
@@ -101,9 +101,9 @@ HWY_INLINE VU fade(VU source, VU graded, int32_t sourceWeight) {
                      hn::Add(hn::Mul(oddBytes(source), keep), hn::Mul(oddBytes(graded), take)));
 }
 
-constexpr size_t kAhead = 512;  // bytes; the best of those tried, as there is no other work in between
+constexpr size_t kAhead = 512;  // bytes; the fastest of those tried, with no other pass in between
 
-// A row as interpolateVectors takes it; fades against the source if told so.
+// A row for interpolateVectors; blends with the source if `fades`.
 template <bool fades>
 struct GradedRow {
   const Axes& axes;
@@ -130,7 +130,7 @@ HWY_INLINE void gradePixels(const LatticeView& lattice, int32_t sourceWeight, co
   const size_t vectors = pixels / kLanes, done = 4 * kLanes * vectors, left = 4 * pixels - done;
   interpolateVectors(lattice.lattice, vectors, GradedRow<fades>{axes, src, dst, sourceWeight});
   if (left == 0) return;
-  // The pixels that are left go through a padded vector of their own.
+  // The remaining pixels go through a padded vector.
   alignas(64) uint8_t rest[4 * kLanes] = {};
   std::memcpy(rest, src + done, left);
   interpolateVectors(lattice.lattice, 1, GradedRow<fades>{axes, rest, rest, sourceWeight});

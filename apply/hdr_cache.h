@@ -9,7 +9,7 @@
 
 namespace Lumvane {
 
-/// Memory that is zero as the system hands it out: a table comes to hold zeros without a byte of it being touched.
+/// Memory that the system hands out zeroed: a table of zeros needs no write.
 template <class T>
 struct ZeroMemory {
   using value_type = T;
@@ -25,14 +25,14 @@ struct ZeroMemory {
   }
   void deallocate(T* memory, size_t) { std::free(memory); }
 
-  /// Of entries without a value: zero already.
+  /// Entries without a value are already zero.
   template <class U>
   void construct(U*) {}
 
   bool operator==(const ZeroMemory&) const = default;
 };
 
-/// What an HDR LUT makes of every colour, by cacheEntry; or empty. Is resized once, from empty: see ZeroMemory.
+/// The result of an HDR LUT for every colour, by cacheEntry; or empty. Resized only once, from empty: see ZeroMemory.
 using HdrCache = std::vector<RGB8, ZeroMemory<RGB8>>;
 
 }  // namespace Lumvane

@@ -1,8 +1,8 @@
-// The row kernels of the HDR LUTs: the plain forms, which define what they give, and the vector forms.
+// The row kernels of the HDR LUTs: the plain forms, which define the bytes, and the vector forms.
 
 #include "apply/hdr_kernels.h"
 
-#ifndef HWY_TARGET_INCLUDE  // once; what comes after this is compiled for each set of vector instructions
+#ifndef HWY_TARGET_INCLUDE  // once; the code after this block is compiled for each instruction set
 #define HWY_TARGET_INCLUDE "apply/hdr_kernels.cpp"
 
 #include <algorithm>
@@ -49,7 +49,7 @@ const HdrKernels plainHdrKernels = {plain::cacheRow, plain::latticeRow, plain::f
 
 #endif
 
-#include <hwy/foreach_target.h>  // must come before what uses vectors
+#include <hwy/foreach_target.h>  // must precede all vector code
 
 #include "apply/lattice_lookup-inl.h"
 #include "base/vectors-inl.h"
@@ -68,8 +68,8 @@ using plain::cacheRow;  // these targets have no gather instruction
 // One lane is one pixel.
 void cacheRow(const RGB8* cache, const uint8_t* src, uint8_t* dst, size_t pixels) {
   const VU colourMask = hn::Set(U(), 0x00FFFFFF);
-  // Entries have three bytes and are read four at a time. The last one is read with the byte ahead of it instead of the
-  // one behind.
+  // Entries have three bytes and are read four at a time. The last one is read together with the byte before it instead
+  // of the byte after it.
   const VU lastOffset = hn::Set(U(), kCacheEntries * 3 - 4);
   alignas(16) static constexpr uint8_t kReverse[16] = {2, 1, 0, 0x80, 6, 5, 4, 0x80, 10, 9, 8, 0x80, 14, 13, 12, 0x80};
   size_t i = 0;
@@ -87,12 +87,11 @@ void cacheRow(const RGB8* cache, const uint8_t* src, uint8_t* dst, size_t pixels
 
 #endif
 
-// truncToByte of what interpolation makes of ordinary values, still to be held to 0 to 255. The addend is 0.5 less half a
-// unit in the last place: with 0.5 itself the float sum could be rounded up to a whole number that the exact one does not
-// reach.
+// truncToByte of an interpolated ordinary value, not yet clamped to 0 to 255. The addend is 0.5 minus half a unit in
+// the last place: with 0.5 the float sum could round up to an integer that the exact sum does not reach.
 HWY_INLINE VI truncatedByte(VF v) { return truncated(hn::Add(v, hn::Set(F(), 0.49999997f))); }
 
-// A row as interpolateVectors takes it.
+// A row for interpolateVectors.
 struct MappedRow {
   const Axes& axes;
   const uint8_t* src;
@@ -113,14 +112,14 @@ void latticeRow(const LatticeView& lattice, const uint8_t* src, uint8_t* dst, si
   plain::latticeRow(lattice, src + 4 * done, dst + 4 * done, pixels - done);
 }
 
-// For one red and one green, only blue moves through the lattice, between four lattice rows. Neighbouring blues use the same
-// or neighbouring points, so a vector of blues loads one vector of points and permutes it. That is faster than to
-// interpolate pixel by pixel.
+// For a fixed red and green, only blue moves through the lattice, between four lattice rows. Neighbouring blues use the
+// same or neighbouring points, so a vector of blues loads one vector of points and permutes it. This is faster than
+// interpolating pixel by pixel.
 
-// A lattice row, each component by itself.
+// A lattice row, split into components.
 struct PlanarRow {
-  alignas(64) float component[3][kLatticeStride + kLanes];  // a vector may be read from any point on
-  bool ordinary;                                            // all its values; others take the plain form
+  alignas(64) float component[3][kLatticeStride + kLanes];  // a vector may be read from any point
+  bool ordinary;                                            // all its values are; other rows use the plain form
 
   void read(const float* row) {
     const VF least = hn::Set(F(), -1.0f), most = hn::Set(F(), 1 << 20);
@@ -139,7 +138,7 @@ struct PlanarRow {
   }
 };
 
-// Where each blue value lies on its axis.
+// The position of each blue value on its axis.
 class BlueAxis {
  public:
   explicit BlueAxis(const HdrLatticeView& lattice) : fraction_(lattice.fraction) {
@@ -151,10 +150,10 @@ class BlueAxis {
       fits_ = fits_ && std::min(lower_[b], upper_[b]) >= 0 && std::max(lower_[b], upper_[b]) < kReach;
     }
   }
-  // False when a vector of blues reaches further than a vector of points, or back from its first one.
+  // False when a vector of blues needs points beyond one vector of points, or before its first.
   bool fits() const { return fits_; }
   HWY_INLINE VF fraction(size_t b) const { return hn::LoadU(F(), fraction_ + b); }
-  // The points at the lower and at the upper ends of the cells of the blues from b on.
+  // The points at the lower and the upper ends of the cells of the blues from b on.
   HWY_INLINE VF lower(const float* row, size_t b) const { return permuted(row, b, lower_); }
   HWY_INLINE VF upper(const float* row, size_t b) const { return permuted(row, b, upper_); }
 
@@ -168,7 +167,7 @@ class BlueAxis {
   alignas(64) int32_t lower_[256], upper_[256];
 };
 
-// Stores three bytes of each lane without gaps. What is stored behind them is overwritten by the next call.
+// Stores three bytes of each lane without gaps. The bytes written past them are overwritten by the next call.
 class EntryPacker {
  public:
   EntryPacker() {
@@ -186,8 +185,7 @@ class EntryPacker {
   alignas(64) uint32_t order_[kLanes];
 };
 
-// The four lattice rows between which the blues of one red and one green lie, named by the ends of the red and of the
-// green axis.
+// The four lattice rows around the blues of one red and one green, named after the ends of the red and the green axis.
 struct FourRows {
   const PlanarRow *lower, *redUpper, *greenUpper, *bothUpper;
 
@@ -196,9 +194,9 @@ struct FourRows {
 
 HWY_INLINE VU entryByte(VF v) { return hn::BitCast(U(), truncatedByte(hn::Min(v, hn::Set(F(), 255.0f)))); }
 
-// tetrahedralLookup, with the fractions in order first: the weights are the differences of neighbours in that order,
-// and a tie gives the same ones whichever way it falls. The choice of the corners does depend on ties, so `blueFirst` and
-// `blueLast` use the comparisons of tetrahedralLookup.
+// tetrahedralLookup with sorted fractions: the weights are the differences of neighbours in that order, and ties give
+// the same ones either way. The choice of the corners does depend on ties, so `blueFirst` and `blueLast` use the
+// comparisons of tetrahedralLookup.
 void fillBlues(const FourRows& rows, const BlueAxis& axis, float fr, float fg, const EntryPacker& packer,
                RGB8* entries) {
   const bool redFirst = fr > fg;

@@ -1,4 +1,4 @@
-// The lattices of colours that LUTs are, and where bytes lie in them.
+// The colour lattices of LUTs, and where byte values lie in them.
 #pragma once
 
 #include <bit>
@@ -8,10 +8,10 @@
 
 namespace Lumvane {
 
-/// Points per axis that a lattice has room for, and the stride of each axis in points, whatever its size.
+/// The number of points per axis that a lattice has room for, and the stride of each axis in points, whatever its size.
 inline constexpr int32_t kLatticeStride = 65;
 
-/// What a frame reads of a colour table; owns nothing.
+/// What processing a frame reads of a colour table; owns nothing.
 struct LatticeView {
   int32_t latticeSize;    ///< N, points per axis, 1 to 65
   const float* fraction;  ///< 256: for a byte, its position inside its lattice cell
@@ -24,8 +24,8 @@ struct LatticeView {
   }
 };
 
-/// A lattice of the HDR path: [red][green] leads to a row of 65 points along blue, red, green, blue of the colour each.
-/// All rows are there, whatever the size of the LUT.
+/// A lattice of the HDR path: [red][green] points to a row of 65 points along blue, each the red, green and blue of its
+/// colour. All rows exist, whatever the size of the LUT.
 using HdrLattice = float***;
 
 /// LatticeView over an HdrLattice.
@@ -38,8 +38,9 @@ struct HdrLatticeView {
   const float* point(int32_t x, int32_t y, int32_t z) const { return lattice[x][y] + z * 3; }
 };
 
-/// For each byte its place on a lattice axis of `latticeSize` points, 2 or more, that the 256 values spread over
-/// evenly: the index of the point at the lower end of its cell, and the position inside the cell. Single precision.
+/// For each byte its position on a lattice axis of `latticeSize` points, 2 or more, over which the 256 values are
+/// spread evenly: the index of the point at the lower end of its cell, and the position inside the cell. Single
+/// precision.
 inline void fillInterpolationTables(int32_t latticeSize, float (&fraction)[256], int32_t (&cell)[256]) {
   const float step = 255.0f / static_cast<float>(latticeSize - 1);
   for (int v = 0; v < 256; ++v) {
@@ -49,9 +50,9 @@ inline void fillInterpolationTables(int32_t latticeSize, float (&fraction)[256],
   }
 }
 
-/// 1 / step in two parts, for kernels that multiply instead of reading these tables. For every byte v and every N,
-/// v * high + v * low, each operation rounded to single precision, is what the division v / step gives: `high` has 16
-/// bits, so that its product is exact, and `low` has what is left.
+/// 1 / step in two parts, for kernels that multiply instead of reading these tables. For every byte v and every N, v *
+/// high + v * low, each operation rounded to single precision, equals the division v / step: `high` has 16 bits, so
+/// that its product is exact, and `low` has the remainder.
 struct StepReciprocal {
   float high, low;
 

@@ -1,4 +1,4 @@
-// Grading by bands of rows. The workers are made for one run and own nothing.
+// Grading by bands of rows. A worker serves one run and owns nothing.
 #pragma once
 
 #include <opencv2/core.hpp>
@@ -7,7 +7,7 @@
 
 namespace Lumvane {
 
-/// Grades the bands of a BGRA frame whose numbers it is given. dst may be src, unless there is a fade.
+/// Grades the bands of a BGRA frame whose numbers it is given. dst may be src, unless it fades.
 class parallelCubeLut : public cv::ParallelLoopBody {
  public:
   cv::Mat* dst;
@@ -18,13 +18,13 @@ class parallelCubeLut : public cv::ParallelLoopBody {
   const int32_t* cell;
   const float* lattice;
   BlendTables blends;
-  int32_t sourceWeight;  ///< 0 to 255: what the source keeps when the graded rows are faded against it
+  int32_t sourceWeight;  ///< 0 to 255: the weight of the source when the graded rows are blended with it
   const GradeKernels* kernels;
 
   void operator()(const cv::Range& range) const override;
 };
 
-/// The same from BGRA to one byte a pixel, without a fade.
+/// The same, from BGRA to one byte per pixel and without a fade.
 class parallelAlphaCubeLut : public cv::ParallelLoopBody {
  public:
   cv::Mat* dst;

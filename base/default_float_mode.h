@@ -8,15 +8,15 @@
 
 namespace Lumvane {
 
-/// While one of these lives, the calling thread computes with floats as a program does that has just started: rounding to
-/// the nearest, with denormals, and without traps. Hosts set other modes, and threads of a pool have the mode of whoever
-/// made the pool; bytes must not depend on that, and a trap would end the host. Behind it the mode is as before, and no
-/// exception flag is raised.
+/// During its lifetime the calling thread uses the default floating-point mode of a new program: round to nearest,
+/// denormals, no traps. Hosts set other modes, and threads of a pool inherit the mode of the thread that created them;
+/// bytes must not depend on that, and a trap would end the host. The destructor restores the mode; no exception flag is
+/// raised.
 ///
-/// On x86 by the control register itself: <cfenv> also sets the mode of the older x87 unit, where nothing is computed that
-/// could be rounded, and mingw-w64's leaves the one that counts as it is.
+/// On x86 through the control register itself: <cfenv> also sets the mode of the older x87 unit, which computes nothing
+/// here that could be rounded, and mingw-w64's does not set the one that matters.
 ///
-/// Compilers may take arithmetic of the same function out of its life: what is to be computed under it belongs into
+/// Compilers may move arithmetic of the same function out of this lifetime: code that needs the mode belongs in
 /// functions of another file.
 class DefaultFloatMode {
  public:

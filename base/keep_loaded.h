@@ -2,8 +2,8 @@
 
 namespace Lumvane {
 
-/// On Windows keeps the library in the process from the first call on, whatever the host unloads: OpenCV is a part of the
-/// DLL there, and its threads wait in it for the next frame. Elsewhere OpenCV is a library of its own, which stays by
+/// On Windows keeps the library in the process from the first call on, even if the host unloads it: OpenCV is part of
+/// the DLL, and its threads wait there for the next frame. Elsewhere OpenCV is a separate library, which stays by
 /// itself.
 #ifdef _WIN32
 void keepLoaded();

@@ -9,9 +9,8 @@
 
 namespace Lumvane {
 
-/// Asks the system for large pages behind what is only just allocated; does nothing where there are none. A table
-/// that is read all over the place misses the processor's list of ordinary pages at nearly every read, and each of these
-/// is handed out by itself.
+/// Asks the system for large pages for newly allocated memory; does nothing where there are none. A table that is read at
+/// random misses the TLB at nearly every read of ordinary pages, and each of those takes a page fault of its own.
 inline void adviseLargePages([[maybe_unused]] void* memory, [[maybe_unused]] size_t bytes) {
 #ifdef MADV_HUGEPAGE
   constexpr uintptr_t kPage = uintptr_t{2} << 20;  // of x86-64 and most ARM systems; the advice holds for any size

@@ -7,7 +7,7 @@
 
 namespace Lumvane {
 
-/// The bytes from the first to the last one of an image's rows, those between the rows included.
+/// The bytes from the first to the last one of an image's rows, padding between rows included.
 struct Extent {
   const uint8_t *first, *end;
 

@@ -1,4 +1,4 @@
-// What is compared, by effect.
+// The comparisons, by effect.
 #pragma once
 
 #include "bench/report.h"

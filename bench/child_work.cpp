@@ -11,7 +11,7 @@
 namespace bench {
 namespace {
 
-// A host's frame, in memory for good, with planes for BGRA and for 4:2:0 alike.
+// A host's frame, kept in memory, with planes for BGRA and for 4:2:0.
 Picture hostFrame(const Size& size) {
   Picture out = {"", size.width, size.height, std::vector<std::vector<uint8_t>>(3)};
   const size_t pixels = size_t{1} * size.width * size.height;
@@ -22,8 +22,7 @@ Picture hostFrame(const Size& size) {
   return out;
 }
 
-// The peak of the resident set, in MB. From /proc rather than getrusage, whose peak counts the process that started
-// this one, from before it became this program.
+// Peak resident set in MB. From /proc rather than getrusage, whose peak includes the process that started this one.
 double peakMegabytes() {
   std::ifstream status("/proc/self/status");
   for (std::string word; status >> word;) {
@@ -43,7 +42,7 @@ void memory(const std::string& effect, const std::filesystem::path& luts, const 
   std::printf("%.3f\n", peakMegabytes());
 }
 
-// The first frame, and the median of the next ones.
+// The time of the first frame, and the median of the next ones.
 void firstFrame(const std::filesystem::path& file, const Size& size) {
   const Effect lut = lutEffect(file, size);
   const Picture src = photoLikeFrame(size);
@@ -64,7 +63,7 @@ void childWork(const std::vector<std::string>& words) {
   const Size size = {"", std::stoi(words.at(3)), std::stoi(words.at(4))};
   if (work == "memory") return memory(words.at(5), path, size);
   if (work == "first frame") return firstFrame(path, size);
-  Effect hdr;  // its end is not timed
+  Effect hdr;  // destroying it is not timed
   if (work == "first HDR create") {
     std::printf("%.4f\n", millisecondsOf([&] { hdr = hdrEffect(path, size); }));
   } else if (work == "OpenColorIO load") {

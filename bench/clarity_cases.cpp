@@ -1,4 +1,4 @@
-// Clarity against its own plain form, and against FFmpeg's sharpening of the luma alone at one small scale, which is
+// Clarity against its own plain form, and against FFmpeg's sharpening, which processes only luma at one small scale:
 // less work for a similar purpose.
 
 #include "bench/cases.h"
@@ -9,7 +9,7 @@
 namespace bench {
 namespace {
 
-// The effect on the plain forms of its kernels, on one thread.
+// The effect with the plain forms of its kernels, on one thread.
 class PlainClarity : public Peer {
  public:
   explicit PlainClarity(const Picture& src) : src_(src), dst_(src), effect_(nullptr) {

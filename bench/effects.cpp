@@ -36,7 +36,7 @@ Effect hdrEffect(const std::filesystem::path& luts, const Size& size) {
   const std::shared_ptr<void> hdr(CreateVideoAdjustColor(luts.u16string().c_str(), 0, 1, 0, size.width, size.height),
                                   DestroyVideoAdjustColor);
   return [hdr](const Picture& src, Picture& dst) {
-    // Pictures have their planes in the order Y, Cb, Cr, YV12 in the order Y, Cr, Cb.
+    // Pictures have planes in the order Y, Cb, Cr, YV12 in the order Y, Cr, Cb.
     const auto& from = src.planes;
     auto& to = dst.planes;
     const int chroma = (src.width + 1) / 2;

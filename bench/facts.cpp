@@ -33,7 +33,7 @@ void stateFacts(Report& report, const std::string& commit) {
   report.fact("OpenCV", CV_VERSION);
   report.fact("FFmpeg", orAbsent(ffmpegVersion()));
   report.fact("OpenColorIO", orAbsent(openColorIoVersion()));
-  // Where others are busy, two threads of ours may have to share one core.
+  // Under other load, two of our threads may have to share one core.
   if (double load; getloadavg(&load, 1) == 1) {
     char text[32];
     std::snprintf(text, sizeof text, "%.2f", load);

@@ -4,7 +4,7 @@
 
 namespace bench {
 
-/// What the times hold for: processor, compiler, versions of the libraries. `commit` may be empty.
+/// The setup of the measurements: processor, compiler, library versions. `commit` may be empty.
 void stateFacts(Report& report, const std::string& commit);
 
 }  // namespace bench

@@ -27,7 +27,7 @@ struct Free {
 template <class T>
 using Owned = std::unique_ptr<T, Free>;
 
-// An end of the graph that the chain's text leaves open, under the name by which FFmpeg joins it to a filter.
+// An open end of the graph, under the name by which FFmpeg joins it to a filter.
 Owned<AVFilterInOut> endOf(const char* name, AVFilterContext* filter) {
   Owned<AVFilterInOut> end(avfilter_inout_alloc());
   *end = {av_strdup(name), filter, 0, nullptr};
@@ -44,7 +44,7 @@ class Filters : public Peer {
         dst_(av_frame_alloc()) {
     graph_->nb_threads = threads;
     graph_->thread_type = AVFILTER_THREAD_SLICE;
-    // A filter that does not take the format refuses it, rather than have a conversion timed with it.
+    // A filter that does not support the format fails, so that no conversion is timed with it.
     avfilter_graph_set_auto_convert(graph_.get(), AVFILTER_AUTO_CONVERT_NONE);
     std::ostringstream shape;
     shape << "video_size=" << src.width << 'x' << src.height << ":pix_fmt=" << src.format << ":time_base=1/25";
@@ -54,7 +54,7 @@ class Filters : public Peer {
     check(
         avfilter_graph_create_filter(&sink_, avfilter_get_by_name("buffersink"), "out", nullptr, nullptr, graph_.get()),
         "buffersink");
-    // The parser takes both ends over and gives back what it could not join.
+    // The parser takes ownership of both ends and returns those that it could not join.
     AVFilterInOut* inputs = endOf("out", sink_).release();
     AVFilterInOut* outputs = endOf("in", source_).release();
     const int parsed = avfilter_graph_parse_ptr(graph_.get(), chain.c_str(), &inputs, &outputs, nullptr);
@@ -84,7 +84,7 @@ class Filters : public Peer {
   }
 
   std::string name() const override {
-    // Where a file lies says nothing of how it is used.
+    // The path of a file does not affect how it is used.
     std::string shown = chain_;
     if (const size_t file = shown.find("file='"); file != std::string::npos) {
       shown.erase(file, shown.find("':", file) + 2 - file);

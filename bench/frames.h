@@ -1,4 +1,4 @@
-// Frames to time effects on.
+// Frames for timing effects.
 #pragma once
 
 #include <algorithm>
@@ -9,11 +9,11 @@
 
 namespace bench {
 
-/// An opaque BGRA frame of smooth areas with grain, as a camera gives them.
+/// An opaque BGRA frame of smooth areas with grain, like a photo.
 inline Picture photoLikeFrame(const Size& size) {
   std::mt19937 random(1);
   std::normal_distribution<float> distribution(0.0f, 4.0f);
-  std::vector<float> grain(1 << 16);  // each row starts at another place in it, so that no pattern shows
+  std::vector<float> grain(1 << 16);  // each row starts at a different position, to avoid patterns
   for (float& value : grain) value = distribution(random);
   std::vector<float> across(size_t{3} * size.width);
   for (size_t i = 0; i < across.size(); ++i) across[i] = 120.0f + 70.0f * std::sin(0.004f * (i / 3) + i % 3);
@@ -34,7 +34,7 @@ inline Picture photoLikeFrame(const Size& size) {
   return {"bgra", size.width, size.height, {frame}};
 }
 
-/// An opaque BGRA frame in which every colour is as likely as any other and neighbours have nothing in common.
+/// An opaque BGRA frame of independent, uniformly random colours.
 inline Picture noiseFrame(const Size& size) {
   std::mt19937 random(2);
   std::vector<uint8_t> frame(size_t{4} * size.width * size.height);

@@ -1,4 +1,4 @@
-// How the time of each effect grows with the frame, on one thread and on two.
+// How the time of each effect scales with the frame size, on one thread and on two.
 
 #include "bench/cases.h"
 #include "bench/effects.h"

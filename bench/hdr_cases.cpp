@@ -1,4 +1,4 @@
-// HDR to BT.709 against FFmpeg's chain for the same: up to RGB in floats, through the same LUT file, and down again.
+// HDR to BT.709 against FFmpeg's equivalent chain: to float RGB, through the same LUT file, and back.
 
 #include "bench/cases.h"
 #include "bench/effects.h"
@@ -18,7 +18,7 @@ void ofSize(Report& report, const HdrLutFiles& luts, const Size& size, bool barr
   Picture dst = src;
   const Effect hdr = hdrEffect(luts.folder(), size);
   for (const int threads : {1, 2}) {
-    // Ours rounds to bytes on the way.
+    // Ours rounds to bytes in between.
     report.comparePeer({name + ": FFmpeg chain", threads, size.megapixels(), {Bar::timesAsFast, onlyIf(barred, 5.0)}},
                        frames(hdr, src, dst, threads), dst, [&] { return ffmpegFilters(chain, src, threads); },
                        {0.5, 2});

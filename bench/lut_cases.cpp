@@ -1,4 +1,4 @@
-// LUT grading against others' tetrahedral interpolation of the same file, and against itself.
+// LUT grading against other programs' tetrahedral interpolation of the same file, and against itself.
 
 #include "bench/cases.h"
 #include "bench/effects.h"
@@ -17,7 +17,7 @@ void againstPeers(Report& report, const LutFile& file, const std::string& name, 
   Picture dst = src;
   const Side ours = frames(lutEffect(file.path(), size), src, dst, threads);
   const auto against = [&](const char* peer, std::optional<double> limit, const Report::MakePeer& make) {
-    // Ours rounds up, and to even bytes where the table has whole ones.
+    // Ours rounds up, and integers up to the next even one.
     report.comparePeer({name + ": " + peer, threads, size.megapixels(), {Bar::timesAsFast, limit}}, ours, dst, make,
                        {1.0, 2});
   };

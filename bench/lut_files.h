@@ -1,4 +1,4 @@
-// LUT files to time effects with.
+// LUT files for timing effects.
 #pragma once
 
 #include <unistd.h>
@@ -10,9 +10,9 @@
 
 namespace bench {
 
-/// A .cube file of the given size in a temporary folder of its own, gone with the object. The look is smooth, so that
-/// programs with different arithmetic agree on it, and differs in its three channels, so that swapped ones show: a
-/// contrast curve, less or more of it by channel, with some of the next channel mixed in.
+/// A .cube file of the given size in its own temporary folder, removed with the object. The look is smooth, so that
+/// programs with different arithmetic agree on it, and differs between the channels, so that swapped ones show: a
+/// contrast curve, of different strength per channel, with some of the next channel mixed in.
 class LutFile {
  public:
   explicit LutFile(int size, const std::string& name = "bench.cube") : path_(folder_ / name) {
@@ -44,7 +44,7 @@ class LutFile {
   std::filesystem::path path_;
 };
 
-/// The two files that HDR loads, with one look, in a folder of their own.
+/// The two files that HDR loads, with one look, in their own folder.
 class HdrLutFiles {
  public:
   explicit HdrLutFiles(int size) : hlg_(size, "HDR_HLG.cube") {

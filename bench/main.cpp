@@ -1,5 +1,4 @@
-// Times of the library side by side with those of other programs on the same frames, and with bars that it has to
-// reach.
+// Times of the library, compared with other programs on the same frames and with the targets that it must meet.
 
 #include <CLI/CLI.hpp>
 #include <cstdio>
@@ -20,7 +19,7 @@ void measure(const bench::Settings& settings, const std::string& tsv, const std:
                            bench::growthCases, bench::loadCases, bench::firstCallCases, bench::memoryCases}) {
     try {
       cases(report);
-    } catch (const std::exception& error) {  // the others can go on
+    } catch (const std::exception& error) {  // other cases continue
       report.refuse(error.what());
     }
   }
@@ -30,7 +29,7 @@ void measure(const bench::Settings& settings, const std::string& tsv, const std:
 }  // namespace
 
 int main(int argc, char** argv) {
-  CLI::App app("Times Lumvane's effects, beside those of other programs");
+  CLI::App app("Times Lumvane's effects, compared with other programs");
   bench::Settings settings;
   std::string tsv, commit;
   std::vector<std::string> child;
@@ -39,10 +38,10 @@ int main(int argc, char** argv) {
       ->capture_default_str();
   app.add_option("--only", settings.only,
                  "The cases in whose names this shell pattern is found, such as '1080p*FFmpeg'");
-  app.add_option("--tsv", tsv, "A file for the results in fields");
-  app.add_option("--commit", commit, "What is measured, for the results");
+  app.add_option("--tsv", tsv, "Tab-separated output file");
+  app.add_option("--commit", commit, "The commit, recorded with the results");
   app.add_flag("--smoke", settings.smoke, "Small frames, once: whether everything runs, not how fast");
-  app.add_option("--child", child)->group("");  // not shown: see child.h
+  app.add_option("--child", child)->group("");  // hidden: see child.h
   CLI11_PARSE(app, argc, argv);
   if (settings.smoke) {
     settings.repeats = 1;

@@ -1,4 +1,4 @@
-// What happens once: loading a LUT file, the first calls of a process, the memory that a frame takes.
+// One-time costs: loading a LUT file, the first calls of a process, the memory of a frame.
 
 #include "bench/cases.h"
 #include "bench/child.h"

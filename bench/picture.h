@@ -1,4 +1,4 @@
-// Pictures in the layouts that effects and peers take, and how far two of them are apart.
+// Pictures in the layouts of effects and peers, and the difference between two of them.
 #pragma once
 
 #include <cstdint>
@@ -7,7 +7,7 @@
 
 namespace bench {
 
-/// A size of frames, and those in use, under their usual names.
+/// Frame sizes under their usual names.
 struct Size {
   std::string name;
   int width, height;
@@ -25,14 +25,14 @@ struct Picture {
   std::vector<std::vector<uint8_t>> planes;
 };
 
-/// From BGRA pixels: floats from 0 to 1 in planes green, blue, red, and back, rounded; alpha comes back as 255.
+/// From BGRA pixels: floats from 0 to 1 in planes green, blue, red, and back, rounded; alpha becomes 255.
 Picture toFloatPlanes(const Picture& bgra);
 Picture fromFloatPlanes(const Picture& floats);
 
-/// From BGRA pixels: Y, Cb and Cr of limited range by the matrix of BT.2020, chroma the mean of four pixels.
+/// From BGRA pixels: Y, Cb and Cr of limited range by the BT.2020 matrix, chroma averaged over four pixels.
 Picture toYuv420(const Picture& bgra);
 
-/// How far the bytes of two pictures of one shape are apart, over all planes.
+/// The difference between the bytes of two pictures of one shape, over all planes: mean and largest.
 struct Difference {
   double mean = 0.0;
   int most = 0;

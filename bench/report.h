@@ -1,4 +1,4 @@
-// What was measured: a line for people, a row of tab-separated fields for the scripts that make tables.
+// Results: a line for people, a row of tab-separated fields for the scripts that make tables.
 #pragma once
 
 #include <fstream>
@@ -10,7 +10,7 @@
 
 namespace bench {
 
-/// How one time stands to the other, and what is asked of it.
+/// How two times are compared, and the target.
 struct Bar {
   enum Kind {
     timesAsFast,   ///< other / ours, at least the limit
@@ -26,15 +26,15 @@ inline std::optional<double> onlyIf(bool barred, double limit) { return barred ?
 struct Case {
   std::string name;
   int threads;
-  double megapixels = 0.0;  ///< of one call; 0 where it is no frame
+  double megapixels = 0.0;  ///< per call; 0 if it is not a frame
   Bar bar = {};
 };
 
 struct Settings {
   int repeats = 15;
   double blockMs = 20.0;
-  std::string only;    ///< the cases in whose names this shell pattern is found, such as "1080p*FFmpeg"
-  bool smoke = false;  ///< small frames, once: whether everything runs, not how fast
+  std::string only;    ///< only cases whose names contain this shell pattern, such as "1080p*FFmpeg"
+  bool smoke = false;  ///< small frames, once: checks that everything runs, not how fast
 };
 
 class Report {
@@ -43,22 +43,22 @@ class Report {
 
   const Settings settings;
   bool wants(const std::string& name) const;
-  /// The size, or a tenth of both sides for `smoke`.
+  /// The size, or a tenth of it both ways for `smoke`.
   Size sized(const Size& size) const;
 
   /// "cpu", "gcc 12.2".
   void fact(const std::string& name, const std::string& value);
-  /// Times the two sides and adds what comes of it.
+  /// Times the two sides and adds the result.
   void compare(const Case& what, const Side& ours, const Side& other, const std::string& otherName);
   using MakePeer = std::function<std::unique_ptr<Peer>()>;
-  /// Times ours, which writes `dst`, against a peer that is to make the same of the frame but for `roundings`.
+  /// Times our side, which writes `dst`, against a peer that must give the same frame up to `roundings`.
   void comparePeer(const Case& what, const Side& ours, const Picture& dst, const MakePeer& make,
                    const Difference& roundings);
   void add(const Case& what, const Timing& ours, const Timing& other, const std::string& otherName);
   void growth(const std::string& effect, int threads, const Size& size, const Timing& timing);
   void memory(const std::string& effect, const std::string& size, double megabytes);
   void missing(const Case& what);
-  /// Whether two results are the same but for roundings; if not, the case is refused.
+  /// Whether two results are equal up to roundings; otherwise the case is refused.
   bool agree(const Case& what, const std::string& otherName, const Picture& ours, const Picture& other,
              const Difference& roundings);
   void refuse(const std::string& why);

@@ -17,13 +17,13 @@ double blockOf(const Side& side, int calls) {
 }
 
 int callsPerBlock(const Side& side, double blockMs) {
-  blockOf(side, 1);  // takes its memory and fills its tables
+  blockOf(side, 1);  // allocates memory and fills tables
   if (side.prepareEachCall) return 1;
   const double calls = blockMs / std::max(blockOf(side, 1), 1e-3);
   return std::clamp(static_cast<int>(std::ceil(calls)), 1, 1000);
 }
 
-// Between the values left and right of the place, in proportion.
+// Interpolates linearly between the neighbouring values.
 double quantile(const std::vector<double>& sorted, double part) {
   const double place = part * static_cast<double>(sorted.size() - 1);
   const auto left = static_cast<size_t>(place);

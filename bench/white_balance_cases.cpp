@@ -1,4 +1,4 @@
-// White balance against a copy of the frame, which nothing that writes a frame can beat, and FFmpeg's gains.
+// White balance against a copy of the frame, which nothing that writes a frame can beat, and against FFmpeg's gains.
 
 #include <cstring>
 
@@ -9,7 +9,7 @@
 namespace bench {
 namespace {
 
-// The gains of the effect's temperature and tint, as numbers that FFmpeg reads: 1 + tint / 2 + temperature, and so on.
+// The gains of the effect's temperature and tint, as text for FFmpeg: 1 + tint / 2 + temperature, and so on.
 constexpr const char* kGains = "colorchannelmixer=rr=1.175:gg=1.05:bb=0.775";
 
 void ofSize(Report& report, const Size& size, bool barred) {

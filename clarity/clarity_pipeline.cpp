@@ -11,9 +11,9 @@ namespace {
 constexpr int kMostStripes = 16;
 constexpr float kPercent = 0.01f;
 constexpr float kSaturationSpan = 0.15f;
-constexpr int kChunk = 512;  // pixels of a row that go through all kernels before the next ones do
+constexpr int kChunk = 512;  // pixels of a row that go through all kernels before the next chunk
 
-// Decodes a row of BGRA pixels into the value that the pyramid is made of.
+// Decodes a row of BGRA pixels into the value from which the pyramid is built.
 struct clarityAnalysisPass {
   const cv::Mat& src;
   ValueRow* valueRow;
@@ -24,9 +24,9 @@ struct clarityAnalysisPass {
   }
 };
 
-// Decodes BGRA rows into hue, saturation and value, and encodes them again with the alpha of src. In between the finest
-// level of the pyramid, its differences raised, is mixed into the value; an amount of 0 leaves the value as it is. For
-// runParallel over stripe numbers.
+// Decodes BGRA rows into hue, saturation and value, and encodes them again with the alpha of src. In between it blends
+// the value with the finest level of the pyramid, whose differences are raised; an amount of 0 leaves the value
+// unchanged. For runParallel over stripe numbers.
 struct claritySynthesisPass {
   int rows;
   int stripes;
@@ -66,7 +66,7 @@ struct claritySynthesisPass {
   }
 };
 
-// True when dst covers pixels of src at other places, so that writing could change pixels that are still to be read.
+// True when dst covers pixels of src at other positions, so that writing could change pixels that are still to be read.
 bool overwritesUnread(const cv::Mat& dst, const cv::Mat& src) {
   if (dst.data == src.data && dst.step[0] == src.step[0]) return false;
   const auto extent = [](const cv::Mat& frame) {
@@ -83,7 +83,7 @@ int clarityPipeline(NLEPureCClarity& effect, const cv::Mat& frame, cv::Mat& dst,
   const cv::Mat src = overwritesUnread(dst, frame) ? frame.clone() : frame;
   const float saturationFactor =
       std::clamp(static_cast<float>(saturation), -100.0f, 100.0f) * kPercent * kSaturationSpan + 1.0f;
-  const int stripes = std::clamp(2 * cv::getNumThreads(), 1, kMostStripes);
+  const int stripes = std::clamp(2 * poolThreads(), 1, kMostStripes);
   const float amount = std::clamp(static_cast<float>(intensity), 0.0f, 100.0f) * kPercent;
   if (amount > 0.0f) {
     buildClarityPyramid(clarityAnalysisPass{src, kernels.hsv.value}, src.size(), effect.levels, stripes, effect.pyramid,

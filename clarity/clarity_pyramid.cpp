@@ -10,14 +10,14 @@ namespace {
 
 constexpr int kMostLevels = 8;
 constexpr int kTaps = 5;
-// Planes of fewer samples are not worth waking another thread.
+// Smaller planes, in samples, are not worth waking another thread.
 constexpr int64_t kLeastShared = 1 << 15;
 
 int stripesOf(cv::Size size) {
-  return int64_t{size.width} * size.height >= kLeastShared ? std::max(1, 2 * cv::getNumThreads()) : 1;
+  return int64_t{size.width} * size.height >= kLeastShared ? std::max(1, 2 * poolThreads()) : 1;
 }
 
-// The number of a row beyond an edge that reflects, the outermost row not repeated.
+// The row that replaces row y beyond an edge: reflected, without repeating the outermost row.
 int reflected(int y, int rows) {
   while (y < 0 || y >= rows) y = y < 0 ? -y : 2 * (rows - 1) - y;
   return y;
@@ -38,13 +38,13 @@ void downRows(const RowOfPlane& input, cv::Size size, const StripeRows& rows, cv
   }
 }
 
-// Puts a level together: its samples, and the raised differences between it and the next coarser one.
+// Rebuilds a level: the next coarser level, rebuilt and brought up, plus the raised differences.
 struct clarityDetailPass {
   int rows;
   int stripes;
   const cv::Mat& fine;
   const cv::Mat& coarse;   // of the Gaussian pyramid
-  const cv::Mat& rebuilt;  // the same, put together
+  const cv::Mat& rebuilt;  // the same, rebuilt
   cv::Mat& out;
   float coefficient;
   float gain;
@@ -104,7 +104,7 @@ void pyramidDown(const RowOfPlane& input, cv::Size size, cv::Mat& output, int st
       stripes);
 }
 
-// A row at 2 * s is made of the rows s - 1, s and s + 1 of the input, the one below it of s and s + 1.
+// Row 2 * s is made of the rows s - 1, s and s + 1 of the input, row 2 * s + 1 of s and s + 1.
 void PyramidUp::moveTo(int y) {
   y_ = y;
   if (isCopy()) return;

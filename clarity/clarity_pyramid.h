@@ -1,8 +1,8 @@
-// The heart of the effect: a plane is split into a Gaussian pyramid, the differences between its levels are raised, the
-// small ones among them most, and the plane is put together again.
+// The core of the effect: a plane is split into a Gaussian pyramid, the differences between its levels are raised,
+// small ones most, and the plane is rebuilt.
 //
-// Level 0, of the frame's size, is never stored: its rows are computed where they are used. The same goes for a coarser
-// level brought up to the size of the next finer one.
+// Level 0, of the frame's size, is never stored: its rows are computed where they are used. So are coarser levels
+// brought up to the size of the next finer one.
 #pragma once
 
 #include <functional>
@@ -17,19 +17,19 @@ namespace Lumvane {
 inline constexpr float kDetailCoefficient = 22.222221f;  // 1 / (2 * sigma * sigma) for sigma = 0.15
 inline constexpr float kDetailGain = 0.55f;
 
-/// The planes of a pyramid, CV_32FC1, by level. Nothing in them counts for the next frame but their memory: finding new
-/// memory for each frame takes longer than working on it.
+/// The planes of a pyramid, CV_32FC1, by level. Only their memory is kept for the next frame: allocating for each frame
+/// takes longer than processing it.
 struct ClarityPyramid {
-  std::vector<cv::Mat> gaussian;  ///< what is left of the plane at half the size, a quarter, and so on; none at 0
-  std::vector<cv::Mat> rebuilt;   ///< each level put together again from the coarser ones; none at 0 and the last
+  std::vector<cv::Mat> gaussian;  ///< the plane at half the size, a quarter, and so on; none at 0
+  std::vector<cv::Mat> rebuilt;   ///< each level rebuilt from the coarser ones; none at 0 and the last
   using Scratch = std::vector<std::vector<float>>;
-  Scratch scratch;  ///< rows that are being worked on, for each stripe
+  Scratch scratch;  ///< rows in progress, for each stripe
 
-  /// Level i from 1 on, put together: the coarsest one has no details.
+  /// Level i from 1 on, rebuilt: the coarsest one has no details.
   const cv::Mat& rebuiltLevel(size_t i) const { return i + 1 == gaussian.size() ? gaussian[i] : rebuilt[i]; }
 };
 
-/// The rows that belong to the stripes of a range: from first up to, not including, end.
+/// The rows of a range of stripes: from first up to, not including, end.
 struct StripeRows {
   int first;
   int end;
@@ -37,23 +37,23 @@ struct StripeRows {
   StripeRows(const cv::Range& range, int rows, int stripes);
 };
 
-/// Room for `samples` floats in `memory`, which grows as it has to.
+/// Room for `samples` floats in `memory`, which grows as needed.
 float* scratchRows(std::vector<float>& memory, size_t samples);
 
 /// Levels of the pyramid for frames of this size: one more than the number of times the shorter side can be halved,
 /// rounding up; 1 to 8.
 int clarityLevelCount(int width, int height);
 
-/// Row y of a plane: where it lies, or in `buffer`, which has room for it.
+/// Row y of a plane: a pointer to it, or `buffer`, which has room for it and now holds it.
 using RowOfPlane = std::function<const float*(int y, float* buffer)>;
 
-/// A plane of half the size, (side + 1) / 2, from a plane of the size `size`; a copy where a side cannot be halved any
-/// more. Works in `stripes` parts on OpenCV's threads, with a scratch for each.
+/// A plane of half the size, (side + 1) / 2, from a plane of the size `size`; a copy if a side is below 2. Works in
+/// `stripes` parts on OpenCV's threads, each with its own scratch.
 void pyramidDown(const RowOfPlane& input, cv::Size size, cv::Mat& output, int stripes, ClarityPyramid::Scratch& scratch,
                  const PyramidKernels& kernels);
 
-/// Brings the rows of a plane up to `size`, the size of the next finer level. A plane that has this size already is passed
-/// through.
+/// Brings the rows of a plane up to `size`, the size of the next finer level. A plane that already has this size is
+/// passed through.
 class PyramidUp {
  public:
   /// `rows` has room for three rows of the finer level.
@@ -63,7 +63,7 @@ class PyramidUp {
   /// Goes to row y; rows are visited from top to bottom.
   void moveTo(int y);
 
-  /// The samples of this row from column x on: where they lie, or in `buffer`.
+  /// The samples of this row from column x on: a pointer to them, or `buffer`.
   const float* samples(int x, size_t count, float* buffer) const;
 
  private:
@@ -72,19 +72,19 @@ class PyramidUp {
 
   const cv::Mat& input_;
   cv::Size size_;
-  float* rows_;  // up to three rows of the input, already as wide as the finer level
+  float* rows_;  // up to three rows of the input, as wide as the finer level
   const PyramidKernels& kernels_;
   int y_ = 0;
-  int next_ = 0;  // row of the input that was not brought up yet
+  int next_ = 0;  // first row of the input that is not brought up yet
 };
 
-/// Makes a pyramid of `levels` levels, at least one, of a plane of the size `size`; each has half the size of the one
-/// before. Level 0 is worked on in `stripes` parts.
+/// Builds a pyramid of `levels` levels, at least one, from a plane of the size `size`; each has half the size of the
+/// one before. Level 0 is processed in `stripes` parts.
 void buildClarityPyramid(const RowOfPlane& value, cv::Size size, int levels, int stripes, ClarityPyramid& pyramid,
                          const PyramidKernels& kernels);
 
-/// Puts the levels together again, coarsest first, and raises the details of all but level 0. That one is left to the
-/// last pass over the frame.
+/// Rebuilds the levels, coarsest first, with raised details, except for level 0, which is left to the last pass over
+/// the frame.
 void collapseClarityPyramid(ClarityPyramid& pyramid, const PyramidKernels& kernels, DetailRow* detailRow);
 
 }  // namespace Lumvane

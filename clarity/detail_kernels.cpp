@@ -2,7 +2,7 @@
 
 #include "clarity/detail_kernels.h"
 
-#ifndef HWY_TARGET_INCLUDE  // once; what comes after this is compiled for each set of vector instructions
+#ifndef HWY_TARGET_INCLUDE  // once; the code after this block is compiled for each instruction set
 #define HWY_TARGET_INCLUDE "clarity/detail_kernels.cpp"
 
 #include <algorithm>
@@ -13,9 +13,10 @@ namespace Lumvane {
 namespace plain {
 namespace {
 
-// The exponential of x from -32 to 0, rounded correctly to single precision: by way of double precision, from the entry of
-// the table that is nearest and a Taylor series for what remains, at most 1 / 512. C libraries differ here: glibc 2.36's
-// single-precision function is off in the last bit now and then, others' double-precision one by more than its last bit.
+// exp(x) for x from -32 to 0, correctly rounded to single precision: computed in double precision from the nearest
+// table entry and a Taylor series for the remainder, at most 1 / 512. C libraries differ here: glibc 2.36's
+// single-precision function is sometimes off in the last bit, other libraries' double-precision one by more than its
+// last bit.
 float exponential(float x) {
   constexpr double kSteps = ExponentialTable::kStepsPerUnit;
   const int step = static_cast<int>(std::min(double{ExponentialTable::kSize - 1}, -double{x} * kSteps + 0.5));
@@ -52,7 +53,7 @@ const DetailKernels plainDetailKernels = {plain::detailRow, plain::blendRow};
 
 #endif
 
-#include <hwy/foreach_target.h>  // must come before what uses vectors
+#include <hwy/foreach_target.h>  // must precede all vector code
 
 #include "base/vectors-inl.h"
 
@@ -63,12 +64,12 @@ namespace {
 
 #if LUMVANE_HAVE_VECTORS
 
-// exp(r - step / 256) for r within 1 / 512 around 0, rounded to single precision. One entry of the table and a polynomial
-// make it, off by little more than the last bit of double precision before it is rounded. That is less than what lies
-// between any exponential that occurs and the nearest place where its rounding changes.
+// exp(r - step / 256) for r within 1 / 512 of 0, rounded to single precision. One table entry and a polynomial give it
+// with an error little above the last bit of double precision before rounding. That is less than the distance from any
+// exponential that occurs to the nearest point where its rounding changes.
 HWY_INLINE hn::Vec<HalfF> exponentialNear(hn::Vec<HalfI> step, hn::Vec<HalfF> offset) {
   const Doubles d;
-  // The Taylor series, with most of its fifth-order term in the third-order one, where the two differ least.
+  // The Taylor series, with most of its fifth-order term moved into the third-order one, where the two differ least.
   const auto c4 = hn::Set(d, 1.0 / 24);
   const auto c3 = hn::Set(d, 1.0 / 6 + 0.8695 / (512.0 * 512.0) / 120);
   const auto c2 = hn::Set(d, 1.0 / 2);
@@ -79,9 +80,9 @@ HWY_INLINE hn::Vec<HalfF> exponentialNear(hn::Vec<HalfI> step, hn::Vec<HalfF> of
   return hn::DemoteTo(HalfF(), hn::Add(hn::Mul(base, growth), base));
 }
 
-// exp(-x) for x from 0 to 32. Other numbers give something wrong, but do no harm.
+// exp(-x) for x from 0 to 32. Other values give wrong results, but are safe.
 HWY_INLINE VF exponentialOfMinus(VF x) {
-  // In a float of this size the last bit stands for one step, so that adding it rounds to whole steps.
+  // In a float of this size the last bit is one step, so adding it rounds to whole steps.
   const VF shift = hn::Set(F(), static_cast<float>((1 << 23) / ExponentialTable::kStepsPerUnit));
   const VF shifted = hn::Add(x, shift);
   const VF offset = hn::Sub(hn::Sub(shifted, shift), x);  // exact
@@ -117,7 +118,8 @@ void blendRow(const float* value, float valueWeight, const float* enhanced, floa
     const VF e = hn::Max(hn::Min(hn::LoadU(F(), enhanced + i), hn::Set(F(), 1.0f)), hn::Zero(F()));
     const auto lower = mixed(hn::LoadU(dh, value + i), hn::LowerHalf(dh, e));
     const auto upper = mixed(hn::LoadU(dh, value + i + kLanes / 2), hn::UpperHalf(dh, e));
-    // What is mixed lies from 0 to 1, and so does the mix: the weights' sum is off from 1 by less than a float can tell.
+    // Both inputs are from 0 to 1, and so is the result: the weights' sum differs from 1 by less than a float can
+    // represent.
     hn::StoreU(lower, dh, out + i);
     hn::StoreU(upper, dh, out + i + kLanes / 2);
   }

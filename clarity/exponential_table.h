@@ -9,13 +9,13 @@ namespace Lumvane {
 class ExponentialTable {
  public:
   static constexpr int kStepsPerUnit = 256;
-  static constexpr size_t kSize = 8192;  // up to exp(-32); a power of 2, so that a mask keeps an index inside
+  static constexpr size_t kSize = 8192;  // down to exp(-32); a power of 2, so that a mask keeps an index in range
 
-  // By repeated multiplication with some 100 bits, so that no error of the products reaches a table entry. Computed here,
-  // because a C library's exponential cannot be called at compile time.
+  // Repeated multiplication with about 100 bits, so that rounding errors of the products never reach an entry. Computed
+  // here, because a C library's exponential cannot be called at compile time.
   constexpr ExponentialTable() {
     constexpr double kFactor = 0x1.fe00ffaabffbcp-1;        // exp(-1 / 256)
-    constexpr double kFactorRest = -0x1.c72970f73da82p-56;  // what kFactor leaves out
+    constexpr double kFactorRest = -0x1.c72970f73da82p-56;  // the remainder of kFactor
     double entry = 1.0, rest = 0.0;
     for (double& stored : entries_) {
       stored = entry;
@@ -29,7 +29,7 @@ class ExponentialTable {
   constexpr const double* data() const { return entries_.data(); }
 
  private:
-  // What a product lost by rounding, after Dekker: each factor is cut into halves whose products are exact.
+  // The rounding error of a product, after Dekker: each factor is split into halves whose products are exact.
   static constexpr double productError(double a, double b, double product) {
     const double upperA = upperHalf(a), lowerA = a - upperA;
     const double upperB = upperHalf(b), lowerB = b - upperB;

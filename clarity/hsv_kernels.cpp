@@ -1,9 +1,9 @@
-// The row kernels between BGRA pixels and hue, saturation and value: the plain forms, which define the bits, and the vector
-// forms.
+// The row kernels between BGRA pixels and hue, saturation and value: the plain forms, which define the bits, and the
+// vector forms.
 
 #include "clarity/hsv_kernels.h"
 
-#ifndef HWY_TARGET_INCLUDE  // once; what comes after this is compiled for each set of vector instructions
+#ifndef HWY_TARGET_INCLUDE  // once; the code after this block is compiled for each instruction set
 #define HWY_TARGET_INCLUDE "clarity/hsv_kernels.cpp"
 
 #include <algorithm>
@@ -13,10 +13,10 @@ namespace Lumvane {
 namespace plain {
 namespace {
 
-constexpr float kEpsilon = 1.1920929e-07f;  // 2^-23; keeps black and grey from dividing by 0
+constexpr float kEpsilon = 1.1920929e-07f;  // 2^-23; avoids division by 0 for black and grey
 constexpr float kSectorsPerDegree = 0.016666668f;
 
-// For each of the six sectors of the hue circle: which of the values v, lowest, falling, rising goes to bytes 0, 1, 2.
+// For each of the six sectors of the hue circle: which of v, lowest, falling, rising goes to bytes 0, 1, 2.
 constexpr uint8_t kSectors[6][3] = {{1, 3, 0}, {1, 0, 2}, {3, 0, 1}, {0, 2, 1}, {0, 1, 3}, {2, 1, 0}};
 
 uint8_t toByte(float colour) { return static_cast<uint8_t>(std::clamp(colour, 0.0f, 1.0f) * 255.0f + 0.5f); }
@@ -61,7 +61,7 @@ void synthesisRow(const float* hue, const float* saturation, const float* value,
     const float v = value[i];
     float c0 = v, c1 = v, c2 = v;
     if (s != 0.0f) {
-      // The hue lies in 0 to 360. 360 degrees make a little more than 6 sectors, which is the start of the first one.
+      // The hue is 0 to 360. 360 degrees give slightly more than 6 sectors, which is the start of the first one.
       const float x = std::fmod(hue[i] * kSectorsPerDegree, 6.0f);
       const int sector = static_cast<int>(x);
       const float f = x - static_cast<float>(sector);
@@ -85,7 +85,7 @@ const HsvKernels plainHsvKernels = {plain::valueRow, plain::analysisRow, plain::
 
 #endif
 
-#include <hwy/foreach_target.h>  // must come before what uses vectors
+#include <hwy/foreach_target.h>  // must precede all vector code
 
 #include "base/vectors-inl.h"
 
@@ -96,11 +96,11 @@ namespace {
 
 #if LUMVANE_HAVE_VECTORS
 
-// How far ahead pixels are prefetched, in bytes: 512 pixels, as many as the pipeline takes through all kernels at a time.
+// Prefetch distance in bytes: 512 pixels, as many as the pipeline takes through all kernels at a time.
 constexpr size_t kAhead = 2048;
 
-// byte / 255, rounded as the division rounds it. The reciprocal comes in two parts. The product of a byte and the upper
-// one, of 9 bits, is exact, and that with the lower one is off by too little to change how their sum rounds.
+// byte / 255, rounded as by the division. The reciprocal is in two parts. The product of a byte and the upper part, of
+// 9 bits, is exact, and the error of the product with the lower part is too small to change the rounding of their sum.
 HWY_INLINE VF unitFromByte(VI byte) {
   const VF number = hn::ConvertTo(F(), byte);
   return hn::Add(hn::Mul(number, hn::Set(F(), 0x1.01p-8f)), hn::Mul(number, hn::Set(F(), 0x1.010102p-24f)));
@@ -112,7 +112,7 @@ void valueRow(const uint8_t* src, float* value, size_t pixels) {
     fetchAhead(src + 4 * i, kAhead);
     const VU bgra = loadPixels(src + 4 * i);
     const auto bytes = [](VU v) HWY_ATTR { return hn::BitCast(Bytes(), v); };
-    // Byte 0 of each pixel is compared with the two above it.
+    // Byte 0 of each pixel is compared with the two bytes above it.
     const VBytes largest =
         hn::Max(bytes(bgra), hn::Max(bytes(hn::ShiftRight<8>(bgra)), bytes(hn::ShiftRight<16>(bgra))));
     hn::StoreU(unitFromByte(hn::And(hn::BitCast(I(), largest), hn::Set(I(), 0xFF))), F(), value + i);
@@ -128,7 +128,7 @@ void analysisRow(const uint8_t* src, float saturationFactor, float* hue, float* 
   size_t i = 0;
   for (; i + kLanes <= pixels; i += kLanes) {
     fetchAhead(src + 4 * i, kAhead);
-    const VI bgra = hn::BitCast(I(), loadPixels(src + 4 * i));  // one pixel a lane
+    const VI bgra = hn::BitCast(I(), loadPixels(src + 4 * i));  // one pixel per lane
     const VF b = unitFromByte(hn::And(bgra, lowByte));
     const VF g = unitFromByte(hn::And(hn::ShiftRight<8>(bgra), lowByte));
     const VF r = unitFromByte(hn::And(hn::ShiftRight<16>(bgra), lowByte));
@@ -138,7 +138,7 @@ void analysisRow(const uint8_t* src, float saturationFactor, float* hue, float* 
     const VF k = hn::Div(hn::Set(F(), 60.0f), hn::Add(diff, epsilon));
     const auto isRed = hn::Eq(v, r), isGreen = hn::Eq(v, g);
     const VF across = hn::IfThenElse(isRed, hn::Sub(g, b), hn::IfThenElse(isGreen, hn::Sub(b, r), hn::Sub(r, g)));
-    // The plain form adds nothing for red. Adding 0 gives the same, since equal colours differ by +0.
+    // The plain form adds nothing for red. Adding 0 gives the same, because equal colours differ by +0.
     const VF start = hn::IfThenElse(isRed, zero, hn::IfThenElse(isGreen, hn::Set(F(), 120.0f), hn::Set(F(), 240.0f)));
     const VF h = hn::Add(hn::Mul(across, k), start);
     hn::StoreU(hn::Add(h, hn::IfThenElseZero(hn::Lt(h, zero), hn::Set(F(), 360.0f))), F(), hue + i);
@@ -148,9 +148,9 @@ void analysisRow(const uint8_t* src, float saturationFactor, float* hue, float* 
   plain::analysisRow(src + 4 * i, saturationFactor, hue + i, saturation + i, value + i, pixels - i);
 }
 
-// Puts the bytes of each lane, which are the value, the lowest and the middle colour and alpha, where the sector of the
-// hue wants them. There are two cycles, one for the even and one for the odd sectors, and the bytes 0, 1 and 2 of a
-// pixel come from three neighbours in one of them.
+// Puts the bytes of each lane (the value, the lowest colour, the middle colour, alpha) where the sector of the hue
+// wants them. There are two cycles, one for the even and one for the odd sectors, and the bytes 0, 1 and 2 of a pixel
+// come from three neighbours in one of them.
 HWY_INLINE VU arranged(VU colours, VI sectors) {
   alignas(16) static constexpr uint8_t kToLane[16] = {0, 0, 0, 128, 4, 4, 4, 128, 8, 8, 8, 128, 12, 12, 12, 128};
   alignas(16) static constexpr uint8_t kFirst[16] = {0, 5, 1, 6, 2, 7};
@@ -168,7 +168,7 @@ void synthesisRow(const float* hue, const float* saturation, const float* value,
                   size_t pixels) {
   const VF one = hn::Set(F(), 1.0f), turn = hn::Set(F(), 6.0f);
   const auto toByte = [&](VF colour) HWY_ATTR {
-    // The colour is within 0 to 1 here and needs no clamp.
+    // The colour is from 0 to 1 here and needs no clamp.
     return hn::BitCast(U(), truncated(hn::Add(hn::Mul(colour, hn::Set(F(), 255.0f)), hn::Set(F(), 0.5f))));
   };
   size_t i = 0;
@@ -182,7 +182,7 @@ void synthesisRow(const float* hue, const float* saturation, const float* value,
     const VF f = hn::Sub(x, hn::ConvertTo(F(), sector));
     const auto isOdd = hn::RebindMask(F(), hn::TestBit(sector, hn::Set(I(), 1)));
     const VF share = hn::IfThenElse(isOdd, f, hn::Sub(one, f));
-    // Without saturation these two are the value, as it should be.
+    // Without saturation these two equal the value, as they should.
     const VF lowest = hn::Mul(hn::Sub(one, s), v);
     const VF middle = hn::Mul(hn::Sub(one, hn::Mul(share, s)), v);
     const VU alpha = hn::AndNot(hn::Set(U(), 0x00FFFFFF), loadPixels(src + 4 * i));

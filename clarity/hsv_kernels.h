@@ -1,7 +1,7 @@
-// Rows of BGRA pixels and their hue, saturation and value, as in Smith: "Color Gamut Transform Pairs", SIGGRAPH 1978: the
-// value is the largest of the three colours, the saturation is (largest - smallest) / largest, the hue the
-// place on a hexagon. Single precision throughout, each operation rounded at once, in the order in which it stands:
-// the bits are part of the library's contract, on every processor.
+// Rows of BGRA pixels and their hue, saturation and value, as in Smith: "Color Gamut Transform Pairs", SIGGRAPH 1978:
+// the value is the largest of the three colours, the saturation is (largest - smallest) / largest, the hue is the
+// position on a hexagon. Single precision throughout, each operation rounded immediately, in the order in which it is
+// written: the bits are part of the library's contract, on every processor.
 #pragma once
 
 #include <cstddef>
@@ -12,8 +12,8 @@ namespace Lumvane {
 /// BGRA pixels to their value from 0 to 1: the largest of the three colours.
 using ValueRow = void(const uint8_t* src, float* value, size_t pixels);
 
-/// BGRA pixels to hue in degrees from 0 to 360, saturation times saturationFactor held to 0 to 1, and value from 0
-/// to 1. Where colours tie for the largest, red goes before green before blue.
+/// BGRA pixels to hue in degrees from 0 to 360, saturation times saturationFactor clamped to 0 to 1, and value from 0
+/// to 1. Where colours tie for the largest, red precedes green and green precedes blue.
 using AnalysisRow = void(const uint8_t* src, float saturationFactor, float* hue, float* saturation, float* value,
                          size_t pixels);
 
@@ -28,7 +28,7 @@ struct HsvKernels {
   SynthesisRow* synthesis;
 };
 
-/// One pixel at a time: what the others are held against.
+/// The plain forms, one pixel at a time: the reference for all others.
 extern const HsvKernels plainHsvKernels;
 
 /// The fastest on this processor.

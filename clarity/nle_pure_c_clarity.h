@@ -9,15 +9,15 @@
 
 namespace Lumvane {
 
-/// The kernels that frames go through: the fastest on this processor, unless told otherwise.
+/// The kernels that process frames: by default the fastest on this processor.
 struct ClarityKernels {
   const HsvKernels& hsv = hsvKernels();
   const DetailKernels& details = detailKernels();
   const PyramidKernels& pyramid = pyramidKernels();
 };
 
-/// The clarity effect: see CreateNLEPureCClarity. Its parameters "saturation" and "intensity" are whole numbers, kept
-/// as they came; one that is missing counts as 100.
+/// The clarity effect: see CreateNLEPureCClarity. Its parameters "saturation" and "intensity" are integers, stored
+/// unchanged; a missing one counts as 100.
 class NLEPureCClarity : public NLEAdjustColorEffect {
  public:
   using NLEAdjustColorEffect::NLEAdjustColorEffect;
@@ -25,14 +25,15 @@ class NLEPureCClarity : public NLEAdjustColorEffect {
   int width = 0;  ///< the size for which `levels` was computed
   int height = 0;
   int levels = 0;          ///< pyramid levels, also for frames of another size; 0 counts as 1
-  ClarityPyramid pyramid;  ///< of the value of the frame at hand, from 0 to 1
+  ClarityPyramid pyramid;  ///< of the current frame's value, from 0 to 1
 
   ~NLEPureCClarity() override = default;
 
   /// Always 0.
   int Init(int frameWidth, int frameHeight, int reserved, int saturation, int intensity) override;
 
-  /// 1, with the destination as it was, for a missing buffer, an empty frame, or a stride above 0 and below the row.
+  /// 1, with the destination unchanged, for a missing buffer, an empty frame, or a stride above 0 and below a row's
+  /// bytes.
   int Process(const NLEFrameDesc& blank, const NLEFrameDesc& src, const NLEFrameDesc& dst, int frameWidth,
               int frameHeight, int dstStride) override;
 
@@ -41,7 +42,7 @@ class NLEPureCClarity : public NLEAdjustColorEffect {
 };
 
 /// Renders one frame, BGRA, src and dst of one size: decodes it into hue, saturation and value, scales the saturation,
-/// raises the detail of the value plane, blends that with the plain one, and encodes it again. Hue and alpha stay.
+/// raises the detail of the value plane, blends that with the original one, and encodes it again. Hue and alpha stay.
 ///
 /// saturation  -100 to 100, clamped: the saturation is multiplied by 0.85 to 1.15
 /// intensity   0 to 100, clamped: the share of the raised value plane

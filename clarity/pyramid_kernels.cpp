@@ -2,7 +2,7 @@
 
 #include "clarity/pyramid_kernels.h"
 
-#ifndef HWY_TARGET_INCLUDE  // once; what comes after this is compiled for each set of vector instructions
+#ifndef HWY_TARGET_INCLUDE  // once; the code after this block is compiled for each instruction set
 #define HWY_TARGET_INCLUDE "clarity/pyramid_kernels.cpp"
 
 #include <algorithm>
@@ -11,7 +11,7 @@ namespace Lumvane {
 namespace plain {
 namespace {
 
-// The place of sample `x` of a row that is reflected at both ends.
+// The position of sample `x` in a row that is reflected at both ends.
 int reflected(int x, int width) {
   while (x < 0 || x >= width) x = x < 0 ? -x : 2 * (width - 1) - x;
   return x;
@@ -21,11 +21,11 @@ struct Taps {
   float a, b, c, d, e;
 };
 
-// Where cv::pyrDown has vectors of four, it adds in an order of its own.
+// Where cv::pyrDown uses vectors of four, its order of addition differs.
 float sumInVectors(const Taps& t) { return t.c * 6 + ((t.b + t.d) * 4 + (t.a + t.e)); }
 float sum(const Taps& t) { return ((t.c * 6 + (t.b + t.d) * 4) + t.a) + t.e; }
 
-// The first column behind those of the vectors, which begin with column 1.
+// The first column after those of the vectors, which begin at column 1.
 int endOfVectors(int width) {
   const int inside = std::min((width - 3) / 2 + 1, (width + 1) / 2);
   return 1 + (inside - 1) / 4 * 4;
@@ -88,7 +88,7 @@ const PyramidKernels plainPyramidKernels = {plain::downAcross, plain::downAlong,
 
 #endif
 
-#include <hwy/foreach_target.h>  // must come before what uses vectors
+#include <hwy/foreach_target.h>  // must precede all vector code
 
 #include "base/vectors-inl.h"
 
@@ -134,9 +134,9 @@ void upAcross(const float* row, int width, float* out, int outWidth) {
   int x = 1;
   constexpr int lanes = kLanes;
   for (; x + lanes < width; x += lanes) {
-    const VF before = hn::LoadU(F(), row + x - 1), at = hn::LoadU(F(), row + x), behind = hn::LoadU(F(), row + x + 1);
-    const VF even = hn::Add(hn::Add(before, times(at, 6)), behind);
-    hn::StoreInterleaved2(even, times(hn::Add(at, behind), 4), F(), out + 2 * x);
+    const VF before = hn::LoadU(F(), row + x - 1), at = hn::LoadU(F(), row + x), after = hn::LoadU(F(), row + x + 1);
+    const VF even = hn::Add(hn::Add(before, times(at, 6)), after);
+    hn::StoreInterleaved2(even, times(hn::Add(at, after), 4), F(), out + 2 * x);
   }
   for (; x < width; ++x) plain::upAcrossPair(row, width, x, out, outWidth);
 }

@@ -1,4 +1,4 @@
-// What the targets of the fuzzers have in common.
+// Shared by the fuzz targets.
 #pragma once
 
 #include <hwy/highway.h>
@@ -18,17 +18,17 @@
 
 namespace fuzz {
 
-/// What came of the input that was taken last, in words: set by the targets of readers, called where it is asked for.
+/// A description of the result of the last input: set by the targets of readers, called on demand.
 inline std::function<std::string()> result;
 
-/// Ends the process with a message where something does not hold that has to: fuzzers keep the input then.
+/// Aborts with a message if a requirement does not hold: fuzzers then keep the input.
 inline void require(bool holds, const char* what) {
   if (holds) return;
   std::fprintf(stderr, "does not hold: %s\n", what);
   std::abort();
 }
 
-/// FNV-1a of 64 bits, which goes on from `digest`. All NaNs are one.
+/// 64-bit FNV-1a, continued from `digest`. All NaNs are equal.
 template <class T>
 uint64_t digestOf(const T* values, size_t count, uint64_t digest = 14695981039346656037u) {
   for (size_t i = 0; i < count; ++i) {
@@ -40,7 +40,7 @@ uint64_t digestOf(const T* values, size_t count, uint64_t digest = 1469598103934
   return digest;
 }
 
-/// Runs `run` with the kernels of set number `which` of vector instructions among those that this processor has.
+/// Runs `run` with the kernels of vector instruction set number `which` among those of this processor.
 template <class Run>
 void onTarget(size_t which, const Run& run) {
   const auto choose = [](int64_t target) {
@@ -53,8 +53,8 @@ void onTarget(size_t which, const Run& run) {
   choose(0);
 }
 
-/// Every point that has a row holds it, and every other one zeros; sizes that are refused have none. `pointAt` gives the
-/// three floats of a point by the number of its row's index that changes slowest, of the middle one, and of the fastest.
+/// Every point with a row must hold it, and every other one zeros; refused sizes are not checked. `pointAt` gives the
+/// three floats of a point by the index that changes slowest in the rows, the middle one, and the fastest.
 template <class PointAt>
 void checkPoints(const PlainTable& expected, const PointAt& pointAt) {
   if (!expected.rowsCertain || expected.size > 65) return;
@@ -67,15 +67,14 @@ void checkPoints(const PlainTable& expected, const PointAt& pointAt) {
   }
 }
 
-/// All that the target of a reader for grading does, with the plain reader, and `pointAt` for the points as checkPoints
-/// has it.
+/// The whole target of a grading reader, given the plain reader, and `pointAt` as for checkPoints.
 template <class PointAt>
 int checkReader(const uint8_t* data, size_t size, int32_t (Lumvane::CubeLut::*read)(std::istream&),
                 PlainTable (*readPlain)(const std::string&), const PointAt& pointAt) {
   const std::string text(reinterpret_cast<const char*>(data), size);
   const PlainTable expected = readPlain(text);
-  // Always the same object: to get 3.3 MB from the system and to give them back takes longer than to read a small file.
-  // The readers themselves set the lattice to zeros.
+  // One object for all inputs: allocating and freeing 3.3 MB takes longer than reading a small file. The readers
+  // themselves clear the lattice.
   static const auto lut = std::make_unique<Lumvane::CubeLut>();
   lut->status = Lumvane::statusUnloaded;
   lut->latticeSize = 0;

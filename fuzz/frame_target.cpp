@@ -1,5 +1,5 @@
-// The input is a frame to grade: its shape, the table, the strength and the set of vector instructions, then the values
-// that table and pixels are made of. It is graded as a host would, and by the plain kernels.
+// The input is a frame to grade: its shape, the table, the strength and the vector instruction set, then the values of
+// table and pixels. It is graded through the export and by the plain kernels.
 
 #include <cstring>
 #include <memory>
@@ -15,8 +15,8 @@ namespace {
 using namespace Lumvane;
 using Bytes = std::vector<uint8_t>;
 
-// A frame that fills its memory from the first byte to the last, so that the address sanitizer sees one beside it. The
-// bytes, padding included, are those of `pattern` over and over.
+// A frame that fills its memory from the first byte to the last, so that the address sanitizer detects any access
+// outside. The bytes, padding included, repeat `pattern`.
 struct Frame {
   Frame(int32_t width, int32_t rows, int32_t stride, const Bytes& pattern)
       : height(rows),
@@ -30,13 +30,13 @@ struct Frame {
   Bytes bytes;
 };
 
-// Packed rows, or rows with something between them, or ones that overlap, to either side.
+// Packed, padded or overlapping rows, top-down or bottom-up.
 int32_t stride(int32_t form, int32_t width, int32_t bytes) {
   const int32_t magnitude = form & 2 ? 4 * width + bytes : 1 + bytes * width / 64;
   return (form & 3) == 0 ? 0 : form & 4 ? -magnitude : magnitude;
 }
 
-// Single-precision values over and over: bit patterns as they come, or bytes on the scale of colours.
+// Repeated single-precision values: raw bit patterns, or bytes on the scale of colours.
 void fillLattice(CubeLut& lut, bool bitPatterns, const Bytes& bytes) {
   std::vector<float> values(std::clamp<size_t>(bitPatterns ? bytes.size() / 4 : bytes.size(), 1, 1021));
   for (size_t i = 0; i < values.size() && i < bytes.size(); ++i) values[i] = bytes[i] * 1.25f - 20.5f;
@@ -53,7 +53,7 @@ void fillLattice(CubeLut& lut, bool bitPatterns, const Bytes& bytes) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  // Of what is not there any more it takes zeros.
+  // Missing input reads as zeros.
   const uint8_t* const end = data + size;
   const auto take = [&] { return data == end ? 0 : int32_t{*data++}; };
   const auto target = static_cast<size_t>(take());
@@ -61,7 +61,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const int32_t dstStride = stride(forms, width, take());
   const int32_t srcStride = stride(forms >> 3, width, take());
   const int32_t strength = take() - 20;
-  const bool inPlace = forms >> 6 & 1;  // in dst, and with its stride alone
+  const bool inPlace = forms >> 6 & 1;  // dst with its stride is also the source
   static ColorLut3dAdjustEffect effect(u"", 0, 0);
   if (effect.cubeLut == nullptr) effect.cubeLut = std::make_unique<CubeLut>();
   CubeLut& lut = *effect.cubeLut;
@@ -71,7 +71,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const Bytes pixels(data, end);
   fillLattice(lut, moreForms & 1, pixels);
 
-  // Bands of more pixels than this are written side by side: whose bytes stay where their rows overlap is open then.
+  // Larger frames are graded in concurrent bands: if rows of two bands overlap, the result is undefined.
   if (width * height > 10000 && dstStride != 0 && std::abs(dstStride) < 4 * width) return 0;
 
   Frame src(width, height, srcStride, pixels);
@@ -91,7 +91,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     Lut3DColorAdjustEffectProcess(&effect, dst.row(0), width, height, dstStride, (inPlace ? dst : src).row(0), -1, -1,
                                   inPlace ? dstStride : srcStride, strength);
   });
-  // Those between the rows included.
+  // Padding included.
   fuzz::require(dst.bytes == expected.bytes, "all bytes are those that the plain kernels make");
   return 0;
 }

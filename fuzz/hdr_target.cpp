@@ -1,5 +1,5 @@
-// The input is a .cube file for HDR. Its last byte also tells what was read before into the same object: the number of
-// points per axis in the low 7 bits, and the transfer in the high one.
+// The input is a .cube file for HDR. Its last byte also sets what the object has read before: the points per axis in
+// the low 7 bits, and the transfer in the high one.
 
 #include <sstream>
 
@@ -44,9 +44,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   fuzz::require(!ok || object.cell[255] == expectedSize - 1, "the tables are those of the size");
   if (object.latticeSize == 0) return 0;
 
-  // The colours of one red take a hundred times as long as a small file. So they are computed, by one set of vector
-  // instructions, of one input in 8. Which ones, and which red, follows from their bytes in a way that no fuzzer can aim
-  // at.
+  // The colours of one red take a hundred times as long as a small file. So they are computed for one input in 8, with
+  // one vector instruction set. A hash of the bytes selects these inputs and the red, so that no fuzzer can aim at
+  // them.
   const uint64_t hash = fuzz::digestOf(data, size);
   if (hash >> 13 & 7) return 0;
   const auto red = static_cast<uint8_t>(hash >> 24);

@@ -1,5 +1,5 @@
-// Both LUT text formats, read by the standard library's plainest means from a whole text in memory: what the readers of
-// the library are held against, row by row and bit by bit.
+// Both LUT text formats, read from a whole text in memory with the simplest means of the standard library: the
+// reference for the library's readers, row by row and bit by bit.
 #pragma once
 
 #include <algorithm>
@@ -17,16 +17,16 @@
 
 namespace fuzz {
 
-/// What a reader has to make of a text.
+/// The expected result for a text.
 struct PlainTable {
   int32_t status = Lumvane::statusOk;
   int32_t size = 0;                        ///< 0 when the header gives none
-  bool hasLines = false;                   ///< .cube: some header line was taken
-  std::vector<std::array<float, 3>> rows;  ///< all that were read ahead of a failure, on the scale of 0.0 to 255.0
-  bool rowsCertain = true;                 ///< false with numbers that the C library does not take to the nearest float
+  bool hasLines = false;                   ///< .cube: there was a valid header line
+  std::vector<std::array<float, 3>> rows;  ///< all rows before an error, on the scale of 0.0 to 255.0
+  bool rowsCertain = true;  ///< false with numbers that the C library does not round to the nearest float
 };
 
-/// All lines that are not skipped. Throws the status where one is missing.
+/// All lines that are not skipped. Throws the status if one is missing.
 struct PlainLines {
   explicit PlainLines(const std::string& text) {
     const size_t end = text.find_first_of("\r\n");

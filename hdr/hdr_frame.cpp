@@ -18,10 +18,10 @@ namespace {
 
 constexpr int64_t kFewestPixelsOnThreads = 10000;
 constexpr int kFewestPairsOfBand = 4;
-constexpr int kRowsAtHand = 4;  // a pair of rows and the rows above and below it, which its chroma is computed from
+constexpr int kRowsKept = 4;  // a pair of rows, and the rows above and below it that its chroma also needs
 
-// Takes a frame from planes to planes in one go, row by row, so that the pixels between the conversions and the LUT never
-// leave the processor's caches. Source and destination must not overlap. Made for one run; owns nothing.
+// Converts a frame from planes to planes in one go, row by row, so that the pixels between the conversions and the LUT
+// stay in the processor's caches. Source and destination must not overlap. Serves one run; owns nothing.
 class HdrBands : public cv::ParallelLoopBody {
  public:
   HdrBands(const VideoAdjustColor& object, const HdrTransferData& shared, const Yv12Planes<const uint8_t>& src,
@@ -35,7 +35,7 @@ class HdrBands : public cv::ParallelLoopBody {
         toRgb_(toRgb(kBt2020, object.limitedRange != 0 ? kLimited : kFull)),
         fromRgb_(fromRgb(kBt709, object.limitedRange != 0 ? kLimited : kFull)) {}
 
-  /// How many bands there are: two a thread, as long as they have four pairs of rows or more.
+  /// Number of bands: two per thread, if they have four pairs of rows or more.
   int count() const { return count_; }
 
   void operator()(const cv::Range& range) const override {
@@ -53,7 +53,7 @@ class HdrBands : public cv::ParallelLoopBody {
     uint8_t* const converted = object_.rgbaIn.get() + rowBytes * static_cast<size_t>(firstRow);
     uint8_t* const mapped = object_.rgbaOut.get() + rowBytes * static_cast<size_t>(firstRow);
     const auto mappedRow = [&](int y) {
-      return mapped + rowBytes * static_cast<size_t>(std::clamp(y, 0, object_.height - 1) % kRowsAtHand);
+      return mapped + rowBytes * static_cast<size_t>(std::clamp(y, 0, object_.height - 1) % kRowsKept);
     };
     const auto writePair = [&](int y) {
       rows_.rowPairFromRgb(fromRgb_, {mappedRow(y - 1), mappedRow(y), mappedRow(y + 1), mappedRow(y + 2)},
@@ -83,8 +83,8 @@ class HdrBands : public cv::ParallelLoopBody {
   Yv12Planes<uint8_t> dst_;
   ToRgb toRgb_;
   FromRgb fromRgb_;
-  int count_ = std::clamp((object_.height + 1) / 2 / kFewestPairsOfBand, 1,
-                          std::clamp(2 * cv::getNumThreads(), 1, object_.bandCount));
+  int count_ =
+      std::clamp((object_.height + 1) / 2 / kFewestPairsOfBand, 1, std::clamp(2 * poolThreads(), 1, object_.bandCount));
   Yv12Kernels rows_ = yv12Kernels();
   const HdrKernels& map_ = hdrKernels();
 };
@@ -140,7 +140,7 @@ bool adjustFrame(VideoAdjustColor& object, const uint8_t* srcPlane0, const uint8
     return true;
   }
 
-  // Stage by stage: what overlaps is read before anything is written.
+  // Stage by stage: overlapping planes are read completely before anything is written.
   const bool limited = object.limitedRange != 0;
   const auto convertIn = limited ? imageYV12ToRGBBT2020_Limited : imageYV12ToRGBBT2020_FULL;
   const auto convertOut = limited ? imageRGBAToYV12BT709_Limited : imageRGBAToYV12BT709_Full;

@@ -1,6 +1,7 @@
 #include "hdr/hdr_load.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <limits>
 #include <mutex>
 #include <new>
@@ -62,8 +63,13 @@ std::unique_ptr<VideoAdjustColor> createVideoAdjustColor(const char16_t* lutDire
 bool loadHdrCube(VideoAdjustColor& object, const std::u16string& path, int transfer) {
   if (lutExtension(path) != u".CUBE") return false;
   LutFile file(path);
+  if (!file.isOpen()) {
+    // A want of descriptors is no missing file, as little as one of memory: the next object may find both.
+    if (errno == EMFILE || errno == ENFILE) throw std::bad_alloc();
+    return false;
+  }
   std::istream stream(&file);
-  return file.isOpen() && readHdrCube(object, stream, transfer);
+  return readHdrCube(object, stream, transfer);
 }
 
 bool readHdrCube(VideoAdjustColor& object, std::istream& stream, int transfer) {

@@ -2,18 +2,18 @@
 
 #include <memory>
 
+#include "base/unload.h"
+
 namespace Lumvane {
 namespace {
 
-// Both lattices stay until the process ends, the caches until the library is unloaded.
-HdrLattice hlgLattice = nullptr;
-HdrLattice pqLattice = nullptr;
-HdrCache hlgCache;
-HdrCache pqCache;
-int32_t hlgLatticeSize = 0;
-int32_t pqLatticeSize = 0;
-bool hlgOrdinary = false;
-bool pqOrdinary = false;
+struct Transfer {
+  HdrLattice lattice = nullptr;
+  int32_t latticeSize = 0;
+  HdrCache cache;
+  bool ordinary = false;
+};
+constinit Lasting<Transfer[2]> transfers;  // HLG and PQ
 
 // The rows lie one behind the other, with a float behind the last of them, so that kernels can take the lattice for a
 // LatticeView.
@@ -36,29 +36,33 @@ void dropLattice(HdrLattice& lattice) {
   lattice = nullptr;
 }
 
+LUMVANE_WHEN_UNLOADED void releaseHdrData() {
+  if (!processEnds) dropHdrData();
+}
+
 }  // namespace
 
 HdrTransferData hdrTransferData(bool pq) {
-  if (pq) return {pqLattice, pqLatticeSize, pqCache, pqOrdinary};
-  return {hlgLattice, hlgLatticeSize, hlgCache, hlgOrdinary};
+  Transfer& transfer = transfers.object[pq];
+  return {transfer.lattice, transfer.latticeSize, transfer.cache, transfer.ordinary};
 }
 
-bool hdrDataLoaded() { return hlgLattice != nullptr && pqLattice != nullptr; }
+bool hdrDataLoaded() { return transfers.object[0].lattice != nullptr && transfers.object[1].lattice != nullptr; }
 
 void allocateHdrData() {
-  if (hlgLattice == nullptr) hlgLattice = allocateLattice();
-  if (pqLattice == nullptr) pqLattice = allocateLattice();
-  hlgCache.resize(kCacheEntries);
-  pqCache.resize(kCacheEntries);
+  for (Transfer& transfer : transfers.object) {
+    if (transfer.lattice == nullptr) transfer.lattice = allocateLattice();
+  }
+  for (Transfer& transfer : transfers.object) transfer.cache.resize(kCacheEntries);
 }
 
 void dropHdrData() {
-  dropLattice(hlgLattice);
-  dropLattice(pqLattice);
-  hlgLatticeSize = pqLatticeSize = 0;
-  hlgOrdinary = pqOrdinary = false;
-  HdrCache().swap(hlgCache);
-  HdrCache().swap(pqCache);
+  for (Transfer& transfer : transfers.object) {
+    dropLattice(transfer.lattice);
+    transfer.latticeSize = 0;
+    transfer.ordinary = false;
+    HdrCache().swap(transfer.cache);
+  }
 }
 
 }  // namespace Lumvane

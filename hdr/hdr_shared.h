@@ -1,5 +1,5 @@
 // The LUT data that all video colour adjusts of the process share. It is loaded once, by the first of them, and only
-// read from then on.
+// read from then on, until the library is unloaded.
 #pragma once
 
 #include <cstdint>

@@ -11,16 +11,16 @@
 
 namespace Lumvane {
 
-/// Which way large frames are mapped: through the cache or by interpolation of the lattice, which give the same bytes. A
-/// picture of few colours takes less time through the cache; of one in which each pixel waits for memory it is the lattice.
-/// So now and then two frames go either way, and the faster one takes those that follow.
+/// Chooses how large frames are mapped: through the cache or by interpolation in the lattice, which give the same
+/// bytes. The cache is faster for pictures of few colours, the lattice where nearly every pixel would wait for memory.
+/// So now and then two frames are timed each way, and the faster way takes the frames that follow.
 class MappingTimes {
  public:
   using Duration = std::chrono::steady_clock::duration;
 
   bool interpolates() const { return frame_ < 2 * kTried ? frame_ >= kTried : latticeIsFaster_; }
 
-  /// To be called after each frame.
+  /// Call after each frame.
   void took(Duration time) {
     if (frame_ < 2 * kTried) {
       Duration& least = least_[frame_ / kTried];
@@ -37,18 +37,18 @@ class MappingTimes {
   Duration least_[2] = {};
 };
 
-/// The object behind a video colour adjust handle: see CreateVideoAdjustColor.
+/// The object behind an HDR handle: see CreateVideoAdjustColor.
 struct VideoAdjustColor {
-  int32_t workLatticeSize = 0;         ///< points per axis of the LUT of the frame at hand
+  int32_t workLatticeSize = 0;         ///< points per axis of the current frame's LUT
   float fraction[256] = {};            ///< for a byte: its position inside its lattice cell
   int32_t cell[256] = {};              ///< for a byte: the lattice index at the lower end of its cell
-  int32_t latticeSize = 0;             ///< points per axis of the LUT file that this object read last; 0 for none
-  std::unique_ptr<uint8_t[]> rgbaIn;   ///< width * height BGRA pixels: the frame ahead of the LUT
-  std::unique_ptr<uint8_t[]> rgbaOut;  ///< the same behind it
-  HdrLattice lattice = nullptr;        ///< of the frame at hand; shared
+  int32_t latticeSize = 0;             ///< points per axis of the last LUT file that this object read; 0 for none
+  std::unique_ptr<uint8_t[]> rgbaIn;   ///< width * height BGRA pixels: the frame before the LUT
+  std::unique_ptr<uint8_t[]> rgbaOut;  ///< the same after it
+  HdrLattice lattice = nullptr;        ///< of the current frame; shared
   int32_t width = 0;
   int32_t height = 0;
-  bool loadOk = false;  ///< of the load under way
+  bool loadOk = false;  ///< result of the last load
   int32_t bandCount = 8;
   std::u16string hlgPath;
   std::u16string pqPath;

@@ -1,12 +1,13 @@
-// Siting: chroma samples lie on the left of each pair of pixels and half-way between the rows, as 4:2:0 video has them
-// by default (ITU-T H.273, Chroma420SampleLocType 0).
+// Siting: chroma samples lie on the left pixel of each pair and half-way between the rows, the default for 4:2:0 video
+// (ITU-T H.273, Chroma420SampleLocType 0).
 //
-// Filter up: bilinear. A pixel on a chroma column takes that column, one between two takes half of each; a row takes
-// three quarters of the nearer chroma row and a quarter of the other. Filter down: the same triangle, which reaches
-// one chroma sample to each side: 1 2 1 across and 1 3 3 1 down, in pixels. At the edges the outermost sample is repeated.
+// Upsampling: bilinear. A pixel on a chroma column uses that column, one between two uses half of each; a row uses
+// three quarters of the nearer chroma row and a quarter of the other. Downsampling: the same triangle, which reaches
+// one chroma sample to each side: 1 2 1 across and 1 3 3 1 down, in pixels. At the edges the outermost sample is
+// repeated.
 //
-// Rounding: all arithmetic is in integers. The filters keep every bit (chroma in eighths on the way up, colours in
-// thirty-seconds on the way down), and each weighted sum is rounded once, half up.
+// Rounding: all arithmetic uses integers. The filters keep every bit (chroma in eighths when upsampling, colours in
+// thirty-seconds when downsampling), and each weighted sum is rounded once, half up.
 
 #include "hdr/yv12_conversions.h"
 

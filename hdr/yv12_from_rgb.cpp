@@ -1,8 +1,8 @@
-// From rows of BGRA pixels to YV12: the plain form, which defines what it gives, and the vector form.
+// Row kernel from BGRA to YV12: the plain form, which defines the bytes, and the vector form.
 
 #include "hdr/yv12_kernels.h"
 
-#ifndef HWY_TARGET_INCLUDE  // once; what comes after this is compiled for each set of vector instructions
+#ifndef HWY_TARGET_INCLUDE  // once; the code after this block is compiled for each instruction set
 #define HWY_TARGET_INCLUDE "hdr/yv12_from_rgb.cpp"
 
 namespace Lumvane {
@@ -49,7 +49,7 @@ RowPairFromRgb* const plainRowPairFromRgb = plain::rowPairFromRgb;
 
 #endif
 
-#include <hwy/foreach_target.h>  // must come before what uses vectors
+#include <hwy/foreach_target.h>  // must precede all vector code
 
 #include "base/vectors-inl.h"
 
@@ -60,8 +60,8 @@ namespace {
 
 #if LUMVANE_HAVE_VECTORS
 
-// Two coefficients that multiply the 16-bit halves of a lane. They have more than the 15 bits that a 16-bit product
-// takes, and so are split into high bits and low bits whose products are shifted and added.
+// Two coefficients that multiply the 16-bit halves of a lane. They exceed the 15 bits of a 16-bit product, so they are
+// split into high and low bits whose products are shifted and added.
 constexpr int kSplit = 9;
 struct Coefficients {
   VI low, high;
@@ -132,14 +132,15 @@ class LumaRow {
   VI offset_;
 };
 
-// As the coefficients of one chroma add up to 0, those of blue and red alone take the colours less green.
+// The coefficients of one chroma plane add up to 0, so those of blue and red alone, applied to the colours minus green,
+// suffice.
 class ChromaRows {
  public:
   explicit ChromaRows(const FromRgb& m)
       : coefficients_(split(alternating(m.cr[0], m.cb[0]), alternating(m.cr[2], m.cb[2]))),
         half_(hn::Set(I(), 1 << (kBits - 1))) {}
 
-  // From colours after the filter down, and the same of the pixels to their left: every second pixel is a chroma column.
+  // From vertically filtered colours, and those of the pixels to their left: every second pixel is a chroma column.
   HWY_INLINE void store(const Colours& pixels, const Colours& left, uint8_t* v, uint8_t* u) const {
     const U d;
     const Colours twice = add(pixels, left);  // pixel and left neighbour; in odd lanes right neighbour and pixel
@@ -150,7 +151,7 @@ class ChromaRows {
     const VI sum = hn::Add(
         hn::Add(hn::ShiftLeft<kSplit>(pairSums(lessGreen, coefficients_.high)), pairSums(lessGreen, coefficients_.low)),
         half_);
-    // The neutral value is added behind the shift: ahead of it, it would take full-range sums out of 32 bits.
+    // The neutral value is added after the shift: added before, it would make full-range sums exceed 32 bits.
     const VI chroma = hn::Add(hn::ShiftRight<kBits>(sum), hn::Set(I(), kNeutral));
     const hn::Rebind<uint8_t, I> bytes;
     const hn::Repartition<uint16_t, decltype(bytes)> pairs;
@@ -171,7 +172,7 @@ class ChromaRows {
   VI half_;
 };
 
-// Moves every pixel to the right, the last one to the front.
+// Moves every pixel one to the right, the last one to the front.
 HWY_INLINE VU rotated(VU v) {
   const U d;
   constexpr uint32_t last = kLanes - 1;
@@ -191,7 +192,7 @@ void rowPairFromRgb(const FromRgb& matrix, const uint8_t* const (&bgra)[4], cons
     luma.store(upper, pair.upperLuma + x);
     luma.store(lower, pair.lowerLuma + x);
     const Colours here = down(load(bgra[0] + 4 * x), upper, lower, load(bgra[3] + 4 * x));
-    if (x == 0) before = here;  // left of the first pixel it is repeated
+    if (x == 0) before = here;  // to its left the first pixel is repeated
     const Colours turned = {rotated(here.blueRed), rotated(here.green)};
     const Colours left = {hn::IfThenElse(firstLane, before.blueRed, turned.blueRed),
                           hn::IfThenElse(firstLane, before.green, turned.green)};

@@ -1,4 +1,5 @@
-// Rows between YV12 planes and BGRA pixels. What is said of filters and rounding in yv12_conversions.cpp holds here.
+// Kernels that convert rows between YV12 planes and BGRA pixels. Filters and rounding are described in
+// yv12_conversions.cpp.
 #pragma once
 
 #include <algorithm>
@@ -8,12 +9,12 @@
 
 namespace Lumvane {
 
-/// What a row of pixels is made from: its Y, and the chroma rows nearest to it and next to that.
+/// The input of a row of pixels: its Y, the nearest chroma rows and the ones beyond them.
 struct Yv12Row {
   const uint8_t *luma, *nearV, *farV, *nearU, *farU;
 };
 
-/// Where two rows of pixels go that share their chroma. The last row of an odd height comes as both of them.
+/// The output of two rows of pixels that share their chroma. For the last row of an odd height both are the same row.
 struct Yv12RowPair {
   uint8_t *upperLuma, *lowerLuma, *v, *u;
 };
@@ -24,7 +25,7 @@ using RowToRgb = void(const ToRgb& matrix, const Yv12Row& row, uint8_t* bgra, in
 /// Converts two rows of `width` pixels, 1 or more: bgra[1] and bgra[2], between the rows above and below them.
 using RowPairFromRgb = void(const FromRgb& matrix, const uint8_t* const (&bgra)[4], const Yv12RowPair& pair, int width);
 
-/// One pixel at a time: what the others are held against.
+/// The plain forms, one pixel at a time: the reference for all others.
 extern RowToRgb* const plainRowToRgb;
 extern RowPairFromRgb* const plainRowPairFromRgb;
 
@@ -43,7 +44,7 @@ namespace plain {
 
 inline uint8_t toByte(int value) { return static_cast<uint8_t>(std::clamp(value, 0, 255)); }
 
-/// value / 2^bits, rounded, half up; also for negative values.
+/// value / 2^bits, rounded half up; also for negative values.
 inline int roundedShift(int value, int bits) { return (value + (1 << (bits - 1))) >> bits; }
 
 }  // namespace plain

@@ -1,15 +1,15 @@
 // The matrices between YV12 and R'G'B': Recommendations ITU-R BT.2020-2 (non-constant luminance) and BT.709-6,
 //   Y' = kr R' + (1 - kr - kb) G' + kb B',  Cb = (B' - Y') / (2 (1 - kb)),  Cr = (R' - Y') / (2 (1 - kr)).
 //
-// Coefficients are integers with kFractionBits behind the point. Those of what carries no colour add up to exactly 0,
-// so that greys stay neutral.
+// Coefficients are integers with kFractionBits fractional bits. The chroma coefficients add up to exactly 0, so that
+// greys stay neutral.
 #pragma once
 
 namespace Lumvane {
 
-inline constexpr int kFractionBits = 18;  // the most with which no sum leaves 32 bits
-inline constexpr int kUpBits = 3;         // the filter up gives chroma in eighths
-inline constexpr int kDownBits = 5;       // the filter down gives colours in thirty-seconds
+inline constexpr int kFractionBits = 18;  // the most with which no sum exceeds 32 bits
+inline constexpr int kUpBits = 3;         // upsampled chroma is in eighths
+inline constexpr int kDownBits = 5;       // downsampled colours are in thirty-seconds
 inline constexpr int kNeutral = 128;
 
 struct Primaries {
@@ -20,7 +20,7 @@ inline constexpr Primaries kBt709 = {0.2126, 0.0722};
 
 struct CodeRange {
   int black;            // Y of black
-  double luma, chroma;  // code values from black to white, and from one end of the chroma to the other
+  double luma, chroma;  // code values from black to white, and from minimum to maximum chroma
 };
 inline constexpr CodeRange kLimited = {16, 219.0, 224.0};
 inline constexpr CodeRange kFull = {0, 255.0, 255.0};
@@ -45,7 +45,7 @@ constexpr ToRgb toRgb(const Primaries& p, const CodeRange& range) {
           fixedPoint(2.0 * (1.0 - p.kb) * chroma)};
 }
 
-// What the three colours contribute to Y, to Cb and to Cr.
+// The contributions of the three colours to Y, Cb and Cr.
 struct FromRgb {
   int black;
   int y[3], cb[3], cr[3];  // blue, green, red

@@ -1,15 +1,15 @@
-// From a row of YV12 to BGRA pixels: the plain form, which defines what it gives, and the vector form.
+// Row kernel from YV12 to BGRA: the plain form, which defines the bytes, and the vector form.
 
 #include "hdr/yv12_kernels.h"
 
-#ifndef HWY_TARGET_INCLUDE  // once; what comes after this is compiled for each set of vector instructions
+#ifndef HWY_TARGET_INCLUDE  // once; the code after this block is compiled for each instruction set
 #define HWY_TARGET_INCLUDE "hdr/yv12_to_rgb.cpp"
 
 namespace Lumvane {
 namespace plain {
 namespace {
 
-// Chroma at a pixel, in eighths, less the neutral value.
+// Chroma at a pixel, in eighths, minus the neutral value.
 int chromaAt(const uint8_t* nearRow, const uint8_t* farRow, int x, int lastColumn) {
   const int left = x / 2;
   const int right = std::min(left + x % 2, lastColumn);
@@ -42,7 +42,7 @@ RowToRgb* const plainRowToRgb = plain::rowToRgb;
 
 #endif
 
-#include <hwy/foreach_target.h>  // must come before what uses vectors
+#include <hwy/foreach_target.h>  // must precede all vector code
 
 #include "base/vectors-inl.h"
 
@@ -53,8 +53,8 @@ namespace {
 
 #if LUMVANE_HAVE_VECTORS
 
-// Coefficients have up to 22 bits, the factors of a 16-bit product 15. A coefficient is split into its high bits, which
-// multiply the value shifted left, and its low bits, which multiply the value as it is: exact, in one instruction.
+// Coefficients have up to 22 bits, the factors of a 16-bit product 15. So a coefficient is split into its high bits,
+// which multiply the value shifted left, and its low bits, which multiply the value itself: exact, in one instruction.
 template <int kShift>
 VShorts splitCoefficient(int coefficient) {
   const auto low = static_cast<uint32_t>(coefficient) & ((1u << kShift) - 1);
@@ -74,7 +74,7 @@ struct Coefficients {
         blueOfCb(splitCoefficient<kChromaShift>(m.blueOfCb)),
         offset(hn::Set(I(), (1 << (kFractionBits + kUpBits - 1)) - ((m.black * m.luma) << kUpBits))) {}
   VShorts grey, redOfCr, greenOfCr, greenOfCb, blueOfCb;
-  VI offset;  // what black takes away, and half for rounding
+  VI offset;  // subtracts black, adds half for rounding
 };
 
 // Sums of neighbouring products.
@@ -85,7 +85,7 @@ HWY_INLINE VI pairSums(VShorts a, VShorts b) {
   return hn::RearrangeToOddPlusEven(first, second);
 }
 
-// The 16-bit colours of the pixels whose Y, Cb and Cr are in the halves of the lanes, next to the shifted values.
+// The 16-bit colours of the pixels whose Y, Cb and Cr are in the halves of the lanes, next to their shifted values.
 HWY_INLINE void matrixed(const Coefficients& m, VShorts y, VShorts cb, VShorts cr, VI& blue, VI& green, VI& red) {
   const VI grey = hn::Add(pairSums(y, m.grey), m.offset);
   constexpr int kBits = kFractionBits + kUpBits;
@@ -119,7 +119,7 @@ HWY_INLINE Pixels toPixels(const Coefficients& m, VShorts y, VShorts cb, VShorts
           hn::Or(packed(red[0], red[1]), hn::Set(d, static_cast<int16_t>(0xFF00)))};
 }
 
-// Chroma at the columns from `column` on, in eighths of a row's share, that is in quarters, less the neutral value.
+// Chroma at the columns from `column` on, blended between the two rows, in quarters, minus the neutral value.
 HWY_INLINE VShorts acrossRows(const uint8_t* nearRow, const uint8_t* farRow, int column) {
   const Shorts d;
   const hn::Rebind<uint8_t, Shorts> dBytes;
@@ -128,8 +128,8 @@ HWY_INLINE VShorts acrossRows(const uint8_t* nearRow, const uint8_t* farRow, int
   return hn::Sub(hn::Add(hn::Add(nearest, far), hn::Add(nearest, nearest)), hn::Set(d, kNeutral << (kUpBits - 1)));
 }
 
-// Puts four pixels at a time into the blocks of 16 bytes, in turn, so that what interleaving within blocks makes of them
-// comes out in the order of the pixels.
+// Distributes groups of four pixels over the blocks of 16 bytes in turn, so that interleaving within blocks gives the
+// pixels in order.
 class BlockOrder {
  public:
   BlockOrder() {
@@ -153,7 +153,7 @@ void rowToRgb(const ToRgb& matrix, const Yv12Row& row, uint8_t* bgra, int width)
   const Coefficients m(matrix);
   const BlockOrder inBlocks;
 
-  // 2 * lanes pixels from `column` on; `next` are the chroma columns one further on.
+  // 2 * lanes pixels from `column` on; `next` are the chroma columns one to the right.
   const auto convert = [&](int column, VShorts cr, VShorts nextCr, VShorts cb, VShorts nextCb) HWY_ATTR {
     const auto luma = hn::BitCast(Words(), inBlocks(hn::LoadU(Bytes(), row.luma + 2 * column)));
     cr = inBlocks(cr), nextCr = inBlocks(nextCr), cb = inBlocks(cb), nextCb = inBlocks(nextCb);
@@ -177,7 +177,8 @@ void rowToRgb(const ToRgb& matrix, const Yv12Row& row, uint8_t* bgra, int width)
     convert(column, acrossRows(row.nearV, row.farV, column), acrossRows(row.nearV, row.farV, column + 1),
             acrossRows(row.nearU, row.farU, column), acrossRows(row.nearU, row.farU, column + 1));
   }
-  // The last whole vector of pixel pairs, part of which may be done already. Behind the last column that one is repeated.
+  // The last whole vector of pixel pairs, which may overlap the one before. Beyond the last column that one is
+  // repeated.
   column = width / 2 - lanes;
   alignas(64) int16_t cr[lanes + 1], cb[lanes + 1];
   hn::Store(acrossRows(row.nearV, row.farV, column), d, cr);

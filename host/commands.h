@@ -1,8 +1,13 @@
 #pragma once
 
 #include <CLI/CLI.hpp>
+#include <memory>
+#include <string>
 
 namespace host {
+
+/// A grading effect of a LUT file, read through to its end. Throws an Error that says what is wrong with the file.
+std::shared_ptr<void> openLut(const std::string& name);
 
 /// Adds to the program's subcommands what grades pictures, "lut", "clarity" and "whitebalance", and "scene", which
 /// draws one to try.

@@ -1,8 +1,14 @@
 #include "host/files.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <cstring>
+#include <new>
+#include <opencv2/core.hpp>
 #include <random>
 #include <thread>
 #include <utility>
@@ -12,6 +18,7 @@
 #ifdef _WIN32
 #include <io.h>
 #include <windows.h>
+#define fsync _commit
 #else
 #include <unistd.h>
 #include <csignal>
@@ -27,6 +34,31 @@ namespace fs = std::filesystem;
 std::atomic<const fs::path::value_type*> unfinishedName = nullptr;
 std::atomic<FILE*> unfinishedFile = nullptr;
 
+// A file that nobody could know of beforehand: no link of this name is followed, and no file of this name opened.
+FILE* openNew(const fs::path& path, int mode) {
+#ifdef _WIN32
+  const int descriptor = _wopen(path.c_str(), _O_WRONLY | _O_CREAT | _O_EXCL | _O_BINARY | _O_NOINHERIT, mode);
+#else
+  const int descriptor = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
+#endif
+  return descriptor < 0 ? nullptr : fdopen(descriptor, "wb");
+}
+
+// Gives a file the owner and the permissions of the one that it is to replace. False where it cannot take its place: it
+// may not have that owner, or that one has other names, too.
+bool resemble(FILE* file, const fs::path& replaced) {
+#ifndef _WIN32
+  struct stat before, now;
+  if (stat(replaced.c_str(), &before) != 0 || fstat(fileno(file), &now) != 0) return true;
+  const bool owned = before.st_uid == now.st_uid && before.st_gid == now.st_gid;
+  return (owned || fchown(fileno(file), before.st_uid, before.st_gid) == 0) &&
+         fchmod(fileno(file), before.st_mode & 07777) == 0 && before.st_nlink == 1;
+#else
+  static_cast<void>(file), static_cast<void>(replaced);
+  return true;
+#endif
+}
+
 }  // namespace
 
 Error::Error(ExitCode code, const std::string& failed, const fs::path& path, const std::string& reason)
@@ -38,6 +70,20 @@ std::u16string libraryPath(const std::string& name) {
   } catch (const std::system_error&) {
     throw Error(ExitCode::kInput, "cannot use", toPath(name), "its name is no UTF-8");
   }
+}
+
+bool isOutOfMemory(const std::exception& error) {
+  const auto* const ofOpenCv = dynamic_cast<const cv::Exception*>(&error);
+  return dynamic_cast<const std::bad_alloc*>(&error) || (ofOpenCv && ofOpenCv->code == cv::Error::StsNoMem);
+}
+
+std::string printable(std::string text) {
+  const auto isControl = [](unsigned char byte) { return (byte < 0x20 && byte != '\n') || byte == 0x7f; };
+  std::replace_if(text.begin(), text.end(), isControl, '?');
+  for (size_t at = 0; (at = text.find('\xc2', at)) < text.size() - 1; ++at) {  // U+0080 to U+009F
+    if (static_cast<unsigned char>(text[at + 1]) < 0xa0) text.replace(at, 2, "?");
+  }
+  return text;
 }
 
 std::ifstream openInput(const std::string& failed, const fs::path& path) {
@@ -61,18 +107,20 @@ OutputFile::OutputFile(const fs::path& path) : path_(path), target_(path), file_
     target_ = fs::weakly_canonical(path, error);
     if (error) fail(error.message());
   }
-  fs::path opened = target_;
-  if (!fs::exists(target_, error) || fs::is_regular_file(target_, error)) {
-    opened += '.';
-    opened += std::to_string(std::random_device()()) + ".part";
-    unfinished_ = opened;
-    unfinishedName = unfinished_.c_str();
+  const bool exists = fs::exists(target_, error);
+  if (exists && !fs::is_regular_file(target_, error)) {
+    file_ = std::fopen(toName(target_).c_str(), "wb");
+  } else {
+    std::random_device random;
+    fs::path name = target_;
+    name += '.' + std::to_string(random()) + std::to_string(random()) + ".part";
+    file_ = openNew(name, exists ? 0600 : 0666);
+    if (file_) {
+      unfinished_ = name;
+      unfinishedName = unfinished_.c_str();
+      replaces_ = !exists || resemble(file_, target_);
+    }
   }
-#ifdef _WIN32
-  file_ = _wfopen(opened.c_str(), L"wb");
-#else
-  file_ = std::fopen(opened.c_str(), "wb");
-#endif
   unfinishedFile = file_;
   if (!file_) fail(std::strerror(errno));
 }
@@ -89,12 +137,19 @@ void OutputFile::write(const void* data, size_t size) {
 }
 
 void OutputFile::finish() {
+  // On the disk before it has its name: a crash of the machine is to leave the old file or the new one.
+  if (std::fflush(file_) != 0 || (!unfinished_.empty() && fsync(fileno(file_)) != 0)) fail(std::strerror(errno));
   FILE* const file = std::exchange(file_, nullptr);
-  if ((file == stdout ? std::fflush(file) : std::fclose(file)) != 0) fail(std::strerror(errno));
+  if (file != stdout && std::fclose(file) != 0) fail(std::strerror(errno));
   if (unfinished_.empty()) return;
   std::error_code error;
-  fs::rename(unfinished_, target_, error);
+  if (replaces_) {
+    fs::rename(unfinished_, target_, error);
+  } else {
+    fs::copy_file(unfinished_, target_, fs::copy_options::overwrite_existing, error);
+  }
   if (error) fail(error.message());
+  if (!replaces_) fs::remove(unfinished_, error);
   unfinishedName = nullptr;
   unfinished_.clear();
 }
@@ -122,6 +177,7 @@ void removeUnfinishedFileOnSignals() {
 }
 #else
 void removeUnfinishedFileOnSignals() {
+  std::signal(SIGXFSZ, SIG_IGN);  // the write that goes beyond a limit fails, and tells of it
   for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT}) {
     // What the caller has the program ignore, as nohup does, it goes on ignoring.
     if (std::signal(signal, SIG_IGN) == SIG_IGN) continue;

@@ -22,6 +22,12 @@ class Error : public std::runtime_error {
   const ExitCode code;
 };
 
+/// The text with control characters, which names of files may hold and terminals obey, as question marks; ends of lines stay.
+std::string printable(std::string text);
+
+constexpr const char* kOutOfMemory = "it needs more memory than --memory allows";
+bool isOutOfMemory(const std::exception& error);
+
 /// A path in UTF-16, as the library takes it. Throws an Error with the name when it is no text, as names of files on
 /// POSIX systems need not be.
 std::u16string libraryPath(const std::string& name);
@@ -33,8 +39,9 @@ std::ifstream openInput(const std::string& failed, const std::filesystem::path& 
 void makeFolder(const std::filesystem::path& folder);
 
 /// A file that takes its name only when it is complete: until then it stands beside its place under another one, so
-/// that whatever goes wrong leaves no half-written file and no older one lost. What is no ordinary file, such as a
-/// device, is written directly, and so is the standard output, for "-". There is one such file at a time.
+/// that whatever goes wrong leaves no half-written file and no older one lost. Owner, permissions and further names of a
+/// file that is replaced stay. What is no ordinary file, such as a device, is written directly, and so is the standard
+/// output, for "-". There is one such file at a time.
 ///
 /// All throw an Error with the file's name.
 class OutputFile {
@@ -54,6 +61,7 @@ class OutputFile {
   std::filesystem::path path_;
   std::filesystem::path target_;      ///< where `path_` leads, by symbolic links
   std::filesystem::path unfinished_;  ///< empty when written directly
+  bool replaces_ = true;              ///< false: is copied into the older file when it is complete
   FILE* file_;
 };
 

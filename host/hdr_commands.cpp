@@ -43,26 +43,13 @@ std::shared_ptr<void> openHdr(const Options& options, bool limited, int width, i
           DestroyVideoAdjustColor};
 }
 
-// The library does not tell of a LUT file that is missing or cannot be used: its frames are black, whatever goes in.
-void requireLut(const Options& options) {
-  const fs::path lut = toPath(options.luts) / (options.isPq() ? kPqLut : kHlgLut);
-  openInput("cannot use LUT file", lut);
-  const std::shared_ptr<void> effect = openHdr(options, false, 1, 1);
-  for (const uint8_t grey : {0, 128, 255}) {
-    const uint8_t neutral = 128;
-    uint8_t y = 0, v = 0, u = 0;
-    VideoAdjustColorProcess(effect.get(), &grey, &neutral, &neutral, 1, 1, 1, 0, 0, &y, &v, &u);
-    if (y != 0) return;
-  }
-  throw Error(ExitCode::kInput, "cannot use LUT file", lut, "it turns everything black");
-}
-
 void convert(const Options& options) {
   std::error_code notThere;
   if (fs::equivalent(toPath(options.input), toPath(options.output), notThere)) {
     throw Error(ExitCode::kUsage, "'" + options.output + "' would be written over, and it is to be read");
   }
-  requireLut(options);
+  // The library does not tell of an HDR LUT that is missing or damaged. As one for grading it has to be whole.
+  openLut(toName(toPath(options.luts) / (options.isPq() ? kPqLut : kHlgLut)));
   VideoReader reader(toPath(options.input));
   VideoFormat format = reader.format();
   if (!options.range.empty()) format.range = options.range == "full" ? "FULL" : "LIMITED";

@@ -2,13 +2,25 @@
 
 #include <exception>
 #include <iostream>
+#include <new>
+#include <opencv2/core.hpp>
 #include <opencv2/core/utils/logger.hpp>
+#include <sstream>
 #include <string>
 #include <vector>
 
 #include "host/commands.h"
 #include "host/files.h"
 #include "host/platform.h"
+
+namespace {
+
+int failed(const std::string& text, host::ExitCode code) {
+  std::cerr << "lumvane-host: " << host::printable(text) << '\n';
+  return static_cast<int>(code);
+}
+
+}  // namespace
 
 int main(int argc, char** argv) {
   host::removeUnfinishedFileOnSignals();
@@ -21,6 +33,11 @@ int main(int argc, char** argv) {
       "A file takes its name when it is complete: an error or an interrupt leaves no half of one.\n"
       "Exit codes: 0 done, 2 wrong arguments, 3 an input that is missing or cannot be used,\n"
       "4 an output that cannot be written, 1 anything else.");
+  host::limitMemory(2.0);
+  app.fallthrough();  // behind the subcommand, too
+  app.add_option_function<double>("--memory", host::limitMemory, "Most memory to use, in GB: for larger inputs")
+      ->check(CLI::Range(0.1, 1e6))
+      ->default_str("2");
   cv::utils::logging::setLogLevel(cv::utils::logging::LOG_LEVEL_SILENT);  // the program has words of its own
   host::addPictureCommands(app);
   host::addHdrCommands(app);
@@ -31,12 +48,14 @@ int main(int argc, char** argv) {
     if (app.get_subcommands().empty()) throw CLI::RequiredError("a subcommand");
     return 0;
   } catch (const CLI::ParseError& error) {
-    return app.exit(error) == 0 ? 0 : static_cast<int>(host::ExitCode::kUsage);
+    std::ostringstream text;
+    const bool done = app.exit(error, std::cout, text) == 0;
+    std::cerr << host::printable(text.str());
+    return done ? 0 : static_cast<int>(host::ExitCode::kUsage);
   } catch (const host::Error& error) {
-    std::cerr << "lumvane-host: " << error.what() << '\n';
-    return static_cast<int>(error.code);
+    return failed(error.what(), error.code);
   } catch (const std::exception& error) {
-    std::cerr << "lumvane-host: " << error.what() << '\n';
-    return static_cast<int>(host::ExitCode::kOther);
+    return host::isOutOfMemory(error) ? failed(host::kOutOfMemory, host::ExitCode::kInput)
+                                      : failed(error.what(), host::ExitCode::kOther);
   }
 }

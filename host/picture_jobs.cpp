@@ -68,7 +68,7 @@ void editPicture(const Job& job, const Edit& edit) {
 
 void editPictures(const std::vector<std::string>& paths, bool compare, const Edit& edit) {
   const std::vector<Job> jobs = planJobs(paths, compare);
-  if (jobs.size() == 1) return editPicture(jobs[0], edit);
+  if (jobs.size() == 1) return editPicture(jobs[0], edit);  // of its failures the caller tells
 
   // One bad picture does not keep the others waiting.
   std::string failures;
@@ -80,7 +80,8 @@ void editPictures(const std::vector<std::string>& paths, bool compare, const Edi
       editPicture(job, edit);
     } catch (const std::exception& error) {
       const auto* expected = dynamic_cast<const Error*>(&error);  // such a text has the name in it
-      failures += "\n  " + (expected ? "" : toName(job.input) + ": ") + error.what();
+      failures +=
+          "\n  " + (expected ? "" : toName(job.input) + ": ") + (isOutOfMemory(error) ? kOutOfMemory : error.what());
       if (failed++ == 0 && expected) code = expected->code;
     }
     progress.finishStep();

@@ -63,7 +63,7 @@ cv::Mat readPicture(const fs::path& path) {
     // Only the colour mode heeds the orientation that cameras note in a file; only the unchanged one keeps alpha.
     if (!picture.empty() && picture.channels() != 4) picture = cv::imdecode(bytes, cv::IMREAD_COLOR);
   } catch (const cv::Exception& error) {
-    refuse("it is damaged or too large (" + error.err + ")");
+    refuse(isOutOfMemory(error) ? kOutOfMemory : "it is damaged or too large (" + error.err + ")");
   }
   if (picture.empty()) refuse("it is damaged, or no picture of a format that is known here");
   if (picture.depth() == CV_16U) picture.convertTo(picture, CV_8U, 1.0 / 257.0);

@@ -1,5 +1,6 @@
 #include "host/platform.h"
 
+#include <algorithm>
 #include <system_error>
 
 #ifdef _WIN32
@@ -12,6 +13,7 @@
 #include <cstdio>
 #include <cstdlib>
 #else
+#include <sys/resource.h>
 #include <unistd.h>
 #endif
 
@@ -42,11 +44,22 @@ std::vector<std::string> utf8Arguments(int /*argc*/, char** /*argv*/) {
 
 bool errorStreamIsTerminal() { return _isatty(_fileno(stderr)) != 0; }
 
+void limitMemory(double) {}
+
 #else
 
 std::vector<std::string> utf8Arguments(int argc, char** argv) { return {argv, argv + argc}; }
 
 bool errorStreamIsTerminal() { return isatty(STDERR_FILENO) != 0; }
+
+void limitMemory([[maybe_unused]] double gigabytes) {
+#ifndef __SANITIZE_ADDRESS__  // which takes terabytes, without using them
+  rlimit limit;
+  if (getrlimit(RLIMIT_DATA, &limit) != 0) return;
+  limit.rlim_cur = std::min(static_cast<rlim_t>(gigabytes * 1e9), limit.rlim_max);
+  setrlimit(RLIMIT_DATA, &limit);
+#endif
+}
 
 #endif
 

@@ -20,4 +20,8 @@ std::filesystem::path uniquePath(const std::filesystem::path& path);
 
 bool errorStreamIsTerminal();
 
+/// The most memory that the program may use from now on, so that a small file which claims to be a large picture cannot
+/// take all that the machine has: what would go beyond it fails as if there were no more. Not on Windows.
+void limitMemory(double gigabytes);
+
 }  // namespace host

@@ -1,29 +1,29 @@
 /* Lumvane: per-frame colour effects for video editing hosts.
  *
- * What holds for every function:
+ * This applies to every function:
  *
- * Frames   Packed 8-bit pixels in memory that the caller owns: four bytes a pixel, byte 0 blue, byte 1 green, byte 2
- *          red, byte 3 alpha ("BGRA"); HDR video has planes instead. Of each row exactly the bytes of its pixels are
- *          read or written; padding between rows, and whatever lies behind the last row, is neither read nor changed.
- *          No alignment is asked for.
- * Strides  Bytes from the start of one row to the start of the next, signed, one for each frame or plane. The families
- *          differ in what 0 and negative strides mean:
+ * Frames   Packed 8-bit pixels in memory that the caller owns: four bytes per pixel, byte 0 blue, byte 1 green, byte 2
+ *          red, byte 3 alpha ("BGRA"); HDR video has planes instead. Exactly the bytes of the pixels of each row are
+ *          read or written; padding between rows, and memory after the last row, is neither read nor changed. No
+ *          alignment is required.
+ * Strides  Bytes from the start of one row to the start of the next, signed, one for each frame or plane. What 0 and
+ *          negative strides mean depends on the effect:
  *                            0               negative
- *            LUT grading     packed rows     rows walk upwards in memory: the pointer is that of the row shown at the
- *                                            top, which lies at the highest address, as in a bottom-up bitmap
- *            clarity         packed rows     packed rows: a bottom-up frame has to be turned over first
- *            HDR             no short form: always the real distance
+ *            LUT grading     packed rows     bottom-up frame: the pointer is that of the top row of the picture, which
+ *                                            has the highest address
+ *            clarity         packed rows     packed rows: a bottom-up frame has to be flipped first
+ *            HDR             always the real distance, also for packed rows
  *            white balance   has no strides: rows are always packed
- * Threads  A handle serves one thread at a time. Different handles may be used side by side. Large frames are spread
- *          over OpenCV's worker threads; a call returns when all its work is done. cv::setNumThreads governs how many
- *          there are; on Windows, where OpenCV is inside the DLL, OPENCV_FOR_THREADS_NUM in the environment does.
- * Bytes    The same input gives the same bytes on every processor, system and number of threads. Nor do the locale
- *          and the floating-point mode of the calling thread matter (rounding, denormals flushed or not, traps); the mode
- *          is found as it was.
- * Failures Nothing prints or logs. What C++ throws when memory runs out passes out of the call: std::bad_alloc, or
- *          cv::Exception from within OpenCV. On Windows these are exceptions of GCC: a host that another compiler
- *          built cannot catch them, and ends.
- * Names    Stand as they are, "Destory" included: hosts look them up by these letters.
+ * Threads  A handle serves one thread at a time. Different handles can be used concurrently. Large frames are divided
+ *          among OpenCV's worker threads; a call returns when all its work is done. cv::setNumThreads sets their
+ *          number; on Windows, where OpenCV is inside the DLL, the environment variable OPENCV_FOR_THREADS_NUM does.
+ * Bytes    The same input gives the same bytes on every processor and system, with any number of threads, in any locale
+ *          and in any floating-point mode of the calling thread (rounding, flushed denormals, traps). The mode is
+ *          restored before the call returns.
+ * Failures Nothing is printed or logged. When memory runs out, a C++ exception leaves the call: std::bad_alloc, or
+ *          cv::Exception from OpenCV. On Windows these are GCC exceptions: a host built with another compiler cannot
+ *          catch them and terminates.
+ * Names    Are exact, "Destory" included: hosts look them up by these letters.
  */
 #ifndef LUMVANE_H
 #define LUMVANE_H
@@ -50,28 +50,28 @@ extern "C" {
 
 /* ---- LUT grading: recolours frames through a 3D lookup table, by tetrahedral interpolation ----------------------- */
 
-/* Loads a LUT file and makes a grading effect of it.
+/* Loads a LUT file and creates a grading effect.
  *
- * lutPath        NUL-terminated UTF-16. The text from its last '.' on chooses the reader, in any letter case: ".cube"
- *                or ".3dl". On POSIX systems the path goes to the file system as UTF-8; if no file can be opened there
- *                and the path holds a backslash, it is tried once more with slashes in place of the backslashes.
- * width, height  The frame size in pixels that the host expects. Any value: each frame brings its own size.
+ * lutPath        NUL-terminated UTF-16. The extension, from the last '.' on, chooses the reader, in any letter case:
+ *                ".cube" or ".3dl". On POSIX systems the path is converted to UTF-8; if no file can be opened under it
+ *                and it contains backslashes, it is tried again with slashes instead.
+ * width, height  The frame size in pixels that the host expects. Ignored: each frame has its own size.
  * Returns        A handle for the two functions below, or null: the path is null or empty, has no extension or another
- *                one, the file cannot be opened, or its contents are not a table of 2 (.3dl: 3) to 65 points per axis.
- * Owner          The caller, who ends the handle with Destory3DLutColorAdjustEffect. The path is copied and the file is
- *                closed before the call returns.
- * Caution        One-dimensional tables and shaper curves are not read. A .cube file that holds one ahead of its 3D
- *                table loads with the curve's rows taken for rows of the table, and grades wrongly; the mesh line of a
- *                .3dl file is counted, and always taken as evenly spaced.
- * Cost           Reads the whole table: some 10 ms for 65 points per axis. 3.3 MB of memory a handle, whatever the size
- *                of the table.
+ *                one, the file cannot be opened, or it is not a table of 2 (.3dl: 3) to 65 points per axis.
+ * Owner          The caller, who destroys the effect with Destory3DLutColorAdjustEffect. The path is copied and the
+ *                file is closed before the call returns.
+ * Caution        1D LUTs and shaper curves are not supported. A .cube file with one before its 3D table loads with the
+ *                curve's rows as the first rows of the table, and grades wrongly. The entries of the mesh line of a
+ *                .3dl file are only counted; the mesh is always treated as evenly spaced.
+ * Cost           Reads the whole table: about 10 ms for 65 points per axis. 3.3 MB of memory per handle, whatever the
+ *                size of the table.
  */
 LUMVANE_API void* Create3DLutColorAdjustEffect(const char16_t* lutPath, int32_t width, int32_t height);
 
 /* Grades one frame.
  *
  * The colour bytes of a pixel are looked up in the table as they are, the result is multiplied by the pixel's alpha,
- * and what comes of it is faded against the source by the strength:
+ * and then blended with the source by the strength:
  *   destination = (source * (255 - s) + graded * s) / 255, truncated, with s = strength * 255 / 100, truncated.
  * The alpha of the source reaches the destination unchanged.
  *
@@ -84,43 +84,42 @@ LUMVANE_API void* Create3DLutColorAdjustEffect(const char16_t* lutPath, int32_t 
  * srcWidth   Not read.
  * srcHeight  Not read.
  * srcStride  Stride of the source, see above.
- * strength   Percent. 0 or less leaves the destination exactly as it was, with no copy of the source; 100 or more gives
+ * strength   Percent. 0 or less leaves the destination exactly as it was: the source is not copied. 100 or more gives
  *            the graded frame alone.
  * Overlap    dst and src may be one buffer with one stride. A frame graded in place comes out at full strength for
- *            every strength above 0, since the fade then finds the graded pixel in both. No other overlap.
- * Cost       Allocates nothing per frame. The first frame of the process builds the blend table that all handles share:
+ *            every strength above 0: the source is overwritten before the two are blended. No other overlap.
+ * Cost       Allocates nothing per frame. The first frame of the process builds a table that all handles share:
  *            18.7 MB, kept until the library is unloaded.
  */
 LUMVANE_API void Lut3DColorAdjustEffectProcess(void* handle, uint8_t* dst, int32_t width, int32_t height,
                                                int32_t dstStride, const uint8_t* src, int32_t srcWidth,
                                                int32_t srcHeight, int32_t srcStride, int32_t strength);
 
-/* Ends a grading effect and frees its memory.
+/* Destroys a grading effect and frees its memory.
  *
- * handle  From Create3DLutColorAdjustEffect, with no call on it under way. Null: the call does nothing.
+ * handle  From Create3DLutColorAdjustEffect, not in use by another call. Null: the call does nothing.
  */
 LUMVANE_API void Destory3DLutColorAdjustEffect(void* handle);
 
 /* ---- Clarity: raises the local contrast of frames at many scales, and scales their saturation -------------------- */
 
-/* Makes a clarity effect.
+/* Creates a clarity effect.
  *
- * width, height  Size of the frames in pixels. It sets how many levels the pyramid has, and nothing else: from a
- *                shorter side of 65 on there are 8 of them, below it fewer. Frames of another size are rendered whole,
- *                with this number of levels. Any value; 0 or less gives one level, with which intensity has no effect.
+ * width, height  Size of the frames in pixels. It only sets the number of pyramid levels: 8 from a shorter side of 65
+ *                pixels on, fewer below. Frames of another size are rendered whole, with this number of levels. Any
+ *                value; 0 or less gives one level, with which intensity has no effect.
  * reserved       Not read.
- * saturation     Percent, -100 to 100, clamped: the saturation of each pixel is multiplied by 0.85 to 1.15 and held to
- *                its range. 0 leaves it alone.
- * intensity      Percent, 0 to 100, clamped: how much of the raised contrast is blended over the frame. 0 leaves it
- *                alone.
+ * saturation     Percent, -100 to 100, clamped: the saturation of each pixel is multiplied by 0.85 to 1.15 and clamped
+ *                to its range. 0 leaves it unchanged.
+ * intensity      Percent, 0 to 100, clamped: how much of the raised contrast is blended in. 0 leaves it unchanged.
  * Returns        A handle for the two functions below. No value of the arguments makes this fail.
- * Owner          The caller, who ends the handle with DestoryNLEPureCClarity.
- * Cost           Next to nothing; memory for frames is taken with the first one.
+ * Owner          The caller, who destroys the effect with DestoryNLEPureCClarity.
+ * Cost           Negligible; memory for frames is allocated with the first one.
  */
 LUMVANE_API void* CreateNLEPureCClarity(int32_t width, int32_t height, int32_t reserved, int32_t saturation,
                                         int32_t intensity);
 
-/* Renders one frame. Colours are taken as they are, whatever their alpha; hue does not change, and the alpha of the
+/* Renders one frame. Colours are used as they are, whatever their alpha; hue does not change, and the alpha of the
  * source reaches the destination unchanged. Saturation 0 with intensity 0 gives the source back, byte for byte.
  *
  * handle     From CreateNLEPureCClarity.
@@ -132,21 +131,20 @@ LUMVANE_API void* CreateNLEPureCClarity(int32_t width, int32_t height, int32_t r
  * srcWidth   Not read.
  * srcHeight  Not read.
  * srcStride  Stride of the source, by the same rule.
- * Overlap    dst and src may overlap in any way, also as one buffer with two strides: the frame that is rendered is the
- *            one that src held before the call. Where they overlap, and are not the same pixels at the same places, the
- *            call works from a copy of src.
- * Returns    1 when the frame was rendered. 0, with the destination as it was: a null handle or buffer, a width or
+ * Overlap    dst and src may overlap in any way, even as one buffer with two strides: the source is always what src
+ *            held before the call. If they overlap and are not the same pixels at the same places, the call copies src.
+ * Returns    1 when the frame was rendered. 0, with the destination unchanged: a null handle or buffer, a width or
  *            height of 0 or less, a stride above 0 and below width * 4.
- * Cost       A handle keeps a pyramid of floats from its first frame on, some 3 bytes a pixel (6 MB at 1920 x 1080), and
- *            makes it anew for a frame of another size. The copy for frames that overlap takes 4 bytes a pixel during the
- *            call.
+ * Cost       From its first frame on a handle keeps a pyramid of floats, about 3 bytes per pixel (6 MB at 1920 x 1080),
+ *            which is reallocated for a frame of another size. The copy of overlapping frames takes 4 bytes per pixel
+ *            during the call.
  */
 LUMVANE_API int32_t NLEPureCClarityProcess(void* handle, uint8_t* dst, int32_t width, int32_t height, int32_t dstStride,
                                            const uint8_t* src, int32_t srcWidth, int32_t srcHeight, int32_t srcStride);
 
-/* Ends a clarity effect and frees its memory.
+/* Destroys a clarity effect and frees its memory.
  *
- * handle  From CreateNLEPureCClarity, with no call on it under way. Null: the call does nothing.
+ * handle  From CreateNLEPureCClarity, not in use by another call. Null: the call does nothing.
  */
 LUMVANE_API void DestoryNLEPureCClarity(void* handle);
 
@@ -156,20 +154,19 @@ LUMVANE_API void DestoryNLEPureCClarity(void* handle);
  *
  *   blue: 1 + tint / 2 - temperature,    green: 1 - tint,    red: 1 + tint / 2 + temperature,
  *
- * in single precision, and truncates the products to bytes: 3 times 0.5 gives 1. Products beyond either end count as
- * that end, one that is no number as 0. The alpha of the source reaches the destination unchanged.
+ * in single precision, and truncates the products to bytes: 3 times 0.5 gives 1. Products out of range are clamped, NaN
+ * gives 0. The alpha of the source reaches the destination unchanged.
  *
  * src          Source frame, width x height pixels, read. Packed rows: width * 4 bytes each, nothing between them.
  * dst          Destination frame of the same shape, written. May be src; no other overlap. When either is null and the
- *              frame is not empty, a cv::Exception passes out of the call.
+ *              frame is not empty, the call throws cv::Exception.
  * reserved1-3  Not read.
- * temperature  From cold to warm, around 0 for no change; 0.5 halves the blue of a grey and adds half to its red. Any
- *              value.
- * tint         From green to magenta, around 0 for no change. Any value.
+ * temperature  Any value. Negative is colder, positive warmer; 0.5 halves the blue of a grey and adds half to its red.
+ * tint         Any value. Negative is greener, positive more magenta.
  * width        Pixels per row. 0 or less: nothing is read or written.
  * height       Rows. 0 or less: nothing is read or written.
  * Returns      true in every case.
- * Threads      Runs on the calling thread and keeps nothing: calls on different frames may run side by side.
+ * Threads      Runs on the calling thread and keeps no state: calls on different frames can run concurrently.
  * Cost         Allocates nothing.
  */
 LUMVANE_API bool WhiteBalanceFun(const uint8_t* src, uint8_t* dst, float reserved1, float reserved2, float reserved3,
@@ -177,38 +174,39 @@ LUMVANE_API bool WhiteBalanceFun(const uint8_t* src, uint8_t* dst, float reserve
 
 /* ---- HDR to BT.709: turns BT.2020 video with an HLG or PQ transfer into BT.709 video ----------------------------- */
 
-/* Makes a video colour adjust for frames of one size. The first call of the process loads two LUT files for all
- * objects, "HDR_HLG.cube" and "HDR_PQ.cube", and computes what they make of each of the 2^24 colours. No later call
- * reads a file, whatever its directory.
+/* Creates an HDR converter for frames of one size. The first call of the process loads two LUT files for all objects,
+ * "HDR_HLG.cube" and "HDR_PQ.cube", and computes their results for each of the 2^24 colours. Later calls read no file,
+ * even with another directory.
  *
- * lutDirectory   NUL-terminated UTF-16, with no separator at its end: a backslash and the file names are appended. The
- *                paths reach the file system as told at Create3DLutColorAdjustEffect, so that the files lie in this
- *                directory on POSIX systems, too.
+ * lutDirectory   NUL-terminated UTF-16, without a separator at its end: a backslash and the file names are appended.
+ *                The paths are converted as in Create3DLutColorAdjustEffect, so the files are found in this directory
+ *                on POSIX systems as well.
  * reservedMode   Not read.
- * limitedRange   Not 0: frames are of limited range, in and out (Y from 16 to 235); 0: of full range, in and out.
- * usePq          Not 0: frames have the PQ transfer and go through "HDR_PQ.cube"; 0: HLG, and "HDR_HLG.cube".
- * width, height  Frame size in pixels; odd ones are taken.
+ * limitedRange   Not 0: limited range in and out (Y from 16 to 235); 0: full range in and out.
+ * usePq          Not 0: PQ, through "HDR_PQ.cube"; 0: HLG, through "HDR_HLG.cube".
+ * width, height  Frame size in pixels; may be odd.
  * Returns        A handle for the functions below, or null for a null directory. A LUT file that is missing or cannot
- *                be used is not reported: the frames that need it come out black.
- * Owner          The caller, who ends the handle with DestroyVideoAdjustColor.
- * Threads        Calls may run side by side; the first ones wait for the load.
- * Failures       std::bad_alloc passes out when memory runs out, for a negative size, and for frames of 2^31 bytes and
- *                more at four bytes a pixel. When that ends the first call, the next one loads.
- * Cost           The first call reads both files and takes some 0.1 s for two of 65 points on two threads. The results
- *                are 101 MB that stay until the library is unloaded; the tables, 7 MB, stay until the process ends.
- *                Every call: 8 bytes a pixel.
+ *                be used is not reported. Without a file, or with one whose header is refused, the frames that need it
+ *                come out black. Of one that is damaged further on, the rows before the damage count, and all other
+ *                points of the table are black. Create3DLutColorAdjustEffect gives null for such files.
+ * Owner          The caller, who destroys the object with DestroyVideoAdjustColor.
+ * Threads        Calls can run concurrently; the first ones wait until the files are loaded.
+ * Failures       Throws std::bad_alloc when memory runs out, when a LUT file cannot be opened because the process or the
+ *                system has too many files open, for a negative size, and for frames of 2^31 bytes and more at four
+ *                bytes per pixel. If the first call fails so, the next one loads the files.
+ * Cost           The first call reads both files: about 0.1 s for two of 65 points. The results and tables, 108 MB,
+ *                stay until the library is unloaded. Every object: 8 bytes per pixel.
  */
 LUMVANE_API void* CreateVideoAdjustColor(const char16_t* lutDirectory, int32_t reservedMode, int32_t limitedRange,
                                          int32_t usePq, int32_t width, int32_t height);
 
 /* Converts one frame of the object's size: BT.2020 non-constant luminance in, BT.709 out, 8 bits, 4:2:0.
  *
- * handle           From CreateVideoAdjustColor; not tested for null.
+ * handle           From CreateVideoAdjustColor; must not be null.
  * srcPlane0, 1, 2  Source planes in the order of YV12: Y, width x height, then V (Cr) and U (Cb), each (width + 1) / 2
- *                  x (height + 1) / 2. Chroma lies on the left of each pair of pixels, between the rows. Not tested for
+ *                  x (height + 1) / 2. Chroma is sited on the left pixel of each pair, between the rows. Must not be
  *                  null.
- * stride0, 1, 2    Bytes from one row of the plane to the next, the same for source and destination; at least the bytes
- *                  of a row.
+ * stride0, 1, 2    Stride of each plane in bytes, the same for source and destination; at least the bytes of a row.
  * reservedA, B     Not read.
  * dstPlane0, 1, 2  Destination planes of the same shape and order, written.
  * Overlap          A destination plane may be the source plane of the same number. No other overlap.
@@ -220,9 +218,9 @@ LUMVANE_API bool VideoAdjustColorProcess(void* handle, const uint8_t* srcPlane0,
                                          int32_t reservedA, int32_t reservedB, uint8_t* dstPlane0, uint8_t* dstPlane1,
                                          uint8_t* dstPlane2);
 
-/* Ends a video colour adjust and frees its memory; what all of them share stays.
+/* Destroys an HDR converter and frees its memory; shared data stays.
  *
- * handle  From CreateVideoAdjustColor, with no call on it under way. Null: the call does nothing.
+ * handle  From CreateVideoAdjustColor, not in use by another call. Null: the call does nothing.
  */
 LUMVANE_API void DestroyVideoAdjustColor(void* handle);
 

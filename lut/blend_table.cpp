@@ -6,6 +6,7 @@
 
 #include "base/large_pages.h"
 #include "base/parallel.h"
+#include "base/unload.h"
 
 namespace Lumvane {
 namespace {
@@ -92,11 +93,18 @@ std::shared_ptr<const Table> buildTable() {
   return table;
 }
 
+constinit Lasting<std::shared_ptr<const Table>> theTable;
+
+LUMVANE_WHEN_UNLOADED void releaseTable() {
+  if (!processEnds) theTable.object.reset();
+}
+
 }  // namespace
 
 std::shared_ptr<const Table> acquireTable() {
-  static const std::shared_ptr<const Table> table = buildTable();
-  return table;
+  static const bool built = (theTable.object = buildTable(), true);
+  static_cast<void>(built);
+  return theTable.object;
 }
 
 }  // namespace Lumvane

@@ -40,7 +40,7 @@ static_assert(offsetof(Table, mix) == 19 * 65536 && offsetof(Table, screen255) =
               sizeof(Table) == 285 * 65536);
 
 /// A share in the one table of the process. The first call builds it, some 18.7 MB; calls from other threads wait for
-/// that. It stays until the library is unloaded. Hold the reference for a frame or a band, not longer.
+/// that. It stays until the library is unloaded, also while exit() runs. Hold the reference for a frame or a band, not longer.
 std::shared_ptr<const Table> acquireTable();
 
 }  // namespace Lumvane

@@ -11,7 +11,7 @@
 
 namespace Lumvane {
 
-// What kernels read behind the last point of the lattice belongs to the object. With a destructor that is virtual the
+// What kernels read past the last point of the lattice must belong to the object. With a virtual destructor the
 // standard leaves offsetof to the compiler.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Winvalid-offsetof"
@@ -74,7 +74,7 @@ int32_t CubeLut::applyAndFade(uint8_t* dst, int32_t dstStride, const uint8_t* sr
 int32_t CubeLut::applyToMats(cv::Mat& dst, const cv::Mat& src, int32_t sourceWeight) const {
   const LatticeView view = {latticeSize, fraction, cell, &lattice[0][0][0][0]};
   if (alphaMode) {
-    if (isSmall(dst)) acquireTable();  // a process builds it in its first small frame, whatever the mode
+    if (isSmall(dst)) acquireTable();  // the first small frame of a process builds it, whatever the mode
     gradeFrameToPlane(dst, src, view);
   } else {
     const auto table = acquireTable();

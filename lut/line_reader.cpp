@@ -11,9 +11,9 @@ namespace Lumvane {
 namespace {
 
 constexpr size_t kBlock = size_t{1} << 15;
-constexpr size_t kLongestFirstLine = 252;            // its terminator included
+constexpr size_t kLongestFirstLine = 252;            // including its terminator
 constexpr size_t kBytesThatCount = size_t{1} << 16;  // of a line
-// No line that is at hand when it is asked for is longer than that, and takePlainRow need not look.
+// No line that is already in the buffer when requested is longer than this, so takePlainRow need not check.
 static_assert(kLongestFirstLine + kBlock <= kBytesThatCount);
 
 }  // namespace
@@ -23,7 +23,7 @@ LineReader::LineReader(std::istream& stream)
       buffer_(std::make_unique_for_overwrite<char[]>(kBytesThatCount + kBlock + 1)),
       separator_(detectLineSeparator()) {}
 
-// Reads ahead and takes nothing. A text that is shorter than the longest first line has to have a terminator as well.
+// Reads ahead without consuming. A text shorter than the longest first line must also contain a terminator.
 char LineReader::detectLineSeparator() {
   while (end_ <= kLongestFirstLine && readMore()) continue;
   const std::string_view text(ahead(), end_);
@@ -49,7 +49,7 @@ void LineReader::takeLine() {
   const void* found;
   size_t searched = 0;
   while ((found = std::memchr(ahead() + searched, separator_, end_ - next_ - searched)) == nullptr) {
-    end_ = std::min(end_, next_ + kBytesThatCount);  // drops what makes a line too long, however long it gets
+    end_ = std::min(end_, next_ + kBytesThatCount);  // drops the excess of a line, however long it gets
     searched = end_ - next_;
     if (readMore()) continue;
     lastLineTaken_ = true;
@@ -69,8 +69,8 @@ bool LineReader::readRow(float (&values)[3]) {
   return true;
 }
 
-// readRow of the line that is next, if it is at hand, three numbers in plain decimal form and nothing else. Otherwise
-// false, with nothing taken and nothing changed.
+// readRow for the next line if it is in the buffer and consists of three plain decimal numbers. Otherwise false, with
+// nothing consumed and nothing changed.
 bool LineReader::takePlainRow(float (&values)[3]) {
   const char* p = ahead();
   const auto skipBlanks = [&] {
@@ -80,7 +80,7 @@ bool LineReader::takePlainRow(float (&values)[3]) {
     skipBlanks();
     return (p = scanDecimal(p, value)) != nullptr;
   };
-  float red, green, blue;  // no array, to stay in registers
+  float red, green, blue;  // not an array, to stay in registers
   if (!scan(red) || !scan(green) || !scan(blue)) return false;
   skipBlanks();
   if (*p == '\r' && separator_ == '\n') ++p;
@@ -92,17 +92,18 @@ bool LineReader::takePlainRow(float (&values)[3]) {
   return true;
 }
 
-// Drops what has been taken and adds what the stream has at hand, behind at most kBytesThatCount. False at its end.
+// Drops consumed bytes and appends what the stream has available; at most kBytesThatCount bytes are kept before it.
+// False at its end.
 bool LineReader::readMore() {
   if (source_ == nullptr) return false;
-  if (next_ != 0) {  // once for a line, however many pieces it comes in
+  if (next_ != 0) {  // once per line, however many reads it takes
     end_ -= next_;
     std::memmove(buffer_.get(), ahead(), end_);
     next_ = 0;
   }
   try {
-    // Asking for a single byte makes the stream fetch as many as it likes, and what it then has it gives without
-    // failing: nothing that was read ahead of a failure is lost.
+    // Requesting one byte makes the stream fetch as many as it likes, and it then returns those without failing:
+    // nothing read before a failure is lost.
     if (source_->sgetc() == std::char_traits<char>::eof()) {
       source_ = nullptr;
     } else {
@@ -111,7 +112,7 @@ bool LineReader::readMore() {
     }
   } catch (const std::bad_alloc&) {
     throw;
-  } catch (const std::exception&) {  // of the stream, a bad disk for example
+  } catch (const std::exception&) {  // from the stream, a bad disk for example
     source_ = nullptr;
     failed_ = true;
   }

@@ -9,32 +9,32 @@
 
 namespace Lumvane {
 
-/// The lines of a LUT text, and how its reading goes.
+/// The lines of a LUT text, and the state of reading it.
 ///
-/// - Lines end in LF or CR. The first line decides which; with CR LF it is LF, and the CR stays at the end of each line,
-///   where it is white space.
+/// - Lines end in LF or CR. The first line decides which; with CR LF it is LF, and the CR stays at the end of each line
+///   as white space.
 /// - Empty lines, lines that hold only a CR, and lines whose very first byte is '#' are skipped anywhere. A line of
 ///   blanks, or blanks and then '#', is not.
-/// - Of a line the first 65536 bytes count, and so does what they hold of a number or a word that runs on behind them:
-///   files take the same small memory whatever their lines.
+/// - Only the first 65536 bytes of a line count; a number or a word that continues past them is cut there. Memory
+///   therefore does not depend on the length of lines.
 class LineReader {
  public:
-  /// Reads `stream` from where it stands. What is read ahead is lost to the stream.
+  /// Reads `stream` from its current position. What is read ahead is lost to the stream.
   explicit LineReader(std::istream& stream);
 
-  /// The first fault, also one that a caller has found and set: nothing is read behind it.
+  /// The first error, which a caller may also set: nothing is read after it.
   LutStatus status = statusOk;
 
-  /// Takes the next line that is not skipped, without its separator and otherwise untrimmed; it holds until more is read.
-  /// False when there is none or `status` is set. The last line may lack its separator: to want one more behind it gives
-  /// statusEndOfFile. Where nothing is left behind a separator, and where the stream fails, it is statusReadFailed.
-  /// Throws std::bad_alloc when memory runs out, as all members do.
+  /// Takes the next line that is not skipped, without its separator and otherwise untrimmed; valid until the next read.
+  /// False when there is none or `status` is set. The last line may lack its separator: requesting another line after
+  /// it gives statusEndOfFile. If the text ends in a separator, or the stream fails, it is statusReadFailed. Throws
+  /// std::bad_alloc when memory runs out, as all members do.
   bool readLine(std::string_view& line);
 
-  /// The line that was taken last comes once more.
+  /// The next readLine returns the last line again.
   void putBack() { again_ = true; }
 
-  /// Takes the next line as a row of three numbers, like scanRow. False as for lines; `values` is then as before.
+  /// Takes the next line as a row of three numbers, like scanRow. False as for lines; `values` is then unchanged.
   bool readRow(float (&values)[3]);
 
  private:
@@ -45,21 +45,21 @@ class LineReader {
   const char* ahead() const { return &buffer_[next_]; }
 
   std::streambuf* source_;          ///< null once it has ended or failed
-  std::unique_ptr<char[]> buffer_;  ///< what counts of a line and, behind it, what the stream gives at a time
+  std::unique_ptr<char[]> buffer_;  ///< a line's bytes that count, then one read from the stream
   size_t next_ = 0;                 ///< where the next line starts
-  size_t end_ = 0;                  ///< of what was read; a NUL stands behind it
-  std::string_view line_;           ///< taken last
+  size_t end_ = 0;                  ///< of the bytes read; a NUL follows
+  std::string_view line_;           ///< the last one taken
   bool again_ = false;
   bool failed_ = false;
   bool lastLineTaken_ = false;  ///< the one without a separator
   char separator_;
 };
 
-/// The first word of a line between white space; empty when there is none.
+/// The first word of a line; empty when there is none.
 std::string_view firstToken(std::string_view line);
 
-/// True for the first token of a table row: "+" < token < ":" in byte order. That takes whatever begins with a digit,
-/// comma, minus, point or slash, and a "+" with something behind it.
+/// True for the first token of a table row: "+" < token < ":" in byte order, that is anything that begins with a digit,
+/// comma, minus, point or slash, and a "+" followed by something.
 bool beginsTable(std::string_view token);
 
 }  // namespace Lumvane

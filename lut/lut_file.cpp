@@ -21,7 +21,7 @@ constexpr size_t kBlock = size_t{1} << 16;
 
 #ifdef _WIN32
 int openForReading(const std::u16string& path) {
-  // Unit by unit, without a conversion: names there may hold halves of surrogate pairs.
+  // Passed on without conversion: names may contain unpaired surrogates.
   return _wopen(std::wstring(path.begin(), path.end()).c_str(), _O_RDONLY | _O_BINARY | _O_NOINHERIT);
 }
 
@@ -31,10 +31,10 @@ bool isRegular(int descriptor) {
 #else
 int openForReading(const std::u16string& path) {
   try {
-    // Without waiting for the other end of a pipe, and without a terminal for the host.
+    // Does not wait for the other end of a pipe, and gives the host no controlling terminal.
     return open(std::filesystem::path(path).c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
   } catch (const std::filesystem::filesystem_error&) {
-    return -1;  // half a surrogate pair has no UTF-8 form: no file can have this name
+    return -1;  // an unpaired surrogate has no UTF-8 form: no file can have this name
   }
 }
 
@@ -48,7 +48,7 @@ bool isRegular(int descriptor) {
 int openAsItStands(const std::u16string& path) {
   errno = 0;
   const int descriptor = openForReading(path);
-  // Memory that has run out is no missing file: the next try may find it.
+  // Running out of memory is not a missing file: the next try may find it.
   if (descriptor < 0 && errno == ENOMEM) throw std::bad_alloc();
   if (descriptor < 0 || isRegular(descriptor)) return descriptor;
   close(descriptor);

@@ -6,15 +6,15 @@
 
 namespace Lumvane {
 
-/// The text of `path` from its last '.' on, dot included, with the letters a to z in upper case; empty when there is
-/// no dot. Directories count as well: "a.b/c" has the extension ".B/C".
+/// The text of `path` from its last '.' on, dot included, with the letters a to z in upper case; empty when there is no
+/// dot. Dots in directories count as well: "a.b/c" has the extension ".B/C".
 std::u16string lutExtension(const std::u16string& path);
 
-/// A file that is read as it stands, with no translation of line ends. Regular files alone are opened: anything else
-/// might keep a host waiting, or never end.
+/// A file read without translation of line endings. Only regular files are opened: anything else might block the host,
+/// or never end.
 ///
-/// POSIX file systems get the path as UTF-8. Hosts that build paths the Windows way still find their files there: a
-/// path that cannot be opened as it stands is tried once more with slashes in place of its backslashes.
+/// On POSIX the path is converted to UTF-8. For hosts that build Windows paths, a path that cannot be opened as it is
+/// is tried again with slashes instead of backslashes.
 class LutFile : public std::streambuf {
  public:
   explicit LutFile(const std::u16string& path);

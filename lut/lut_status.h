@@ -4,15 +4,15 @@
 
 namespace Lumvane {
 
-/// How the last load of a LUT file, or the last frame through it, ended. These codes never leave the library.
+/// The result of the last load of a LUT file, or of the last frame. These codes never leave the library.
 enum LutStatus : int32_t {
   statusOk = 0,
   statusUnloaded = 1,         ///< no reader has run yet
   statusReadFailed = 10,      ///< a line could not be read, or a header line did not convert
-  statusEndOfFile = 12,       ///< another line was wanted at the end of the file
+  statusEndOfFile = 12,       ///< the file ended where another line was required
   statusLineTooLong = 13,     ///< no line terminator within the first 252 bytes
   statusDomainInverted = 22,  ///< a domain minimum is not below its maximum
-  statusSizeInvalid = 23,     ///< no lattice size, or one outside the limits
+  statusSizeInvalid = 23,     ///< no lattice size, or one out of range
   statusTooFewColumns = 24,   ///< fewer than 3 mesh entries
 };
 

@@ -21,7 +21,7 @@ const char* skipWord(const char* text, const char* end, std::string_view word) {
   return text;
 }
 
-// Behind digits with one point and one exponent, whose mark takes a digit in front of it.
+// Skips digits with one point and one exponent, whose mark needs a digit before it.
 const char* skipDigits(const char* text, const char* end, char exponentMark) {
   bool digitSeen = false;
   bool pointSeen = false;
@@ -40,13 +40,13 @@ const char* skipDigits(const char* text, const char* end, char exponentMark) {
   return text;
 }
 
-// Of a number beyond the range of floats, whether it is too large: from the place of its first digit that is no zero.
+// For a number out of range of floats: true when it is too large, by the position of its first nonzero digit.
 bool isLarge(std::string_view number, std::chars_format format) {
   const bool hex = format == std::chars_format::hex;
   const std::string_view digits = number.substr(0, number.find_first_of(hex ? "Pp" : "Ee"));
   const auto point = static_cast<long long>(std::min(digits.find('.'), digits.size()));
   const auto first = static_cast<long long>(digits.find_first_not_of("0."));
-  const long long place = point - first + (first > point);  // of the digit, counted from the point in digits
+  const long long place = point - first + (first > point);  // of the digit, counted in digits from the point
   long long exponent = 0;
   if (digits.size() < number.size()) {
     const char* const end = number.data() + number.size();
@@ -54,21 +54,21 @@ bool isLarge(std::string_view number, std::chars_format format) {
     if (start != end && *start == '+') ++start;
     if (std::from_chars(start, end, exponent).ec == std::errc::result_out_of_range) return *start != '-';
   }
-  // No text is so long that its digits make up for an exponent of this size.
+  // No text is long enough for its digits to compensate an exponent of this size.
   exponent = std::clamp(exponent, -(1LL << 60), 1LL << 60);
   return place * (hex ? 4 : 1) + exponent > 0;
 }
 
-// Where the number ends that begins at `start`, behind its sign; null when there is none.
+// The end of the number that begins at `start`, after its sign; null when there is none.
 const char* convert(const char* start, const char* end, std::chars_format format, bool negative, float& value) {
   float magnitude = 0.0f;
-  const auto [behind, error] = std::from_chars(start, end, magnitude, format);
+  const auto [after, error] = std::from_chars(start, end, magnitude, format);
   if (error == std::errc::invalid_argument) return nullptr;
   if (error == std::errc::result_out_of_range) {
     magnitude = isLarge({start, end}, format) ? std::numeric_limits<float>::infinity() : 0.0f;
   }
   value = negative ? -magnitude : magnitude;
-  return behind;
+  return after;
 }
 
 const char* skipSign(const char* text, const char* end, bool& negative) {
@@ -82,43 +82,43 @@ const char* skipSign(const char* text, const char* end, bool& negative) {
 const char* scanNumber(const char* text, const char* end, float& value) {
   bool negative;
   const char* const start = skipSign(text, end, negative);
-  const char* behind = nullptr;
+  const char* after = nullptr;
   if (start != end && (lower(*start) == 'n' || lower(*start) == 'i')) {
-    if ((behind = skipWord(start, end, "inf")) != nullptr) {
-      // One letter more, and it has to be the whole word.
-      if (behind != end && lower(*behind) == 'i') behind = skipWord(start, end, "infinity");
+    if ((after = skipWord(start, end, "inf")) != nullptr) {
+      // With one more letter it must be the whole word.
+      if (after != end && lower(*after) == 'i') after = skipWord(start, end, "infinity");
     } else {
-      behind = skipWord(start, end, "nan");
+      after = skipWord(start, end, "nan");
     }
-    if (behind == nullptr) return nullptr;
-    convert(start, behind, std::chars_format::general, negative, value);
-    return behind;
+    if (after == nullptr) return nullptr;
+    convert(start, after, std::chars_format::general, negative, value);
+    return after;
   }
   if (const char* const digits = skipWord(start, end, "0x")) {
-    behind = skipDigits(digits, end, 'p');
-    if (behind == digits) return nullptr;
-    if (convert(digits, behind, std::chars_format::hex, negative, value) == nullptr) value = negative ? -0.0f : 0.0f;
-    return behind;
+    after = skipDigits(digits, end, 'p');
+    if (after == digits) return nullptr;
+    if (convert(digits, after, std::chars_format::hex, negative, value) == nullptr) value = negative ? -0.0f : 0.0f;
+    return after;
   }
-  behind = skipDigits(start, end, 'e');
-  return convert(start, behind, std::chars_format::general, negative, value) != nullptr ? behind : nullptr;
+  after = skipDigits(start, end, 'e');
+  return convert(start, after, std::chars_format::general, negative, value) != nullptr ? after : nullptr;
 }
 
 const char* extractNumber(const char* text, const char* end, float& value) {
   bool negative;
   const char* const start = skipSign(text, end, negative);
-  const char* const behind = skipDigits(start, end, 'e');
+  const char* const after = skipDigits(start, end, 'e');
   float extracted;
-  if (behind == start || convert(start, behind, std::chars_format::general, negative, extracted) != behind ||
+  if (after == start || convert(start, after, std::chars_format::general, negative, extracted) != after ||
       std::isinf(extracted)) {
     return nullptr;
   }
   value = extracted;
-  return behind;
+  return after;
 }
 
 void scanRow(std::string_view line, float (&values)[3]) {
-  const char* const end = std::find(line.begin(), line.end(), '\0');  // where a C text ends
+  const char* const end = std::find(line.begin(), line.end(), '\0');  // where a C string ends
   const char* text = line.data();
   for (float& value : values) {
     text = scanNumber(text, end, value);

@@ -1,11 +1,11 @@
 // The .3DL text format: header lines, a mesh line, then rows with blue fastest.
 //
-// - Every line ahead of the mesh line is passed over; what "3DMESH" and "Mesh" lines say has no effect. The mesh line is
-//   the first whose first token begins a number.
-// - The lattice has as many points per axis as the mesh line has entries, and only single blanks separate these: a
-//   blank at the end of the line, or two in a row, counts as one entry more, and a tab as none. The numbers themselves
+// - All lines before the mesh line are skipped; "3DMESH" and "Mesh" lines have no effect. The mesh line is the first
+//   whose first token begins a number.
+// - The lattice has as many points per axis as the mesh line has entries, separated by single blanks only: a blank at
+//   the end of the line, or two in a row, counts as an extra entry, and a tab does not separate. The numbers themselves
 //   are not read.
-// - Values are on a 12-bit scale, 4095 for full, whatever the header says: tables of 10 bits come out dark.
+// - Values are on a 12-bit scale, 4095 for full, whatever the header says: 10-bit tables come out dark.
 
 #include <algorithm>
 
@@ -32,7 +32,7 @@ LutHeader read3dlHeader(LineReader& text) {
     if (!text.readLine(line)) return header;
   } while (!isMeshLine(line));
   std::vector<std::string_view> mesh;
-  // Counted first: a piece takes many times the memory of the blank that makes it, and there may be thousands.
+  // Counted first: a field takes many times the memory of its blank, and there may be thousands.
   if (std::count(line.begin(), line.end(), ' ') >= kLatticeStride) {
     text.status = statusSizeInvalid;
   } else if (CubeLut::splitFields(line, mesh); mesh.size() < kFewestPoints) {

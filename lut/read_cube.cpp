@@ -1,10 +1,10 @@
 // The .CUBE text format: a header of keyword lines, then rows with red fastest.
 //
-// - Keywords are case-sensitive, may come in any order, and count at their first occurrence only: LUT_3D_SIZE
-//   (required), DOMAIN_MIN, DOMAIN_MAX. Any other line is passed over, titles and one-dimensional sizes among them, up
-//   to the first line whose first token begins a number: that one is the first row. A line of blanks is refused.
-// - The domain scales the output. A value v of channel c becomes v * (max[c] - min[c]) * 255; the minimum is no offset,
-//   and the inputs always spread 0 to 255 evenly over the lattice.
+// - Keywords are case-sensitive, may come in any order, and only their first occurrence counts: LUT_3D_SIZE (required),
+//   DOMAIN_MIN, DOMAIN_MAX. Other lines, such as titles and one-dimensional sizes, are skipped, up to the first line
+//   whose first token begins a number: that one is the first row. A line of blanks is refused.
+// - The domain scales the output. A value v of channel c becomes v * (max[c] - min[c]) * 255; the minimum is not an
+//   offset, and the inputs 0 to 255 are always spread evenly over the lattice.
 
 #include <charconv>
 #include <utility>
@@ -16,9 +16,9 @@ namespace Lumvane {
 namespace {
 
 constexpr int kSmallestSize = 2;
-constexpr int kLargestSizeInHeader = 256;  // what a header may ask for; each table sets a limit of its own
+constexpr int kLargestSizeInHeader = 256;  // in a header; each table has its own limit
 
-// False when there are fewer than three numbers; those that are there are stored.
+// False when there are fewer than three numbers; those present are stored.
 bool extractColor(std::string_view text, float (&values)[3]) {
   const char* next = text.data();
   for (float& value : values) {
@@ -28,7 +28,7 @@ bool extractColor(std::string_view text, float (&values)[3]) {
   return true;
 }
 
-// 0 when there is no number, or one beyond the range.
+// 0 when there is no number, or it is out of range.
 int extractSize(std::string_view text) {
   text = firstToken(text);
   if (text.starts_with('+')) text.remove_prefix(1);
@@ -39,7 +39,7 @@ int extractSize(std::string_view text) {
 
 }  // namespace
 
-// Of several faults, a line that fails comes before a missing size, and that before an inverted domain.
+// Of several errors, a line that fails is reported before a missing size, and that before an inverted domain.
 LutHeader readCubeHeader(LineReader& text) {
   LutHeader header;
   float domainMin[3] = {0.0f, 0.0f, 0.0f}, domainMax[3] = {1.0f, 1.0f, 1.0f};

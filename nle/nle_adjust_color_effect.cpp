@@ -17,7 +17,7 @@ bool NLEAdjustColorEffect::SetParameter(const char* name, NLEFilterValue input) 
     found->second->SetValue(input);
     return true;
   }
-  // Whole before it is inserted: when memory runs out, the map stays as it was.
+  // Complete before it is inserted: when memory runs out, the map stays unchanged.
   const auto entry = std::make_shared<NLEFilterParams>();
   entry->type = NLEFilterParams::kPlain;
   entry->key = entry->name = name;

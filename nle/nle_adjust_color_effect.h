@@ -11,7 +11,7 @@
 
 namespace Lumvane {
 
-/// A frame as an entry point hands it to an effect; owns nothing and lives for the call.
+/// A frame as an entry point passes it to an effect; owns nothing and is valid for the call.
 struct NLEFrameDesc {
   uint8_t* data = nullptr;
   int width = 0;
@@ -19,11 +19,11 @@ struct NLEFrameDesc {
   int stride = 0;  ///< bytes from row to row, as the host passed it
 };
 
-/// Base of the effects that keep their settings as named parameters. What it does by itself is nothing; a derived class
-/// overrides Init, Process and the destructor. An object serves one caller at a time.
+/// Base of effects that keep their settings as named parameters. By itself it does nothing; a derived class overrides
+/// Init, Process and the destructor. An object serves one caller at a time.
 class NLEAdjustColorEffect {
  public:
-  /// `context` is kept as long as the effect and not looked into; it may be empty.
+  /// `context` lives as long as the effect and is not used; it may be empty.
   explicit NLEAdjustColorEffect(std::shared_ptr<void> context) : sharedContext(std::move(context)) {}
   NLEAdjustColorEffect(const NLEAdjustColorEffect&) = delete;
   NLEAdjustColorEffect& operator=(const NLEAdjustColorEffect&) = delete;
@@ -35,23 +35,23 @@ class NLEAdjustColorEffect {
   virtual ~NLEAdjustColorEffect() = default;
   virtual int ReservedInt() { return 0; }
 
-  /// Takes over the settings. 0 is success; any other value makes the creation of the effect fail.
+  /// Stores the settings. 0 is success; any other value makes the creation of the effect fail.
   virtual int Init(int width, int height, int reserved, int saturation, int intensity);
 
-  /// Renders src into dst. 0 is success, any other value rejection.
+  /// Renders src into dst. 0 is success, any other value means that the frame was refused.
   virtual int Process(const NLEFrameDesc& blank, const NLEFrameDesc& src, const NLEFrameDesc& dst, int width,
                       int height, int dstStride);
   virtual bool ReservedFlag() { return false; }
 
-  /// Keeps a header over the pixels of `input`.
+  /// Keeps a matrix header over the pixels of `input`.
   virtual void SetAttachedMat(const cv::Mat& input) { attachedMat = input; }
   virtual void ReservedNotify() {}
   virtual std::pair<uint64_t, uint64_t> ReservedPair() { return {0, 0}; }
 
-  /// Sets the parameter `name`, making it when there is none. Always true.
+  /// Sets the parameter `name`, creating it if necessary. Always true.
   bool SetParameter(const char* name, NLEFilterValue input);
 
-  /// False, with `output` as it was, when there is no parameter `name`.
+  /// False, with `output` unchanged, when there is no parameter `name`.
   bool GetParameter(const char* name, NLEFilterValue& output) const;
 };
 

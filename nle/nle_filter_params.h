@@ -5,22 +5,22 @@
 
 namespace Lumvane {
 
-/// The value of a parameter on its way in or out. A whole number stands in the low half of `number`, as a 32-bit int.
+/// The value of a parameter, passed in or out. An integer is in the low half of `number`, as a 32-bit int.
 struct NLEFilterValue {
   uint64_t number = 0;
   std::string text;
-  int type = 0;  ///< 0 on the way in; the parameter's type on the way out
+  int type = 0;  ///< 0 when passed in; the parameter's type when passed out
 };
 
 /// One named parameter of an effect.
 class NLEFilterParams {
  public:
   static constexpr int kPlain = 5;
-  static constexpr int kFilePath = 6;  ///< the text is a path, and loses a "file:/" in it
+  static constexpr int kFilePath = 6;  ///< the text is a path, from which "file:/" is removed
 
   std::string key;
   std::string name;  ///< the same text as `key`
-  int type;          ///< kPlain or kFilePath; whoever makes the record sets it
+  int type;          ///< kPlain or kFilePath; set by the creator
   bool flag = true;
   NLEFilterValue auxValues[3];
   NLEFilterValue value;

@@ -1,4 +1,4 @@
-/* A host in C: everything it knows of the library is lumvane.h, everything it links is the shared object. */
+/* A C host that uses only lumvane.h and links only the shared object. */
 #include <stddef.h>
 #include <stdio.h>
 
@@ -38,6 +38,6 @@ int main(int argc, char** argv) {
   DestroyVideoAdjustColor(NULL);
 
   printf("%d %d %d %d\n", dst[0], dst[1], dst[2], dst[3]);
-  /* Black and white, on the warm side: blue below green below red. */
+  /* A warm black-and-white look: blue below green below red. */
   return dst[0] < dst[1] && dst[1] < dst[2] && dst[3] == 255 ? 0 : 5;
 }

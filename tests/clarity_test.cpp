@@ -35,10 +35,10 @@ Frame noiseFrame(int width, int height) {
   return frame;
 }
 
-TEST(Clarity, TakesNothingFromTheFramesBefore) {
+TEST(Clarity, DoesNotDependOnEarlierFrames) {
   const Clarity clarity(640, 360, 40, 80);
   for (const auto& [width, height] : {std::pair{64, 48}, {48, 64}, {48, 90}, {200, 100}, {1, 1}, {64, 48}}) {
-    // As after a frame whose planes did not all find memory.
+    // As after a frame whose planes were only partly allocated.
     if (!clarity.effect().pyramid.rebuilt.empty()) clarity.effect().pyramid.rebuilt[2].release();
     clarity.effect().pyramid.scratch.clear();
     clarity.effect().pyramid.gaussian.resize(2);
@@ -49,23 +49,23 @@ TEST(Clarity, TakesNothingFromTheFramesBefore) {
   }
 }
 
-TEST(Clarity, ReadsItsParametersFromTheStore) {
+TEST(Clarity, ReadsItsNamedParameters) {
   const auto effect = std::make_unique<Lumvane::NLEPureCClarity>(nullptr);
   effect->levels = 5;
   Frame src = noiseFrame(40, 30), dst(40, 30), expected(40, 30);
   EXPECT_EQ(effect->Process({}, {src.data(), 40, 30, 0}, {dst.data(), 40, 30, 0}, 40, 30, 0), 0);
-  const Clarity full(40, 9, 100, 100);  // of five levels, too
+  const Clarity full(40, 9, 100, 100);  // of five levels as well
   EXPECT_EQ(full.effect().levels, 5);
   full.process(expected, src);
-  EXPECT_EQ(dst.bytes, expected.bytes) << "what is missing counts as 100";
+  EXPECT_EQ(dst.bytes, expected.bytes) << "a missing parameter counts as 100";
   effect->Init(40, 30, 0, -7, -1);
   Lumvane::NLEFilterValue value;
   EXPECT_TRUE(effect->GetParameter("saturation", value));
   EXPECT_EQ(value.number, 0xFFFFFFF9u) << "the high half is 0";
 }
 
-// Of uniform frames the definition of hue, saturation and value tells the colours.
-TEST(Clarity, TurnsUniformFramesIntoTheirKnownColours) {
+// For uniform frames the definition of hue, saturation and value gives the colours.
+TEST(Clarity, GivesKnownColoursForUniformFrames) {
   struct Case {
     int saturation;
     Bytes pixel, expected;
@@ -92,7 +92,7 @@ TEST(Clarity, TurnsUniformFramesIntoTheirKnownColours) {
   }
 }
 
-TEST(Clarity, RejectsWhatIsNoFrameAndLeavesTheDestination) {
+TEST(Clarity, RejectsInvalidFramesAndKeepsTheDestination) {
   const Clarity clarity(16, 16, 50, 50);
   Frame src = noiseFrame(16, 16), dst(16, 16);
   const Bytes before = dst.bytes;
@@ -118,8 +118,8 @@ TEST(Clarity, RejectsWhatIsNoFrameAndLeavesTheDestination) {
   EXPECT_EQ(clarity.process(dst, src), 1);
 }
 
-// The frame that is rendered is the one that was there before, however the two lie.
-TEST(Clarity, RendersTheSourceAsItWasWhereTheFramesOverlap) {
+// The source is what the buffer held before the call, however the two frames overlap.
+TEST(Clarity, RendersTheOriginalSourceOfOverlappingFrames) {
   constexpr int kWidth = 300, kHeight = 200, kRow = 4 * kWidth;
   const Bytes src = noiseFrame(kWidth, kHeight).packed();
   struct Case {
@@ -154,7 +154,7 @@ TEST(Clarity, RendersTheSourceAsItWasWhereTheFramesOverlap) {
 }
 
 #ifdef __x86_64__
-// Bit for bit what OpenCV gives here, where its builds fuse no multiply and add.
+// Bit for bit OpenCV's result here, where its builds do not fuse multiply and add.
 class Pyramid : public test::EveryTarget {};
 INSTANTIATE_TEST_SUITE_P(On, Pyramid, test::everyTarget(), test::targetName);
 
@@ -191,7 +191,7 @@ TEST_P(Pyramid, GivesTheFloatsOfOpenCv) {
 }
 #endif
 
-// A level more than there should be shows in no byte.
+// An extra level shows in no byte.
 TEST(ClarityPyramid, HasALevelForEachHalvingOfTheShorterSide) {
   for (const auto& [side, levels] :
        {std::pair{INT_MIN, 1}, {1, 1}, {2, 2}, {3, 3}, {4, 3}, {64, 7}, {65, 8}, {INT_MAX, 8}}) {
@@ -200,8 +200,8 @@ TEST(ClarityPyramid, HasALevelForEachHalvingOfTheShorterSide) {
   }
 }
 
-// The weight is the exponential rounded correctly, which C libraries do not promise. What bytes of a frame hide as long
-// as it is small.
+// The weight is the correctly rounded exponential, which C libraries do not promise. Small errors would not show in the
+// bytes of a frame.
 TEST(ClarityRows, WeighDetailsByTheCorrectlyRoundedExponential) {
   std::vector<float> fine(1 << 20), zeros(fine.size()), out(fine.size());
   for (size_t i = 0; i < fine.size(); ++i) fine[i] = static_cast<float>(i) * 0x1p-20f;

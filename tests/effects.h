@@ -1,4 +1,4 @@
-// All effects at once, as a host sees them: through the functions of lumvane.h alone.
+// All effects, as a host sees them: through the functions of lumvane.h alone.
 #pragma once
 
 #include <filesystem>
@@ -13,11 +13,11 @@
 
 namespace test {
 
-/// Renders a BGRA frame; strides as the effect takes them, and of the same size.
+/// Renders a BGRA frame; strides as the effect defines them, one size for both frames.
 using Render =
     std::function<void(uint8_t* dst, int dstStride, const uint8_t* src, int srcStride, int width, int height)>;
 
-/// The functions of lumvane.h under their own names, linked or looked up.
+/// The functions of lumvane.h by name, linked or looked up.
 struct Library {
 #define LUMVANE_EXPORT(name) decltype(&::name) name = nullptr;
 #include "cmake/exports.inc"
@@ -30,7 +30,7 @@ struct Library {
       process(effect.get(), dst, width, height, dstStride, src, 0, 0, srcStride, strength);
     };
   }
-  /// An effect for each frame, made for frames of `side` pixels both ways, or for the frame's own size.
+  /// A new effect for each frame, made for frames of `side` by `side` pixels, or for the frame's own size.
   Render clarity(int saturation, int intensity, int side = 0) const {
     return [=, *this](uint8_t* dst, int dstStride, const uint8_t* src, int srcStride, int width, int height) {
       void* const effect =
@@ -54,13 +54,13 @@ inline const Library kLinked = {
 };
 #endif
 
-/// LUT files in a folder of their own: look.cube, look.3dl, tiny.cube, and the two for HDR.
+/// LUT files in their own folder: look.cube, look.3dl, tiny.cube, and the two for HDR.
 class LutFolder {
  public:
   LutFolder() {
     std::string threeDl = "0 512 1023\n", tiny = "LUT_3D_SIZE 2\nDOMAIN_MAX 1e36 1e36 1e36\n";
     for (int i = 0; i < 27; ++i) threeDl += std::to_string(4000 - i * 100) + " " + std::to_string(i * 151) + ".5 1e3\n";
-    // Numbers too small for a normal float, that the domain brings back to the range of colours.
+    // Numbers too small for a normal float, which the domain scales back to the range of colours.
     for (int i = 1; i <= 8; ++i) tiny += "1e-38 " + std::to_string(i) + "e-39 2.00000000000000000000001e-39\n";
     const std::filesystem::path folder = path;
     std::ofstream(folder / "look.cube") << cube(5, "0.1");
@@ -69,7 +69,7 @@ class LutFolder {
   }
 
  private:
-  // All the ways in which numbers are read: header and rows, plain decimals, exponents, hexadecimal ones, long ones.
+  // All forms in which numbers are read: in header and rows, plain decimals, exponents, hexadecimal, long ones.
   static std::string cube(int size, const std::string& lift) {
     std::string text =
         "TITLE \"a title of more letters than a short string holds\"\nDOMAIN_MIN -0.125 0 0\nLUT_3D_SIZE " +
@@ -87,7 +87,7 @@ class LutFolder {
   const std::u16string path = hdr_.folder();
 };
 
-/// What every effect makes of a frame of noise, loads included, one behind the other; without HDR where its function is
+/// The output of every effect for a frame of noise, loading included, concatenated; without HDR if its function is
 /// missing.
 inline Bytes renderAll(const Library& lib, const std::u16string& folder, int width, int height) {
   const Bytes src = noise(size_t{4} * width * height, 1);

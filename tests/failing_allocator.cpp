@@ -1,16 +1,14 @@
 #include "tests/failing_allocator.h"
 
+#include <dlfcn.h>
 #include <malloc.h>
+#include <pthread.h>
 
 #include <atomic>
 #include <cerrno>
 #include <cstdlib>
 #include <new>
 
-// Sanitizers bring a malloc family of their own.
-#if defined(__GLIBC__) && !defined(LUMVANE_SANITIZED)
-#define LUMVANE_OWN_MALLOC 1
-#endif
 #ifdef _WIN32
 #define malloc_usable_size _msize
 #endif
@@ -20,6 +18,7 @@ namespace {
 thread_local long countdown = 0;  // 0: nothing fails
 thread_local bool fromThenOn = false;
 thread_local long failures = 0;
+std::atomic<bool> threadsRefused = false;
 std::atomic<long> live = 0;
 std::atomic<size_t> inUse = 0, mostInUse = 0;  // bytes
 
@@ -66,6 +65,8 @@ long stopFailing() {
   return failures;
 }
 
+void refuseThreads() { threadsRefused = true; }
+
 long liveBlocks() { return live; }
 
 size_t mostMemoryOf(const std::function<void()>& run) {
@@ -102,6 +103,11 @@ void* realloc(void* block, size_t bytes) {
   return fails() ? nullptr : counted(__libc_realloc(uncounted(block), bytes));
 }
 void free(void* block) { __libc_free(uncounted(block)); }
+
+int pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*run)(void*), void* argument) {
+  static const auto real = reinterpret_cast<decltype(&pthread_create)>(dlsym(RTLD_NEXT, "pthread_create"));
+  return threadsRefused ? EAGAIN : real(thread, attributes, run, argument);
+}
 
 }  // extern "C"
 

@@ -5,6 +5,11 @@
 #include <cstddef>
 #include <functional>
 
+// Sanitizers bring a malloc family of their own.
+#if defined(__GLIBC__) && !defined(LUMVANE_SANITIZED)
+#define LUMVANE_OWN_MALLOC 1
+#endif
+
 namespace test {
 
 enum class Failing { kOnce, kFromThenOn };
@@ -14,6 +19,9 @@ void startFailing(long which, Failing failing);
 
 /// Ends that and returns how many allocations have failed.
 long stopFailing();
+
+/// From now on no thread can be made, as where a container has reached its limit. With our own malloc alone.
+void refuseThreads();
 
 /// Blocks of memory that all threads have and have not given back.
 long liveBlocks();

@@ -1,9 +1,9 @@
-// Takes the seeds of a fuzzer, and every input that ever broke something, through its target one by one, with any
-// compiler and without the fuzzer itself:
+// Runs the seeds of a fuzzer, and every input that ever failed, through its target one by one, with any compiler and
+// without the fuzzer itself:
 //   replay_KIND [--print] FUZZ KIND [OTHER_KIND]
-// takes all files of seeds/KIND and regressions/KIND in the folder FUZZ, and those of the other kind. What a reader
-// makes of them is on record in seeds/results.txt, where each has its line, "KIND/FILE RESULT"; --print prints the
-// lines, to make that file anew.
+// reads all files of seeds/KIND and regressions/KIND in the folder FUZZ, and those of the other kind. The expected
+// results of readers are in seeds/results.txt, one line "KIND/FILE RESULT" each; --print prints these lines, to
+// regenerate that file.
 
 #include <algorithm>
 #include <cstdint>
@@ -45,9 +45,9 @@ int main(int argc, char** argv) {
   for (const fs::path& file : files) {
     std::ifstream stream(file, std::ios::binary);
     const std::vector<char> bytes{std::istreambuf_iterator<char>(stream), {}};
-    // Of exactly its size, so that the address sanitizer sees a byte read beyond it.
+    // Of its exact size, so that the address sanitizer sees a byte read past it.
     const std::vector<uint8_t> input(bytes.begin(), bytes.end());
-    std::fprintf(stderr, "%s\n", file.string().c_str());  // ahead of its run: the last one named is the one that failed
+    std::fprintf(stderr, "%s\n", file.string().c_str());  // before its run: the last one printed is the one that failed
     LLVMFuzzerTestOneInput(input.data(), input.size());
     if (!fuzz::result) continue;
     const std::string line = prefix + file.filename().string() + " " + fuzz::result();

@@ -1,5 +1,5 @@
-// Frames that lie against pages that nobody may touch, through every export and on every target: what is read or
-// written beyond the rows ends the program, and what changes between them is found.
+// Frames next to inaccessible pages, through every export and on every target: access outside the rows ends the
+// program, and changes between them are detected.
 
 #include <gtest/gtest.h>
 
@@ -19,7 +19,7 @@ const std::vector<RowLayout> kDownwards = {{kPacked, false, false},      {kPacke
 const std::vector<RowLayout> kUpwards = {
     {kPadded, false, true}, {kPadded, true, true}, {kPageBetween, false, true}, {kPageBetween, true, true}};
 
-// All widths up to more than four of the widest vectors, and a few frames that are spread over threads.
+// All widths up to more than four of the widest vectors, and a few frames that use threads.
 std::vector<std::pair<int, int>> sizes() {
   std::vector<std::pair<int, int>> result = {{101, 100}, {1301, 8}, {10007, 1}, {70, 143}};
   for (int width = 1; width <= 70; ++width) {
@@ -28,7 +28,7 @@ std::vector<std::pair<int, int>> sizes() {
   return result;
 }
 
-// Renders apart and in place, in every layout, and compares with what comes of ordinary memory.
+// Renders separately and in place, in every layout, and compares with the result in ordinary memory.
 void expectRowsAlone(const std::vector<RowLayout>& layouts, const test::Render& render) {
   for (const auto& [width, height] : sizes()) {
     const std::vector<uint8_t> pixels = test::noise(size_t{4} * width * height, static_cast<unsigned>(width + height));
@@ -63,7 +63,7 @@ TEST_P(GuardPages, BoundFrames) {
   expectRowsAlone({kDownwards[0], kDownwards[1]}, test::kLinked.whiteBalance(0.2f, -0.1f));
 }
 
-using Planes = test::Yv12<GuardedPlane>;  // each between pages of its own
+using Planes = test::Yv12<GuardedPlane>;  // each between its own pages
 
 TEST_P(GuardPages, BoundHdrFrames) {
   const test::HdrFolder folder(test::negativeCube(), "");

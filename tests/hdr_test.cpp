@@ -1,5 +1,5 @@
-// The HDR LUT files are loaded once a process: ctest runs each of these tests in a process of its own. Run all at once,
-// they take the shared data back to its start in between.
+// The HDR LUT files are loaded once per process: ctest runs each of these tests in its own process. Run together, they
+// reset the shared data in between.
 
 #include <gtest/gtest.h>
 
@@ -26,7 +26,7 @@ struct Object {
   ~Object() { DestroyVideoAdjustColor(handle); }
 };
 
-// A frame of this many rows of 100 pixels: from 100 on it goes through the cache, below through the lattice.
+// A frame of this many rows of 100 pixels: a large one from 100 rows on, a small one below.
 Bytes frameOf(const HdrFolder& folder, bool pq, int rows, int reserved = 0) {
   const Object object(folder.folder(), 0, pq, 100, rows);
   Yv12Frame src(100, rows), dst(100, rows);
@@ -35,12 +35,13 @@ Bytes frameOf(const HdrFolder& folder, bool pq, int rows, int reserved = 0) {
   Yv12Frame inPlace = src;
   EXPECT_TRUE(inPlace.processTo(inPlace, object.handle));
   EXPECT_EQ(inPlace.packed(), dst.packed());
-  // Which pass ran: the one for small frames leaves byte 3 alone.
+  // The small-frame path leaves byte 3 unchanged.
   EXPECT_EQ(object.handle->rgbaOut[3], rows >= 100 ? 255 : 0);
   return dst.packed();
 }
 
-// Both passes, pixel for pixel: 99 rows are 100 rows but for the last pair, whose chroma looks at what lies below.
+// Both paths, pixel for pixel: the first rows are the same, but the last pair of the small frame depends on the rows
+// below it.
 void expectFrames(const HdrFolder& folder, bool pq, bool black) {
   const Bytes small = frameOf(folder, pq, 98), large = frameOf(folder, pq, 100, 12345);
   EXPECT_TRUE(std::equal(small.begin(), small.begin() + 9700, large.begin())) << "luma";
@@ -54,13 +55,13 @@ class Hdr : public testing::Test {
   void TearDown() override { dropHdrData(); }
 };
 
-TEST_F(Hdr, LoadsOnceAProcess) {
+TEST_F(Hdr, LoadsOncePerProcess) {
   EXPECT_EQ(CreateVideoAdjustColor(nullptr, 0, 0, 0, 8, 8), nullptr);
   EXPECT_FALSE(hdrDataLoaded());
   DestroyVideoAdjustColor(nullptr);
   const HdrFolder folder(randomCube(17), randomCube(33)), other(randomCube(7), randomCube(7));
   const Object first(folder.folder(), 1, 0, 8, 8), second(other.folder(), 0, 0, 8, 8);
-  EXPECT_EQ(first.handle->latticeSize, 33) << "of the file read last";
+  EXPECT_EQ(first.handle->latticeSize, 33) << "of the last file read";
   EXPECT_EQ(first.handle->cell[255], 32);
   EXPECT_EQ(second.handle->latticeSize, 0);
   EXPECT_EQ(hdrTransferData(false).latticeSize, 17);
@@ -70,7 +71,7 @@ TEST_F(Hdr, LoadsOnceAProcess) {
   EXPECT_NE(frameOf(other, false, 98), frameOf(other, true, 98));
 }
 
-TEST_F(Hdr, RefusesFramesThatDoNotFit) {
+TEST_F(Hdr, RefusesSizesOutOfRange) {
   const HdrFolder folder(randomCube(2), randomCube(2));
   for (const auto& [width, height] : {std::pair{-1, 5},
                                       {5, -1},
@@ -92,18 +93,18 @@ TEST_F(Hdr, RefusesFramesThatDoNotFit) {
   expectFrames(folder, false, false);
 }
 
-// What a pair of files leaves behind, of which one has a fault or is not there.
+// The state after loading a pair of files of which one is bad or missing.
 struct Pair {
   const char* name;
   std::string hlg, pq;
-  int hlgSize, pqSize;  // shared, as the frames see them
+  int hlgSize, pqSize;  // shared, used by the frames
   bool hlgBlack, pqBlack, loadOk;
-  int lastCell;  // of the object's own tables: they are only made for a header without a fault
+  int lastCell;  // of the object's own tables, which are only filled for a valid header
 };
 void PrintTo(const Pair& pair, std::ostream* out) { *out << pair.name; }
 class HdrPair : public testing::TestWithParam<Pair> {};
 
-TEST_P(HdrPair, LeavesWhatWasReadSoFar) {
+TEST_P(HdrPair, KeepsWhatWasRead) {
   const Pair& pair = GetParam();
   dropHdrData();
   const HdrFolder folder(pair.hlg, pair.pq);
@@ -123,8 +124,7 @@ INSTANTIATE_TEST_SUITE_P(
     Of, HdrPair,
     testing::Values(
         Pair{"GoodOnes", kGood, randomCube(9), 5, 9, false, false, true, 8},
-        Pair{"NoFiles", "", "", 0, 0, true, true, false, 0}, Pair{"NoPq", kGood, "", 5, 0, false, true, true, 4},
-        Pair{"NoHlg", "", kGood, 0, 5, true, false, true, 4},
+        Pair{"NoFiles", "", "", 0, 0, true, true, false, 0}, Pair{"NoHlg", "", kGood, 0, 5, true, false, true, 4},
         Pair{"SizeRefusedAtOnce", kGood, "LUT_3D_SIZE 66\n0 0 0\n", 5, 66, false, true, false, 4},
         Pair{"SizeBeyondTheHeader", kGood, "TITLE t\nLUT_3D_SIZE 300\n", 5, 5, false, true, false, 4},
         Pair{"NoSize", kGood, "TITLE t\n0 0 0\n", 5, 5, false, true, false, 4},
@@ -133,7 +133,7 @@ INSTANTIATE_TEST_SUITE_P(
         Pair{"DomainInverted", kGood, "LUT_3D_SIZE 4\nDOMAIN_MIN 1 1 1\n0 0 0\n", 5, 4, false, true, false, 4},
         Pair{"EndsInTheHeader", kGood, "LUT_3D_SIZE 65\n", 5, 65, false, true, false, 4},
         Pair{"EndsAmongTheRows", kGood, kShort, 5, 4, false, false, false, 3},
-        // A refused size stays with the object, so that a file without one is refused for it, too.
+        // A refused size stays with the object, so a file without a size is refused as well.
         Pair{"SizeInherited", "LUT_3D_SIZE 100\n0 0 0\n", "TITLE t\n0 0 0\n", 100, 100, true, true, false, 0}),
     [](const auto& info) { return info.param.name; });
 

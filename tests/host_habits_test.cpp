@@ -1,4 +1,4 @@
-// What a host may do around a call without changing a byte that comes of it.
+// Nothing in a host's environment changes a byte: locale, floating-point mode, threads, stack.
 
 #include <gtest/gtest.h>
 #include <pthread.h>
@@ -20,11 +20,11 @@ namespace {
 
 using Work = std::function<void()>;
 
-struct Habit {
+struct Environment {
   const char* name;
-  std::function<void(const Work&)> around;  ///< does the work its way, and then is as before
+  std::function<void(const Work&)> around;  ///< runs the work in this environment, then restores the previous one
 };
-void PrintTo(const Habit& habit, std::ostream* out) { *out << habit.name; }
+void PrintTo(const Environment& environment, std::ostream* out) { *out << environment.name; }
 
 void withCommaLocale(const Work& work) {
   struct CommaPunctuation : std::numpunct<char> {
@@ -33,36 +33,36 @@ void withCommaLocale(const Work& work) {
     std::string do_grouping() const override { return "\3"; }
   };
   const std::locale before = std::locale::global(std::locale(std::locale::classic(), new CommaPunctuation));
-  // Where it is not installed, the C++ locale alone has the comma.
+  // If that locale is not installed, only the C++ locale has the comma.
   std::setlocale(LC_ALL, "de_DE.UTF-8");
   work();
   std::setlocale(LC_ALL, "C");
   std::locale::global(before);
 }
 
-// The modes of floating point; on x86 those of the register that counts, which not every system's <cfenv> has in it.
+// The floating-point mode; on x86 from the register that matters, which <cfenv> does not set on every system.
 unsigned floatModes() {
 #ifdef __SSE__
-  return _mm_getcsr() & ~0x3Fu;  // without the flags that operations raise
+  return _mm_getcsr() & ~0x3Fu;  // without the exception flags
 #else
   return static_cast<unsigned>(std::fegetround());
 #endif
 }
 
-// Does the work in other modes, which have to be found unchanged behind it.
-Habit floatHabit(const char* name, void (*enter)()) {
+// Runs the work in another mode, which must be unchanged afterwards.
+Environment floatMode(const char* name, void (*enter)()) {
   return {name, [enter](const Work& work) {
             std::fenv_t before;
             std::fegetenv(&before);
             enter();
             const unsigned entered = floatModes();
             work();
-            const unsigned behind = floatModes();
+            const unsigned after = floatModes();
             std::fesetenv(&before);
 #ifdef __SSE__
             _mm_setcsr(0x1F80);
 #endif
-            EXPECT_EQ(behind, entered);
+            EXPECT_EQ(after, entered);
           }};
 }
 
@@ -90,19 +90,19 @@ void onSmallStack(const Work& work) {
   pthread_join(thread, nullptr);
 }
 
-const Habit kHabits[] = {
+const Environment kEnvironments[] = {
     {"DecimalComma", withCommaLocale},
 #ifdef __SSE__
-    floatHabit("FlushToZero", [] { _mm_setcsr(_mm_getcsr() | 0x8000); }),
-    floatHabit("DenormalsAreZero", [] { _mm_setcsr(_mm_getcsr() | 0x8040); }),
+    floatMode("FlushToZero", [] { _mm_setcsr(_mm_getcsr() | 0x8000); }),
+    floatMode("DenormalsAreZero", [] { _mm_setcsr(_mm_getcsr() | 0x8040); }),
 #endif
-    floatHabit("RoundsUp", [] { std::fesetround(FE_UPWARD); }),
-    floatHabit("RoundsDown", [] { std::fesetround(FE_DOWNWARD); }),
-    floatHabit("RoundsTowardZero", [] { std::fesetround(FE_TOWARDZERO); }),
+    floatMode("RoundsUp", [] { std::fesetround(FE_UPWARD); }),
+    floatMode("RoundsDown", [] { std::fesetround(FE_DOWNWARD); }),
+    floatMode("RoundsTowardZero", [] { std::fesetround(FE_TOWARDZERO); }),
 #ifdef __GLIBC__
-    // As runtimes of other languages do: what gives an infinity or no number, or is rounded, ends the program. Flags that
-    // were raised before would, too.
-    floatHabit("TrapsFloatExceptions", [] { std::feclearexcept(FE_ALL_EXCEPT), feenableexcept(FE_ALL_EXCEPT); }),
+    // As in runtimes of other languages: infinities, NaN and inexact results end the program. So would flags raised
+    // before.
+    floatMode("TrapsFloatExceptions", [] { std::feclearexcept(FE_ALL_EXCEPT), feenableexcept(FE_ALL_EXCEPT); }),
 #endif
     {"NoThreads", withThreads<0>},
     {"OneThread", withThreads<1>},
@@ -111,10 +111,10 @@ const Habit kHabits[] = {
     {"OnASmallStack", onSmallStack},
 };
 
-class HostHabits : public testing::TestWithParam<Habit> {};
+class HostEnvironment : public testing::TestWithParam<Environment> {};
 
-// Loads and frames, on one thread and on several.
-TEST_P(HostHabits, ChangeNoByte) {
+// Loads and frames, small (on one thread) and large (on several).
+TEST_P(HostEnvironment, ChangesNoByte) {
   const test::LutFolder folder;
   test::Bytes found[2], expected[2];
   const auto render = [&](test::Bytes(&frames)[2]) {
@@ -128,7 +128,8 @@ TEST_P(HostHabits, ChangeNoByte) {
   EXPECT_TRUE(found[1] == expected[1]) << "large frames";
 }
 
-// OpenCV's pool keeps the mode in which the host used it first. That is seen where this test has a process of its own.
+// OpenCV's pool keeps the mode in which the host first used it. This shows only when this test has a process of its
+// own.
 TEST(HostPool, MayStartThePoolInAnotherFloatMode) {
   const test::LutFolder folder;
   std::fesetround(FE_UPWARD);
@@ -142,7 +143,7 @@ TEST(HostPool, MayStartThePoolInAnotherFloatMode) {
   EXPECT_TRUE(whole == byRow);
 }
 
-INSTANTIATE_TEST_SUITE_P(Habit, HostHabits, testing::ValuesIn(kHabits),
+INSTANTIATE_TEST_SUITE_P(With, HostEnvironment, testing::ValuesIn(kEnvironments),
                          [](const auto& info) { return info.param.name; });
 
 }  // namespace

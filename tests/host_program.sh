@@ -1,6 +1,7 @@
 #!/bin/sh
-# The host program as a person uses it: pictures in, pictures out, and a clear word when that can't be. The trace ends
-# with what failed.
+# The host program as a person uses it: pictures in, pictures out, and clear messages when that fails. The trace ends
+# with
+# the failed command.
 #   host_program.sh LUMVANE-HOST SAMPLES FOLDER_OF_LOCALES
 set -eux
 host=$1 samples=$2 locales=$3
@@ -24,9 +25,17 @@ cmp same.png many/one.png
 ln -s clear.png warm.png
 "$host" whitebalance --temperature 0.2 --tint -0.05 many/one.png warm.png
 [ -h warm.png ]
+# What is replaced keeps its permissions and its other names.
+chmod 600 clear.png
+ln clear.png other.png
+"$host" whitebalance many/one.png clear.png
+cmp clear.png other.png
+rm other.png
+"$host" whitebalance many/one.png clear.png
+[ "$(stat -c %a clear.png)" = 600 ]
 
 # Greys of the HDR LUTs: 50 % and 75 % of HLG are 50.7 and 203 cd/m2, 50 % of PQ is 92.2. Light up to 88 cd/m2 is kept,
-# on a display of 203 cd/m2 and gamma 2.4. And a green beyond BT.709, which is brought to its edge.
+# on a display of 203 cd/m2 and gamma 2.4. And a green outside BT.709, which is moved to its edge.
 "$host" hdr-luts --size 5 luts
 while read -r name line rgb; do
   [ "$(sed -n "${line}s/\(\.....\)../\1/gp" luts/HDR_"$name".cube)" = "$rgb" ]
@@ -45,10 +54,15 @@ done
 sed '1s/LIMITED/FULL/' hlg.y4m | "$host" hdr --luts luts --transfer hlg - out-full.y4m
 "$host" hdr --luts luts --transfer hlg --range full hlg.y4m - | cmp - out-full.y4m
 
-# Exit code | words of the message | what is on the standard input | arguments
+# Exit code | words of the message | standard input | arguments
 ln -s one.png many/link.png
+mkfifo pipe.cube
+mkdir damaged
+head -n 99 luts/HDR_HLG.cube >damaged/HDR_HLG.cube  # points that hold, among them a grey
+{ printf 'P6 30000 30000 255 '; head -c 99999 /dev/zero; } >huge.ppm
 latin=$(printf 'gr\374n')  # no UTF-8
 cp silver.3dl "$latin.3dl"
+red=$(printf '\033[31mred')  # what turns a terminal red
 hdr='hdr --transfer hlg --luts'
 while IFS='|' read -r code words input arguments; do
   eval "$input" >input.y4m
@@ -59,11 +73,17 @@ done <<CASES
 3|'none/HDR_HLG.cube': No such file||$hdr none hlg.y4m x.y4m
 3|no YUV4MPEG2|echo text|$hdr luts input.y4m x.y4m
 3|ends within a frame|cp hlg.y4m kept.y4m; head -c 9000 hlg.y4m|$hdr luts input.y4m kept.y4m
+3|--memory|echo YUV4MPEG2 W16384 H16384|$hdr luts input.y4m x.y4m
+3|--memory||clarity huge.ppm x.png
+3|1 of 2 pictures failed:||clarity huge.ppm many/one.png $latin
+3|no ordinary file||lut --lut pipe.cube many/one.png x.png
+3|no ordinary file||lut --lut /dev/zero many/one.png x.png
+3|'damaged/HDR_HLG.cube': a LUT is||$hdr damaged hlg.y4m x.y4m
+3|'?[31mred'||clarity $red x.png
 3|C444|sed 1s/C420mpeg2/C444/ hlg.y4m|$hdr luts - x.y4m
 3|is interlaced|sed 1s/Ip/It/ hlg.y4m|$hdr luts - x.y4m
 2|to be read||$hdr luts kept.y4m ./kept.y4m
 4|'/dev/full': No space left||$hdr luts hlg.y4m /dev/full
-3|'broken.cube': a LUT is|echo text >broken.cube|lut --lut broken.cube many/one.png x.png
 3|one-dimensional|echo LUT_1D_SIZE 2 >curve.cube|lut --lut curve.cube many/one.png x.png
 3|no UTF-8||lut --lut $latin.3dl many/one.png x.png
 3|it is cut off|head -c 900 many/two.jpg >cut.jpg|clarity cut.jpg x.png
@@ -76,13 +96,14 @@ CASES
 cmp kept.y4m hlg.y4m
 [ -s "$latin/one.png" ]  # one bad picture keeps no other from being graded
 
-# A picture that a camera held upright, as its EXIF tells (orientation 6), comes out upright.
+# A picture taken in portrait orientation (EXIF orientation 6) comes out upright.
 printf '\377\330\377\341\0\042Exif\0\0MM\0\052\0\0\0\010\0\001\001\022\0\003\0\0\0\001\0\006\0\0\0\0\0\0' >turned.jpg
 tail -c +3 many/two.jpg >>turned.jpg
 "$host" whitebalance turned.jpg upright.png
 [ "$(od -An -tu1 -j16 -N8 upright.png | tr -s ' ')" = " 0 0 0 36 0 0 0 64" ]
 
-# What is interrupted leaves nothing, like what failed.
+# An interrupted run leaves nothing, like a failed one, also where a file may not be as large.
+(ulimit -f 8 && "$host" scene x.png) || [ $? -eq 4 ]
 for signal in INT TERM QUIT; do
   timeout -s $signal 0.3 "$host" hdr-clip --transfer hlg --frames 100000 x.y4m || [ $? -eq 124 ]
 done

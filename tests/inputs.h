@@ -1,4 +1,4 @@
-// Frames, LUT files and noise that the tests take as input.
+// Test input: frames, LUT files and noise.
 #pragma once
 
 #ifdef _WIN32
@@ -21,15 +21,15 @@ namespace test {
 
 using Bytes = std::vector<uint8_t>;
 
-/// Loops over all colours and the like go by this: over each of them, but under a sanitizer, which takes ten times as
-/// long and sees in one of them what it sees in the next, over some.
+/// The step of loops over all colours and the like: 1, but larger under a sanitizer, which is ten times slower and
+/// finds the same in each.
 #ifdef LUMVANE_SANITIZED
 constexpr int kStep = 15;  // 255 is a multiple
 #else
 constexpr int kStep = 1;
 #endif
 
-/// A file in a temporary folder of its own, gone with the object.
+/// A file in its own temporary folder, removed with the object.
 class TemporaryFile {
  public:
   TemporaryFile(const std::filesystem::path& name, const std::string& bytes) : path_(folder_ / name) {
@@ -48,7 +48,7 @@ class TemporaryFile {
   std::filesystem::path path_;
 };
 
-/// The two files that HDR objects load, in a folder of their own; no file for an empty text.
+/// The two files that HDR objects load, in their own folder; no file for an empty text.
 class HdrFolder : public TemporaryFile {
  public:
   HdrFolder(const std::string& hlg, const std::string& pq) : TemporaryFile("marker", "") {
@@ -57,14 +57,14 @@ class HdrFolder : public TemporaryFile {
   }
 };
 
-/// A .CUBE text of 2 points per axis in which every colour becomes its negative.
+/// A .CUBE text of 2 points per axis that inverts every colour.
 inline std::string negativeCube() { return "LUT_3D_SIZE 2\n1 1 1\n0 1 1\n1 0 1\n0 0 1\n1 1 0\n0 1 0\n1 0 0\n0 0 0\n"; }
 
-/// What the values of a table are like, on the scale of 0 to 255.
+/// The kind of values in a table, on the scale of 0 to 255.
 enum class Values {
-  kColours,  ///< random, somewhat beyond 0 to 255 on both sides, some of them whole
-  kHalves,   ///< whole numbers and halves, -300 to 300, and the floats next to them
-  kWild,     ///< one in 30 tiny, enormous, infinite or not a number: these show each point that is read at weight 0
+  kColours,  ///< random, slightly out of range on both sides, some of them integers
+  kHalves,   ///< integers and halves, -300 to 300, and the floats next to them
+  kWild,     ///< one in 30 tiny, huge, infinite or NaN: reveals each point that is read at weight 0
 };
 
 /// A .CUBE text of random values, the same on every system.
@@ -72,7 +72,7 @@ inline std::string randomCube(int size, Values values = Values::kColours) {
   static const char* const kOdd[] = {"1e99", "-1e99", "nan",   "1e9",    "-3e9", "3e38",       "1e6",
                                      "-1e6", "1e19",  "1e-40", "-1e-40", "-0",   "2147483520", "2147483648"};
   std::mt19937 random(static_cast<unsigned>(size));
-  // With this maximum the factor for the values is exactly 1.
+  // With this maximum the factor of the values is exactly 1.
   std::string text = "LUT_3D_SIZE " + std::to_string(size) + "\nDOMAIN_MAX 0.0039215688 0.0039215688 0.0039215688\n";
   for (int i = 0; i < size * size * size * 3; ++i) {
     const auto number = static_cast<uint32_t>(random()), kind = static_cast<uint32_t>(random());
@@ -97,14 +97,14 @@ inline Bytes noise(size_t bytes, unsigned seed) {
   return result;
 }
 
-/// Noise with many bytes at both ends, which is where sums are cut off.
+/// Noise with many 0 and 255 bytes, where sums are clamped.
 inline Bytes harshNoise(size_t bytes, unsigned seed) {
   Bytes result = noise(bytes, seed);
   for (size_t i = 0; i < bytes; i += 1 + result[i] % 7) result[i] = result[i] % 2 == 0 ? 0 : 255;
   return result;
 }
 
-/// Every colour once, by steps of kStep, as byte 2, 1, 0 of its number; alpha from `alphaOf`.
+/// Every colour once, in steps of kStep, as bytes 2, 1, 0 of its number; alpha from `alphaOf`.
 template <class AlphaOf>
 Bytes everyColour(const AlphaOf& alphaOf) {
   Bytes pixels;
@@ -116,8 +116,8 @@ Bytes everyColour(const AlphaOf& alphaOf) {
   return pixels;
 }
 
-/// A frame, BGRA or one byte a pixel, with its rows `stride` bytes apart and known bytes before, between and behind
-/// them. A negative stride puts the top row last.
+/// A frame, BGRA or one byte per pixel, with its rows `stride` bytes apart and known bytes before, between and after
+/// them. With a negative stride the top row is last.
 struct Frame {
   static constexpr uint8_t kGuard = 0xA5;
   static constexpr size_t kBorder = 256;

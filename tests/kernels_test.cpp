@@ -1,4 +1,5 @@
-// The vector forms of all row kernels, on every target, against their plain forms, byte for byte and bit for bit.
+// The vector forms of all row kernels, on every target, are compared with their plain forms, byte for byte and bit for
+// bit.
 
 #include <gtest/gtest.h>
 
@@ -24,7 +25,7 @@ namespace {
 
 using test::Bytes;
 
-// The kernels of all groups: the plain ones, or those of the target that is set.
+// The kernels of all groups: plain, or of the current target.
 struct Tables {
   const GradeKernels& grade;
   const HdrKernels& hdr;
@@ -52,13 +53,13 @@ size_t sizeOf(Kind kind, size_t pixels) {
   return kind == kBytes ? pixels : kind == kChroma ? (pixels + 1) / 2 : 4 * pixels;
 }
 
-// A kernel with what it reads and writes; its other arguments follow from one number.
+// A kernel, its inputs and outputs; its other arguments follow from one number.
 struct Kernel {
   const char* name;
   std::vector<Kind> in, out;
   std::vector<float> parameters;
   void (*call)(const Tables& of, const Rows& rows, size_t pixels, float parameter);
-  bool inPlace = true;  // the first row that is written may be the first that is read
+  bool inPlace = true;  // the first output row may be the first input row
 };
 
 const LatticeView& lattice() {
@@ -127,7 +128,7 @@ const Kernel kBlend = {"blend",
                        [](const Tables& of, const Rows& r, size_t n, float share) {
                          of.details.blend(r.floats(0), 1.0f - share, r.floats(1), share, r.outFloats(0), n);
                        }};
-// Hues all around; a part of a little less than 1 takes the ends of sectors to just before them.
+// Hues of the whole circle; a factor slightly below 1 moves the ends of sectors to just before them.
 const Kernel kSynthesis = {"synthesis",
                            {kBgra, kFloats, kFloats, kFloats},
                            {kBgra},
@@ -163,9 +164,9 @@ const Kernel kFromRgb = {"fromRgb",
 const Kernel* const kKernels[] = {&kGrade,    &kGradeAndFade, &kFade,  &kHdrCache,  &kWhiteBalance, &kValue,
                                   &kAnalysis, &kDetail,       &kBlend, &kSynthesis, &kToRgb,        &kFromRgb};
 
-constexpr size_t kBorder = 129;  // known bytes around what is written; a vector is no longer
+constexpr size_t kBorder = 129;  // known bytes around the output; no vector is longer
 
-// What a kernel makes of the rows, which start `start` bytes, or floats, off any alignment.
+// The output of a kernel for rows that start `start` bytes, or floats, off any alignment.
 std::array<Bytes, 4> results(const Kernel& kernel, const Tables& of, const std::vector<Bytes>& in, size_t pixels,
                              float parameter, size_t start, bool inPlace) {
   Rows rows = {};
@@ -173,13 +174,13 @@ std::array<Bytes, 4> results(const Kernel& kernel, const Tables& of, const std::
   std::array<Bytes, 4> written;
   const auto startOf = [&](Kind kind) { return kind == kFloats ? 4 * start : start; };
   for (size_t i = 0; i < kernel.in.size(); ++i) {
-    // Of exactly its size, so that the address sanitizer sees a byte read beyond it.
+    // Of its exact size, so that the address sanitizer sees a byte read past it.
     Bytes& row = read.emplace_back(startOf(kernel.in[i]));
     row.insert(row.end(), in[i].begin(), in[i].begin() + static_cast<ptrdiff_t>(sizeOf(kernel.in[i], pixels)));
   }
   for (size_t i = 0; i < kernel.in.size(); ++i) rows.in[i] = read[i].data() + startOf(kernel.in[i]);
   for (size_t i = 0; i < kernel.out.size(); ++i) {
-    // Bytes of all kinds, since some kernels also read them. Aligned for floats as far as the start allows.
+    // All kinds of bytes, because some kernels also read them. Aligned for floats as far as the start allows.
     const size_t begin = (kernel.out[i] == kFloats ? kBorder / 4 * 4 : kBorder) + startOf(kernel.out[i]);
     written[i].resize(begin + sizeOf(kernel.out[i], pixels) + kBorder);
     for (size_t k = 0; k < written[i].size(); ++k) written[i][k] = static_cast<uint8_t>(k * k >> 3);
@@ -193,7 +194,7 @@ std::array<Bytes, 4> results(const Kernel& kernel, const Tables& of, const std::
   return written;
 }
 
-// Nothing when both forms give the same bytes, apart and in place, and the same around the rows.
+// Empty when both forms give the same bytes, separate and in place, and the same around the rows.
 std::string differences(const Kernel& kernel, const std::vector<Bytes>& in, size_t pixels, float parameter,
                         size_t start = 0) {
   for (const bool inPlace : {false, true}) {
@@ -219,7 +220,7 @@ Bytes bytesOf(const std::vector<float>& floats) {
   return {bytes, bytes + 4 * floats.size()};
 }
 
-// From 0 to 1, one in eight of them at the ends or next to them.
+// From 0 to 1, one in eight of them at or next to the ends.
 std::vector<float> unitFloats(size_t count, unsigned seed) {
   constexpr float kEnds[] = {0.0f, 1e-45f, 1e-38f, 1e-7f, 0.5f, 2 / 3.0f, 0.99999994f, 1.0f};
   std::mt19937 random(seed);
@@ -234,8 +235,8 @@ std::vector<float> unitFloats(size_t count, unsigned seed) {
 class RowKernels : public test::EveryTarget {};
 INSTANTIATE_TEST_SUITE_P(On, RowKernels, test::everyTarget(), test::targetName);
 
-// Up to three of the widest vectors of any kernel, and a little.
-TEST_P(RowKernels, KeepToTheirRowInEveryWidth) {
+// Up to slightly more than three of the widest vectors of any kernel.
+TEST_P(RowKernels, StayWithinTheirRowAtEveryWidth) {
   for (const Kernel* const kernel : kKernels) {
     for (size_t pixels = kernel == &kToRgb || kernel == &kFromRgb ? 1 : 0; pixels <= 3 * 64 + 3; ++pixels) {
       for (size_t start = 0; start < 4; ++start) {
@@ -262,7 +263,8 @@ TEST_P(RowKernels, AgreeOnEveryColour) {
   }
 }
 
-// All pairs of bytes at all 256 weights: what is written begins as noise, so in place, where both are one, tells less.
+// All pairs of bytes at all 256 weights. Above, the output starts as noise, and in place source and output are one,
+// which covers less.
 TEST_P(RowKernels, FadeEveryPairOfBytes) {
   Bytes src(65536), graded(65536);
   for (size_t i = 0; i < src.size(); ++i) src[i] = static_cast<uint8_t>(i >> 8), graded[i] = static_cast<uint8_t>(i);
@@ -274,8 +276,8 @@ TEST_P(RowKernels, FadeEveryPairOfBytes) {
   }
 }
 
-// Every difference of samples from 0 to 1 whose weight is not 1, and beyond that as far as resampling may overshoot;
-// smaller ones of both signs, down to those whose square is lost.
+// Every difference of samples from 0 to 1 whose weight is not 1, and further, as far as resampling may overshoot; then
+// smaller ones of both signs, down to those whose square underflows.
 TEST_P(RowKernels, RaiseEveryDetail) {
   constexpr uint32_t kBlock = 1 << 16;
   const std::vector<float> zeros(kBlock);

@@ -1,4 +1,4 @@
-// What a LUT makes of one colour, from the definitions: cells, tetrahedra, bytes.
+// The result of a LUT for one colour, from the definitions: cells, tetrahedra, bytes.
 
 #include <gtest/gtest.h>
 
@@ -17,7 +17,8 @@ namespace {
 
 constexpr float kInfinity = std::numeric_limits<float>::infinity();
 
-// The values that 255 / (N - 1) puts just beside a lattice point. Vector forms multiply where the tables divide.
+// Includes the values that 255 / (N - 1) puts right next to a lattice point. Vector forms multiply where the tables
+// divide.
 TEST(InterpolationTables, PlaceBytesInTheirCells) {
   const auto lut = std::make_unique<CubeLut>();
   lut->status = statusOk;
@@ -38,7 +39,7 @@ TEST(InterpolationTables, PlaceBytesInTheirCells) {
   }
 }
 
-TEST(RoundToByte, GoesUpToTheNextEvenOrWholeNumber) {
+TEST(RoundToByte, RoundsUpAndOddIntegersByOne) {
   for (const auto& [value, byte] : std::initializer_list<std::pair<float, int>>{{10.0f, 10},
                                                                                 {10.2f, 11},
                                                                                 {10.9f, 11},

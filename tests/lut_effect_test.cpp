@@ -25,7 +25,7 @@ struct Effect {
 TEST(LutEffect, IsCreatedByPathAndExtension) {
   std::string threeDl = "0 511 1023\n";
   for (int i = 0; i < 27; ++i) threeDl += "4095 0 0\n";
-  // Files that make an effect when they hold one format, by name: neither, .cube, .3dl.
+  // Names by the format that gives an effect: neither, .cube, .3dl.
   const std::vector<const char16_t*> names[] = {
       {u"grade.cube.bak", u"grade", u"grade.txt", u"dir.cube/grade"},
       {u"grade.cube", u"grade.Cube", u"grade.CUBE", u"v1.2/my.look.cube", u".cube", u"gr\u00e4de \u8272.cube",
@@ -50,7 +50,7 @@ TEST(LutEffect, IsCreatedByPathAndExtension) {
   EXPECT_EQ(Create3DLutColorAdjustEffect(nullptr, 1, 1), nullptr);
 }
 
-TEST(LutEffect, LeavesFramesAloneThatAreNone) {
+TEST(LutEffect, IgnoresInvalidFrames) {
   const TemporaryFile file("negative.cube", negativeCube());
   const Effect effect(file.utf16());
   Frame src(4, 4), dst(4, 4);
@@ -87,7 +87,7 @@ TEST(LutEffect, FadesByStrength) {
   }
 }
 
-// The fade finds the graded pixel in source and destination alike.
+// The fade sees the graded pixel in source and destination alike.
 TEST(LutEffect, GradesInPlaceAtFullStrength) {
   const TemporaryFile file("random.cube", test::randomCube(9));
   const Effect effect(file.utf16());

@@ -1,6 +1,6 @@
-// The readers of both LUT text formats. What they make of whole texts, of broken ones and of odd numbers is on record with
-// the seeds of the fuzzers; here stands the rest: the order of the rows, large tables, streams of any kind, numbers at
-// random.
+// The readers of both LUT text formats. Their results for whole texts, broken ones and unusual numbers are recorded
+// with the seeds of the fuzzers; here is the rest: the order of the rows, large tables, streams of all kinds, random
+// numbers.
 
 #include <gtest/gtest.h>
 #ifndef _WIN32
@@ -31,7 +31,7 @@ std::unique_ptr<CubeLut> read(std::istream& stream, Reader reader = &CubeLut::re
   return lut;
 }
 
-// A table behind `header`, with its rows counted in the first column.
+// A table after the header in `text`, with its rows numbered in the first column.
 std::unique_ptr<CubeLut> readNumberedRows(std::string text, int count, Reader reader) {
   for (int i = 0; i < count; ++i) text += std::to_string(i) + " 4095 0.7\n";
   std::istringstream stream(text);
@@ -57,7 +57,7 @@ TEST(LutReaders, RunBlueFastestIn3dlOnATwelveBitScale) {
   }
 }
 
-TEST(LutReaders, TakeSixtyFivePoints) {
+TEST(LutReaders, ReadSixtyFivePoints) {
   std::string mesh = "3DMESH\n0";
   for (int i = 1; i < 65; ++i) mesh += " " + std::to_string(i * 16);
   const auto cube = readNumberedRows("LUT_3D_SIZE 65\n", 65 * 65 * 65, &CubeLut::readCube);
@@ -67,8 +67,8 @@ TEST(LutReaders, TakeSixtyFivePoints) {
   EXPECT_EQ(threeDl->lattice[64][64][64][0], 274624.0f / 4095.0f * 255.0f);
 }
 
-TEST(LutReaders, LeaveTheStatusOfWhatIsNoFile) {
-  const test::TemporaryFile file("a.cube/marker", "");  // in a folder of that name
+TEST(LutReaders, LeaveTheStatusWithoutAFile) {
+  const test::TemporaryFile file("a.cube/marker", "");  // a folder of that name
   const std::u16string folder = file.folder() + u"/";
 #ifndef _WIN32
   ASSERT_EQ(mkfifo(std::filesystem::path(folder + u"pipe.cube").c_str(), 0600), 0);
@@ -82,15 +82,15 @@ TEST(LutReaders, LeaveTheStatusOfWhatIsNoFile) {
   }
 }
 
-// Gives `text` in pieces of `piece` bytes and then throws `fault`, or ends without one.
+// Gives `text` in pieces of `piece` bytes and then throws `error`, or just ends.
 class Stream : public std::streambuf {
  public:
-  Stream(std::string text, size_t piece, std::exception_ptr fault)
-      : text_(std::move(text)), piece_(piece), fault_(fault) {}
+  Stream(std::string text, size_t piece, std::exception_ptr error)
+      : text_(std::move(text)), piece_(piece), error_(error) {}
 
  private:
   int_type underflow() override {
-    if (at_ == text_.size() && fault_ != nullptr) std::rethrow_exception(fault_);
+    if (at_ == text_.size() && error_ != nullptr) std::rethrow_exception(error_);
     if (at_ == text_.size()) return traits_type::eof();
     char* const start = text_.data() + at_;
     at_ = std::min(at_ + piece_, text_.size());
@@ -99,24 +99,24 @@ class Stream : public std::streambuf {
   }
   std::string text_;
   size_t piece_, at_ = 0;
-  std::exception_ptr fault_;
+  std::exception_ptr error_;
 };
 
-std::unique_ptr<CubeLut> readInPieces(const std::string& text, size_t piece, std::exception_ptr fault = nullptr) {
-  Stream buffer(text, piece, fault);
+std::unique_ptr<CubeLut> readInPieces(const std::string& text, size_t piece, std::exception_ptr error = nullptr) {
+  Stream buffer(text, piece, error);
   std::istream stream(&buffer);
   return read(stream);
 }
 
-// Rows of all forms, past 100 kB in all. In between comments that are longer than any block, and rows with more bytes
-// than count, which end at any place of a number.
+// Rows of all forms, over 100 kB in total. In between are comments longer than any block, and rows longer than the
+// limit, which cuts numbers at arbitrary positions.
 TEST(LutReaders, ReadTheSameInPiecesOfAnySize) {
   std::string text = "# " + std::string(100, 'x') + "\nLUT_3D_SIZE 29\n";
   std::mt19937 random(1);
   for (int row = 0; row < 29 * 29 * 29; ++row) {
     const double value = static_cast<double>(random() % 2000000) * 1e-6 - 0.5;
-    const char* const forms[] = {"%.6f %.3f %.9f\n", "  %.6f\t%.0f %.1f  \r\n",  "%.17f %.19f %g\n", "%e %f %a\n",
-                                 "%.6f\n",           "%+.6f %.25f %f # behind\n"};
+    const char* const forms[] = {"%.6f %.3f %.9f\n", "  %.6f\t%.0f %.1f  \r\n", "%.17f %.19f %g\n", "%e %f %a\n",
+                                 "%.6f\n",           "%+.6f %.25f %f # after\n"};
     char line[200];
     std::snprintf(line, sizeof line, forms[row % 97 < 70 ? 0 : row % 6], value, value * 3, value / 7);
     if (row % 1000 == 9) text.append(65540 - row / 1000, ' ');
@@ -137,7 +137,7 @@ TEST(LutReaders, ReadTheSameInPiecesOfAnySize) {
   }
 }
 
-TEST(LutReaders, KeepWhatTheyReadAheadOfAFailure) {
+TEST(LutReaders, KeepRowsReadBeforeAnError) {
   const std::string start = "LUT_3D_SIZE 2\n0.5 1 1\n0.25 1 1\n0.1";
   const auto badDisk = std::make_exception_ptr(std::ios_base::failure("bad disk"));
   for (const size_t piece : {1, 7, 4096}) {
@@ -156,23 +156,23 @@ TEST(LutReaders, KeepWhatTheyReadAheadOfAFailure) {
 
 bool same(float a, float b) { return std::memcmp(&a, &b, sizeof a) == 0 || (std::isnan(a) && std::isnan(b)); }
 
-// What is read without the C library is what that reads.
+// Numbers read without the C library equal the C library's.
 void expectNearest(const std::string& text, bool expectRead) {
   float value = -1.0f;
   const char* const end = scanDecimal(text.c_str(), value);
   EXPECT_TRUE(end == nullptr ? !expectRead : *end == '\0' && same(value, std::strtof(text.c_str(), nullptr))) << text;
 }
 
-TEST(LutReaders, TakeDecimalsToTheNearestFloat) {
+TEST(LutReaders, RoundDecimalsToTheNearestFloat) {
   std::mt19937_64 random(3);
   for (int i = 0; i < 1000000; ++i) {
     std::string text = std::to_string(random() >> (random() % 64));
-    const size_t behindPoint = random() % 20;
-    if (text.size() <= behindPoint) text.insert(0, behindPoint + 1 - text.size(), '0');
-    if (behindPoint != 0) text.insert(text.size() - behindPoint, ".");
+    const size_t decimals = random() % 20;
+    if (text.size() <= decimals) text.insert(0, decimals + 1 - text.size(), '0');
+    if (decimals != 0) text.insert(text.size() - decimals, ".");
     expectNearest((random() % 2 == 0 ? "-" : "") + text, text.size() <= 7);
   }
-  // Half-way between two floats, where the even one counts, and just beside.
+  // Half-way between two floats, where the even one is right, and next to it.
   for (int i = 0; i < 100000; ++i) {
     const float lower =
         std::ldexp(static_cast<float>(1 << 23 | random() % (1 << 23)), -static_cast<int>(random() % 40));
@@ -191,7 +191,7 @@ TEST(LutReaders, TakeDecimalsToTheNearestFloat) {
 }
 
 #ifdef __GLIBC__
-TEST(LutReaders, TakeNumbersAsTheCLibraryDoes) {
+TEST(LutReaders, ReadNumbersLikeTheCLibrary) {
   std::mt19937 random(5);
   const std::string pieces[] = {"0", "1",  "9", "25", ".", "e",  "E",   "+",  "-",
                                 "x", "0x", "p", "a",  " ", "\t", "inf", "nan"};
@@ -204,13 +204,13 @@ TEST(LutReaders, TakeNumbersAsTheCLibraryDoes) {
     ASSERT_EQ(std::memcmp(values, expected, sizeof values), 0) << text;
 
     std::istringstream stream(text);
-    const char* behind = text.c_str();
+    const char* next = text.c_str();
     float streamed, extracted;
     while (stream >> streamed) {
-      behind = extractNumber(behind, text.c_str() + text.size(), extracted);
-      ASSERT_TRUE(behind != nullptr && same(extracted, streamed)) << text;
+      next = extractNumber(next, text.c_str() + text.size(), extracted);
+      ASSERT_TRUE(next != nullptr && same(extracted, streamed)) << text;
     }
-    ASSERT_EQ(extractNumber(behind, text.c_str() + text.size(), extracted), nullptr) << text;
+    ASSERT_EQ(extractNumber(next, text.c_str() + text.size(), extracted), nullptr) << text;
   }
 }
 #endif

@@ -2,6 +2,9 @@
 // that is not whole, nothing is lost, and the next call does its work.
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <functional>
 #include <new>
@@ -153,25 +156,60 @@ TEST_P(MemoryFailure, PassesOutOfTheCall) {
   std::cout << allocations << " allocations\n";
 }
 
-// Seen where this test has a process of its own: later frames find the table.
-TEST(SharedTable, IsBuiltByTheNextFrameWhenMemoryWasShort) {
-  Frames& f = frames();
-  void* const handle = kCube.create(f);
-  test::startFailing(1, Failing::kOnce);
-  bool threw = false;
-  try {
-    grade(f, handle);
-  } catch (const std::bad_alloc&) {
-    threw = true;
-  }
-  EXPECT_EQ(test::stopFailing() != 0, threw);
-  grade(f, handle);
-  const Bytes first = f.dst;
-  grade(f, handle);
-  EXPECT_TRUE(f.dst == first);
-  EXPECT_NE(f.dst, f.src);
-  kCube.destroy(handle);
+TEST(HdrFirstCreate, IsTriedAgainWhereNoFileCouldBeOpened) {
+  frames();
+  Lumvane::dropHdrData();
+  rlimit limit;
+  getrlimit(RLIMIT_NOFILE, &limit);
+  const rlimit none = {0, limit.rlim_max};
+  setrlimit(RLIMIT_NOFILE, &none);
+  EXPECT_THROW(kHdr.create(frames()), std::bad_alloc);
+  setrlimit(RLIMIT_NOFILE, &limit);
+  kHdr.destroy(kHdr.create(frames()));
+  EXPECT_GT(Lumvane::hdrTransferData(true).latticeSize, 0);
 }
+
+#ifdef LUMVANE_OWN_MALLOC
+// A number of what a process of its own renders, in which allocation `which` failed while the pool of threads started, or
+// no thread can be made, for 0. Below 0 where it did not end as it should, 0 where no allocation failed.
+int renderElsewhere(const Call& call, long which) {
+  const pid_t child = fork();
+  if (child == 0) try {
+      alarm(10);
+      if (which == 0) test::refuseThreads();
+      long failures = 0;
+      if (which > 0) attempt(call, which, Failing::kOnce, failures);
+      if (which > 0 && failures == 0) _exit(0);
+      if (attempt(call, 0, Failing::kOnce, failures) != Outcome::kDone) abort();
+      uint32_t sum = 0;
+      for (const uint8_t byte : frames().written()) sum = sum * 31 + byte;
+      _exit(static_cast<int>(sum % 255 + 1));
+    } catch (...) {
+      abort();
+    }
+  int status = 0;
+  waitpid(child, &status, 0);
+  return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
+}
+
+// Seen where this test has a process of its own: threads of a pool do not get into another one.
+TEST(PoolOfThreads, MayFailToStart) {
+  frames();
+  const std::filesystem::directory_iterator tasks("/proc/self/task");
+  if (std::distance(begin(tasks), end(tasks)) > 1) GTEST_SKIP() << "the pool runs already";
+  const Call firstUses[] = {{"LutFrame", kCube, Call::kFrame},
+                            {"ClarityFrame", kClarity, Call::kFrame},
+                            {"HdrFirstCreate", kHdr, Call::kFirstCreate}};
+  for (const Call& call : firstUses) {
+    const int expected = renderElsewhere(call, -1);
+    EXPECT_EQ(renderElsewhere(call, 0), expected) << call.name << " without threads";
+    long which = 1;
+    for (int found; call.fails == Call::kFrame && (found = renderElsewhere(call, which)) != 0; ++which) {
+      EXPECT_EQ(found, expected) << call.name << ", allocation " << which;
+    }
+  }
+}
+#endif
 
 INSTANTIATE_TEST_SUITE_P(In, MemoryFailure, testing::ValuesIn(kCalls),
                          [](const auto& info) { return info.param.name; });

@@ -5,7 +5,7 @@
 namespace Lumvane {
 namespace {
 
-TEST(NLEFilterParams, StripsTheSchemeFromPathsAlone) {
+TEST(NLEFilterParams, StripsTheSchemeOnlyFromPaths) {
   for (const auto& [type, text, stored] : {std::tuple{5, "file:/a", "file:/a"},
                                            {6, "file:/a", "a"},
                                            {6, "a", "a"},

@@ -1,4 +1,4 @@
-// What a reader takes does not go by its file: files as no fuzzer makes them, for their size.
+// A reader's memory does not depend on its file: sizes that no fuzzer produces.
 
 #include <gtest/gtest.h>
 
@@ -29,9 +29,9 @@ TEST(ReaderMemory, StaysBelowOneMebibyte) {
        {"#" + x, "TITLE " + x, x, blanks, "LUT_3D_SIZE " + ones, "LUT_3D_SIZE" + blanks, "DOMAIN_MIN " + ones,
         "DOMAIN_MAX" + blanks + "1 1 1", ones, "0." + ones, "0x" + ones, "1" + blanks + "x", "nan(" + x + ")",
         "0 " + ones + " 2\n" + ones, "0 1 2\n" + x, header, rows}) {
-    for (const char* ahead : {"# \n", "# \nLUT_3D_SIZE 2\n", "# \nLUT_3D_SIZE 256\n"}) {
+    for (const char* start : {"# \n", "# \nLUT_3D_SIZE 2\n", "# \nLUT_3D_SIZE 256\n"}) {
       for (const Reader& read : readers) {
-        std::istringstream stream(ahead + text + "\n");
+        std::istringstream stream(start + text + "\n");
         EXPECT_LE(test::mostMemoryOf([&] { read(stream); }), size_t{1} << 20) << text.substr(0, 40);
       }
     }

@@ -6,7 +6,7 @@
 
 namespace test {
 
-/// Memory of the process that lies in RAM, in KiB; 0 where the system has no /proc.
+/// Resident memory of the process in KiB; 0 where the system has no /proc.
 inline long residentKiB() {
   long whole = 0, resident = 0;
   std::ifstream("/proc/self/statm") >> whole >> resident;

@@ -1,4 +1,4 @@
-// A long day of a host: objects made and ended by the thousand, an hour of frames, and memory that does not grow.
+// Soak test: thousands of objects created and destroyed, an hour of frames, and memory that does not grow.
 
 #include <gtest/gtest.h>
 
@@ -18,7 +18,7 @@ constexpr long kMostGrowthKiB = 1 << 10;
 constexpr int kShare = 1;
 #endif
 
-// Does a tenth of the rounds, so that all that is made once is there, and holds the rest to the memory of then.
+// Runs a tenth of the rounds, so that one-time allocations are done, and compares the rest with the memory in use then.
 template <class Round>
 void expectFlatMemory(int rounds, const Round& round) {
   for (int i = 0; i < rounds / 10; ++i) round(i);
@@ -28,7 +28,7 @@ void expectFlatMemory(int rounds, const Round& round) {
   EXPECT_LE(test::residentKiB(), before + kMostGrowthKiB);
 }
 
-TEST(Service, MakesAndEndsTenThousandObjectsOfEachKind) {
+TEST(Service, CreatesAndDestroysTenThousandObjectsOfEachKind) {
   const test::LutFolder folder;
   const std::u16string missing = folder.path + u"/none.cube";
   expectFlatMemory(10000 / kShare, [&](int i) {
@@ -44,7 +44,7 @@ TEST(Service, MakesAndEndsTenThousandObjectsOfEachKind) {
   });
 }
 
-// Small frames of an hour at 25 a second, of a size that is spread over threads now and then.
+// Small frames for an hour at 25 a second, with now and then a size that uses threads.
 TEST(Service, RendersAnHourOfFrames) {
   const test::LutFolder folder;
   test::Yv12Frame small(64, 36), large(130, 100);
@@ -55,13 +55,13 @@ TEST(Service, RendersAnHourOfFrames) {
                        CreateVideoAdjustColor(folder.path.c_str(), 0, 1, 1, 130, 100)};
   const test::Render grade = test::kLinked.grading(folder.path + u"/look.cube", 60);
   expectFlatMemory(90000 / kShare, [&](int i) {
-    const bool spread = i % 50 == 0;
-    test::Yv12Frame& frame = spread ? large : small;
+    const bool threaded = i % 50 == 0;
+    test::Yv12Frame& frame = threaded ? large : small;
     const int width = frame.y.width, height = frame.y.height;
     grade(dst.data(), 0, src.data(), 0, width, height);
     ASSERT_EQ(NLEPureCClarityProcess(clarity, dst.data(), width, height, 0, src.data(), 0, 0, 0), 1);
     WhiteBalanceFun(src.data(), dst.data(), 0, 0, 0, 0.1f, 0.1f, width, height);
-    frame.processTo(frame, hdr[spread]);
+    frame.processTo(frame, hdr[threaded]);
   });
   DestoryNLEPureCClarity(clarity);
   for (void* const handle : hdr) DestroyVideoAdjustColor(handle);

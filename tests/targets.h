@@ -1,4 +1,4 @@
-// Runs tests once for each set of vector instructions that this processor has.
+// Runs tests once for each vector instruction set of this processor.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -8,7 +8,7 @@
 
 namespace test {
 
-/// Kernels run with the instructions of this target from now on, in the whole process; 0 for the best there are.
+/// From now on kernels use this target's instructions, in the whole process; 0 for the best available.
 inline void useTarget(int64_t target) {
   hwy::SetSupportedTargetsForTest(target);
   hwy::GetChosenTarget().Update(hwy::SupportedTargets());

@@ -1,4 +1,4 @@
-// What threads share while each works on objects of its own: also what the thread sanitizer gets to see.
+// Threads that use separate objects, also for the thread sanitizer.
 
 #include <gtest/gtest.h>
 
@@ -11,7 +11,7 @@
 
 namespace {
 
-// Runs the work on so many threads, which start it as nearly at once as they can.
+// Runs the work on `count` threads that start it nearly at once.
 template <class Work>
 void atOnce(int count, const Work& work) {
   std::barrier start(count);
@@ -25,13 +25,13 @@ void atOnce(int count, const Work& work) {
   for (std::thread& thread : threads) thread.join();
 }
 
-// An OpenCV that was built without threads would pass all other tests.
+// An OpenCV built without threads would pass all other tests.
 TEST(Threads, AreThere) {
   if (std::thread::hardware_concurrency() < 2) GTEST_SKIP() << "one processor";
   EXPECT_GT(cv::getNumThreads(), 1);
 }
 
-// Loads, first frames and all, the load of the HDR files among them; on odd threads frames that are spread over a pool.
+// Loads and first frames, the load of the HDR files included; odd threads use frames that are spread over a pool.
 TEST(Threads, RenderSideBySide) {
   constexpr int kThreads = 8;
   const test::LutFolder folder;
@@ -44,7 +44,7 @@ TEST(Threads, RenderSideBySide) {
   };
   for (int round = 0; round < 4; ++round) {
     Lumvane::dropHdrData();
-    // The first of them loads, the others wait for it; every other time nothing else comes before.
+    // The first of them loads, the others wait for it; in every other round nothing else runs before.
     if (round % 2 == 0) atOnce(kThreads, loadHdr);
     atOnce(kThreads, [&](int i) { results[i] = render(i); });
     Lumvane::dropHdrData();

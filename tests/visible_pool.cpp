@@ -1,6 +1,6 @@
-// A pool of threads for cv::parallel_for_ in programs under the thread sanitizer. It does not see how OpenCV's own pool,
-// compiled without it, hands work over, and takes every hand-over for a race. Nothing is silenced here: the threads of
-// this pool are made and joined where it sees them, so that it judges what our loop bodies do to one another.
+// A thread pool for cv::parallel_for_ under the thread sanitizer. OpenCV's own pool is not compiled with the sanitizer,
+// which therefore reports every hand-over of work as a race. Nothing is suppressed here: the sanitizer sees this pool's
+// threads created and joined, so it checks how our loop bodies affect one another.
 
 #include <algorithm>
 #include <memory>

@@ -10,7 +10,7 @@ namespace {
 
 using test::Frame;
 
-TEST(WhiteBalance, TurnsPixelsIntoTheirKnownValues) {
+TEST(WhiteBalance, GivesKnownPixelValues) {
   struct Case {
     float temperature, tint;
     test::Bytes pixel, expected;
@@ -26,7 +26,7 @@ TEST(WhiteBalance, TurnsPixelsIntoTheirKnownValues) {
   }
 }
 
-TEST(WhiteBalance, LeavesEmptyFramesAloneAndThrowsOnNull) {
+TEST(WhiteBalance, IgnoresEmptyFramesAndThrowsOnNull) {
   Frame src(2, 2), dst(2, 2);
   src.fillWithNoise(1);
   const auto before = dst.bytes;

@@ -11,7 +11,7 @@ bool WhiteBalanceFun(const uint8_t* src, uint8_t* dst, float /*reserved1*/, floa
   cv::Mat dstMat(height, width, CV_8UC4, dst);
   const Lumvane::DefaultFloatMode floatMode;
   const Lumvane::WhiteBalanceGains gains = Lumvane::whiteBalanceGains(temperature, tint);
-  // Rows lie packed, so that the frame is one long row.
+  // Rows are packed, so the frame is one long row.
   Lumvane::whiteBalanceKernel()(gains, srcMat.ptr(), dstMat.ptr(), srcMat.total());
   return true;
 }

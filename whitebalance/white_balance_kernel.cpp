@@ -1,8 +1,8 @@
-// The row kernel of white balance: the plain form, which defines what it gives, and the vector form.
+// The row kernel of white balance: the plain form, which defines the bytes, and the vector form.
 
 #include "whitebalance/white_balance_kernel.h"
 
-#ifndef HWY_TARGET_INCLUDE  // once; what comes after this is compiled for each set of vector instructions
+#ifndef HWY_TARGET_INCLUDE  // once; the code after this block is compiled for each instruction set
 #define HWY_TARGET_INCLUDE "whitebalance/white_balance_kernel.cpp"
 
 #include <algorithm>
@@ -44,7 +44,7 @@ WhiteBalanceRow* const plainWhiteBalanceRow = plain::whiteBalanceRow;
 #endif
 
 #include <hwy/cache_control.h>
-#include <hwy/foreach_target.h>  // must come before what uses vectors
+#include <hwy/foreach_target.h>  // must precede all vector code
 
 #include "base/vectors-inl.h"
 
@@ -55,14 +55,15 @@ namespace {
 
 #if LUMVANE_HAVE_VECTORS
 
-// Frames from this size on do not stay in a cache until somebody reads them: they are written past it, which spares
+// Frames of this size and above do not stay in a cache until they are read: they are written past it, which avoids
 // reading every line of the destination first.
 constexpr size_t kStreamedBytes = size_t{16} << 20;
 
-// Beyond these ends a gain does the same to every byte, and so a product never overflows; a NaN does what 0 does.
+// A gain beyond these limits has the same effect on every byte as the limit, so products never overflow; NaN acts like
+// 0.
 HWY_INLINE float sanitized(float gain) { return std::isnan(gain) ? 0.0f : std::clamp(gain, -1.0f, 256.0f); }
 
-// Pixel i of each block of four, a component a lane, times the gains.
+// Pixel i of each block of four, one component per lane, times the gains.
 template <uint8_t i>
 HWY_INLINE VF scaled(VU pixels, VF gains) {
   alignas(16) static constexpr uint8_t kPixel[16] = {4 * i,     0x80, 0x80, 0x80, 4 * i + 1, 0x80, 0x80, 0x80,

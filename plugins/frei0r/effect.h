@@ -29,7 +29,7 @@ struct Values {
   std::string texts[kParameters];
 };
 
-/// Two pictures of packed BGRA rows, which do not overlap.
+/// Two pictures of packed BGRA rows, which do not overlap, or are one.
 struct Frame {
   const uint8_t* src;
   uint8_t* dst;

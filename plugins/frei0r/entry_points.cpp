@@ -115,7 +115,7 @@ void f0r_update(f0r_instance_t handle, double /*time*/, const uint32_t* in, uint
     rendered = instance.effect->render(instance.values, frame);
   } catch (...) {  // hosts are written in C, and have no way to hear of it
   }
-  if (!rendered) std::memcpy(out, in, frame.bytes());
+  if (!rendered) std::memmove(out, in, frame.bytes());
 }
 
 }  // extern "C"

@@ -1,5 +1,6 @@
 #include <cmath>
 #include <filesystem>
+#include <utility>
 #include <vector>
 
 #include "effect.h"
@@ -28,26 +29,27 @@ class LutEffect : public Effect {
     // Hosts hand over colours that are not multiplied by alpha, and the library would multiply them. So the picture is
     // graded as an opaque one and gets its alpha back.
     opaque_.assign(frame.src, frame.src + frame.bytes());
-    for (size_t alpha = 3; alpha < opaque_.size(); alpha += 4) opaque_[alpha] = 255;
+    alpha_.resize(opaque_.size() / 4);
+    for (size_t i = 0; i < alpha_.size(); ++i) alpha_[i] = std::exchange(opaque_[4 * i + 3], uint8_t{255});
     Lut3DColorAdjustEffectProcess(handle_.get(), frame.dst, frame.width, frame.height, 0, opaque_.data(), frame.width,
                                   frame.height, 0, strength);
-    for (size_t alpha = 3; alpha < opaque_.size(); alpha += 4) frame.dst[alpha] = frame.src[alpha];
+    for (size_t i = 0; i < alpha_.size(); ++i) frame.dst[4 * i + 3] = alpha_[i];
     return true;
   }
 
  private:
-  // Hosts name the path again before every frame; the file is looked at only when it is another one than before.
+  // Hosts name the path again before every frame; the file is looked at only when it is another one than before. What
+  // throws on the way, for want of memory, is tried again with the next frame.
   void load(const std::string& path) {
     if (path == path_) return;
-    handle_.reset();
-    path_ = path;
     const std::u8string utf8(path.begin(), path.end());
     handle_.reset(Create3DLutColorAdjustEffect(std::filesystem::path(utf8).u16string().c_str(), 0, 0));
+    path_ = path;
   }
 
   std::string path_;
   LutHandle handle_{nullptr, &Destory3DLutColorAdjustEffect};
-  std::vector<uint8_t> opaque_;
+  std::vector<uint8_t> opaque_, alpha_;
 };
 
 }  // namespace

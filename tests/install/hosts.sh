@@ -13,7 +13,7 @@ if [ "$way" = pkg-config ] && [ -z "$pkg_config" ]; then
   exit 77
 fi
 
-# Staged and then moved, as packages are made and unpacked: nothing installed may know where it was.
+# Staged and then moved, as packages are built and unpacked: installed files must not contain the path.
 DESTDIR=$folder/stage cmake --install "$build" --prefix /first/place >"$folder/log"
 mv "$folder/stage/first/place" "$folder/installed"
 library=$(dirname "$(find "$folder/installed" -name 'liblumvane.so')")

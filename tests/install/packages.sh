@@ -1,5 +1,5 @@
 #!/bin/sh
-# The Debian packages hold what they should, ask for what they need, and work together:
+# The Debian packages contain the right files, have the right dependencies, and work together:
 #   packages.sh FOLDER [WHAT RUNS THE PROGRAMS]
 set -eu
 root=$(mktemp -d)
@@ -10,7 +10,8 @@ shift
 version=$(dpkg-deb --field "$folder"/liblumvane-dev_*.deb Version)
 for need in 'liblumvane0 libopencv-core' 'liblumvane0 libc6' \
   "liblumvane-dev liblumvane0 (= $version)" "lumvane-host liblumvane0 (= $version)" \
-  'lumvane-host libopencv-imgcodecs' "frei0r-plugins-lumvane liblumvane0 (= $version)"; do
+  'lumvane-host libopencv-imgcodecs' "frei0r-plugins-lumvane liblumvane0 (= $version)" \
+  "python3-lumvane liblumvane0 (= $version)" 'python3-lumvane python3-numpy'; do
   dpkg-deb --field "$folder/${need%% *}"_*.deb Depends | grep -qF "${need#* }" || { echo "no need for ${need#* }"; exit 1; }
 done
 for package in "$folder"/*.deb; do
@@ -22,6 +23,7 @@ for file in liblumvane.so cmake/Lumvane/LumvaneConfig.cmake pkgconfig/lumvane.pc
 done
 [ -e "$root/usr/include/lumvane.h" ]
 [ -e "$root/usr/lib/frei0r-1/lumvane_lut.so" ]
+[ -e "$root/usr/lib/python3/dist-packages/lumvane/farm.py" ]
 cd "$root"
 LD_LIBRARY_PATH=$library "$@" usr/bin/lumvane-host scene scene.png
 [ -s scene.png ]

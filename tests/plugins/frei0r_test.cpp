@@ -1,8 +1,9 @@
-// The plug-ins as a host holds them: loaded from their files, and known by nothing but their exports.
+// The plug-ins as a host uses them: loaded from their files, through their exports alone.
 
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 #include <inttypes.h>
+#include <sys/resource.h>
 
 #include <atomic>
 #include <cmath>
@@ -53,7 +54,7 @@ struct Instance {
   void set(int index, std::string text) {
     f0r_param_string pointer = text.data();
     plugin.f0r_set_param_value(handle, &pointer, index);
-    text.assign(text.size(), '?');  // the plug-in has to have its own copy
+    text.assign(text.size(), '?');  // the plug-in must have its own copy
   }
   double number(int index) {
     double value = -1.0;
@@ -66,18 +67,20 @@ struct Instance {
     plugin.f0r_update(handle, 0.0, reinterpret_cast<uint32_t*>(src.data()), reinterpret_cast<uint32_t*>(dst.data()));
     EXPECT_TRUE(dst.guardsIntact());
     EXPECT_EQ(src.packed(), pixels);
+    plugin.f0r_update(handle, 0.0, reinterpret_cast<uint32_t*>(src.data()), reinterpret_cast<uint32_t*>(src.data()));
+    EXPECT_EQ(src.packed(), dst.packed()) << "in place";
     return dst.packed();
   }
 };
 
 std::string pathOf(const TemporaryFile& file) { return std::filesystem::path(file.utf16()).string(); }
 
-// Takes the alpha of one frame into another one.
+// Copies the alpha of one frame into another.
 void takeAlpha(test::Bytes& to, const test::Bytes& from) {
   for (size_t i = 3; i < to.size(); i += 4) to[i] = from[i];
 }
 
-// What the library makes of a frame with the values of setSome, below.
+// The library's result for a frame with the values of setSome, below.
 test::Bytes expected(const std::string& name, const test::Bytes& src, int width, int height,
                      const TemporaryFile& cube) {
   const bool isLut = name == "lumvane_lut";
@@ -106,11 +109,11 @@ class EveryPlugin : public testing::TestWithParam<std::string> {
 INSTANTIATE_TEST_SUITE_P(, EveryPlugin, testing::Values("lumvane_lut", "lumvane_clarity", "lumvane_whitebalance"),
                          [](const auto& info) { return info.param; });
 
-TEST_P(EveryPlugin, RefusesSizesThatNoFrameHasAndTakesNoMemoryToBeListed) {
+TEST_P(EveryPlugin, RefusesInvalidSizesAndNeedsNoMemoryToBeListed) {
   for (const auto& [width, height] : {std::pair{0u, 480u}, {640u, 0u}, {1u << 30, 1u}, {1u, 1u << 31}}) {
     EXPECT_EQ(plugin.f0r_construct(width, height), nullptr) << width << " x " << height;
   }
-  // The largest frame there is: its pixels could not be had.
+  // The largest frame possible: its pixels could not be allocated.
   Instance huge(plugin, (1u << 29) - 1, std::numeric_limits<int32_t>::max());
   for (const auto& [value, kept] : {std::pair{0.25, 0.25}, {-0.5, 0.0}, {1.5, 1.0}, {double{NAN}, 0.0}}) {
     huge.set(1, value);
@@ -121,7 +124,7 @@ TEST_P(EveryPlugin, RefusesSizesThatNoFrameHasAndTakesNoMemoryToBeListed) {
   EXPECT_EQ(huge.number(2), -1.0) << "there is no such parameter";
 }
 
-TEST_P(EveryPlugin, GivesTheLibrarysPixelsAndNoneToBeginWith) {
+TEST_P(EveryPlugin, GivesTheLibrarysPixelsAndNoEffectByDefault) {
   for (const auto& [width, height] : {std::pair{1, 1}, {7, 3}, {1, 200}, {200, 1}, {129, 67}, {640, 360}}) {
     Instance instance(plugin, width, height);
     for (unsigned seed = 1; seed <= 2; ++seed) {
@@ -160,7 +163,7 @@ class LutPlugin : public testing::Test {
   Plugin plugin{"lumvane_lut"};
   Instance instance{plugin, 40, 30};
   const test::Bytes src = test::noise(4 * 40 * 30, 1);
-  // UTF-8, as hosts hand paths over.
+  // UTF-8, as hosts pass paths.
   std::unique_ptr<TemporaryFile> cube =
       std::make_unique<TemporaryFile>(u8"l\u00fcmi\u00e8re \u5149.cube", test::negativeCube());
   std::string path = pathOf(*cube);
@@ -180,7 +183,7 @@ TEST_F(LutPlugin, PassesThePictureThroughWithoutAUsableFile) {
   plugin.f0r_set_param_value(instance.handle, &none, 0);
 }
 
-TEST_F(LutPlugin, LooksAtItsFileOnlyWhenThePathChanges) {
+TEST_F(LutPlugin, ReadsItsFileOnlyWhenThePathChanges) {
   instance.set(0, path);
   const test::Bytes graded = instance.update(src, 40, 30);
   cube.reset();
@@ -191,6 +194,22 @@ TEST_F(LutPlugin, LooksAtItsFileOnlyWhenThePathChanges) {
   instance.set(0, path);
   EXPECT_EQ(instance.update(src, 40, 30), src) << "the path anew, and the file is gone";
 }
+
+#ifndef LUMVANE_SANITIZED  // sanitizers end a process that finds no memory
+TEST_F(LutPlugin, LoadsWithTheNextFrameWhenMemoryWasShort) {
+  instance.set(0, path);
+  rlimit limit;
+  getrlimit(RLIMIT_DATA, &limit);
+  const rlimit none = {1, limit.rlim_max};
+  test::Bytes in = src, out(src.size());
+  setrlimit(RLIMIT_DATA, &none);
+  plugin.f0r_update(instance.handle, 0.0, reinterpret_cast<uint32_t*>(in.data()),
+                    reinterpret_cast<uint32_t*>(out.data()));
+  setrlimit(RLIMIT_DATA, &limit);
+  EXPECT_EQ(out, src);
+  EXPECT_NE(instance.update(src, 40, 30), src);
+}
+#endif
 
 TEST_F(LutPlugin, RoundsItsStrengthToPercents) {
   instance.set(0, path);

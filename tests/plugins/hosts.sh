@@ -1,8 +1,8 @@
 #!/bin/sh
-# Each plug-in in a real host, over a short clip: what the host writes has to be, byte for byte, what lumvane-host makes of
-# the same pictures.
+# Each plug-in in a real host, over a short clip: the host's output must equal lumvane-host's for the same pictures,
+# byte for byte.
 #   hosts.sh ffmpeg|melt LUMVANE-HOST PLUGIN_FOLDER SAMPLES
-# Exit code 77 where the host is not installed.
+# Exit code 77 if the host is not installed.
 set -u
 host=$1
 program=$2
@@ -15,8 +15,8 @@ folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
 cd "$folder" || exit 1
 failed=0
-# Clarity has all its levels from a shorter side of 65 on; MLT cuts into slices only what divides evenly. FFmpeg pads
-# rows up to a multiple of 64 bytes, and its plug-ins cannot know: there only widths of a multiple of 16 come out right.
+# Clarity has all its levels from a shorter side of 65 on; MLT only cuts into slices what divides evenly. FFmpeg pads
+# rows to a multiple of 64 bytes, unknown to its plug-ins: only widths that are a multiple of 16 come out right.
 height=96
 case $host in
   ffmpeg) width=160 ;;
@@ -31,8 +31,8 @@ run_ffmpeg() {  # run_ffmpeg PLUGIN FIRST SECOND
 }
 
 run_melt() {  # run_melt PLUGIN FIRST SECOND [PROPERTY]
-  # Nothing is scaled or converted with a profile of the clip's own size and RGBA from end to end. Now and then melt ends
-  # without having written anything, or never, with no filter at all as well: for that it gets further chances.
+  # A profile of the clip's own size and RGBA throughout avoid scaling and conversion. Occasionally melt ends without
+  # output, or hangs, even without any filter: so it gets further attempts.
   for _ in 1 2 3; do
     rm -f out.mkv
     timeout 30 melt -silent -profile clip.profile avformat:clip.mkv \
@@ -45,7 +45,7 @@ run_melt() {  # run_melt PLUGIN FIRST SECOND [PROPERTY]
   ffmpeg -nostdin -v error -y -i out.mkv $raw out.raw
 }
 
-# expect COMMAND...: the frames as lumvane-host makes them
+# expect COMMAND...: the frames that lumvane-host produces
 expect() {
   rm -rf graded
   "$program" "$@" clip graded || exit 1
@@ -53,13 +53,13 @@ expect() {
   ffmpeg -nostdin -v error -y -i graded/%d.png $raw expected.raw || exit 1
 }
 
-# gives PLUGIN FIRST SECOND [PROPERTY]: the host's frames are those in expected.raw
+# gives PLUGIN FIRST SECOND [PROPERTY]: the host's frames equal those in expected.raw
 gives() {
   rm -f out.raw
   "run_$host" "$@" && cmp out.raw expected.raw || { echo "failed: $host, $*"; failed=1; }
 }
 
-# Slopes under noise, no two channels alike, opaque on the left and of every alpha on the right.
+# Gradients under noise, all channels different, opaque on the left and of every alpha on the right.
 mkdir clip
 ffmpeg -nostdin -v error -f lavfi -i "nullsrc=s=${width}x$height:r=25,format=rgba,geq=r='60*N+40*random(1)':\
 g='220*Y/H+30*random(2)':b='220*X/W+30*random(3)':a='if(lt(2*X,W),255,255*random(4))'" -frames:v 4 clip/%d.png || exit 1
@@ -67,7 +67,7 @@ g='220*Y/H+30*random(2)':b='220*X/W+30*random(3)':a='if(lt(2*X,W),255,255*random
 ffmpeg -nostdin -v error -i clip/%d.png $raw clip.raw || exit 1
 if [ "$host" = melt ]; then
   ffmpeg -nostdin -v error -i clip/%d.png -pix_fmt bgra -c:v ffv1 clip.mkv || exit 1
-  # melt does not bear a profile without a description.
+  # melt requires a description in a profile.
   cat >clip.profile <<END
 description=clip
 frame_rate_num=25

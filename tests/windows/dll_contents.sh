@@ -1,6 +1,6 @@
 #!/bin/sh
-# The DLL exports the functions of lumvane.h, undecorated, and nothing else; it imports what every Windows has and nothing
-# else.
+# The DLL exports the functions of lumvane.h, undecorated, and nothing else; imports only what every Windows has; may be
+# loaded anywhere in 64 bits of addresses; and its data cannot be executed.
 #   dll_contents.sh OBJDUMP LUMVANE.H LUMVANE.DLL
 set -eu
 contents=$("$1" -p "$3")
@@ -8,4 +8,5 @@ echo "$contents" | sed -n '/Ordinal\/Name/,/^$/s/^[[:space:]]*\[ *[0-9]*\] //p' 
   "$(dirname "$0")/../exported_names.sh" "$2" -
 imports=$(echo "$contents" | sed -n 's/.*DLL Name: //p' | sort | tr '\n' ' ')
 echo "imports: $imports"
+for word in HIGH_ENTROPY_VA DYNAMIC_BASE NX_COMPAT; do echo "$contents" | grep "$word"; done
 [ "$imports" = 'KERNEL32.dll msvcrt.dll ' ]

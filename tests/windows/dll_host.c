@@ -14,16 +14,16 @@ static HMODULE library;
 #include "cmake/exports.inc"
 #undef LUMVANE_EXPORT
 
-static int faults;
+static int errors;
 static void expect(bool holds, const char* what) {
   if (holds) return;
   printf("not so: %s\n", what);
-  ++faults;
+  ++errors;
 }
 
 static void find(void* function, const char* name) {
   FARPROC const found = GetProcAddress(library, name);
-  if (found == NULL) printf("there is no %s\n", name), ++faults;
+  if (found == NULL) printf("there is no %s\n", name), ++errors;
   memcpy(function, &found, sizeof found);
 }
 
@@ -38,7 +38,7 @@ static bool load(const wchar_t* file) {
 
 static void write_negative(const wchar_t* name) {
   FILE* const file = _wfopen(name, L"wb");
-  if (file == NULL) return; /* which is seen when it is read */
+  if (file == NULL) return; /* noticed when it is read */
   fputs("LUT_3D_SIZE 2\r\n1 1 1\r\n0 1 1\r\n1 0 1\r\n0 0 1\r\n1 1 0\r\n0 1 0\r\n1 0 0\r\n0 0 0\r\n", file);
   fclose(file);
 }
@@ -114,16 +114,16 @@ int wmain(int argc, wchar_t** argv) {
   swprintf(folder, MAX_PATH, L"%ls\\lumvane \u00e4\u0416\u6f22\U0001f3a8", given);
   CreateDirectoryW(folder, NULL);
 
-  /* What has no handle leaves nothing behind. */
+  /* White balance creates no effect, so the DLL can be unloaded. */
   for (round = 0; round < 20; ++round) {
     uint8_t pixel[4] = {100, 100, 100, 255};
     if (!load(argv[1])) return printf("the DLL cannot be loaded: error %lu\n", GetLastError()), 1;
     expect(FWhiteBalanceFun(pixel, pixel, 0, 0, 0, 1.0f, 0, 1, 1) && pixel[0] < pixel[2], "white balance");
     expect(FindResourceW(library, MAKEINTRESOURCEW(VS_VERSION_INFO), (LPCWSTR)RT_VERSION) != NULL, "a version");
     FreeLibrary(library);
-    expect(GetModuleHandleW(L"lumvane.dll") == NULL, "the DLL is unloaded where no effect was made");
+    expect(GetModuleHandleW(L"lumvane.dll") == NULL, "the DLL is unloaded if no effect was created");
   }
-  /* With threads waiting inside, it stays. */
+  /* With threads waiting inside, it stays loaded. */
   for (round = 0; round < 3; ++round) {
     if (!load(argv[1])) return 1;
     try_paths(folder);
@@ -133,6 +133,6 @@ int wmain(int argc, wchar_t** argv) {
     Sleep(50);
   }
   expect(GetModuleHandleW(L"lumvane.dll") != NULL, "the DLL stays for its threads");
-  if (faults == 0) puts("all as it should be");
-  return faults != 0;
+  if (errors == 0) puts("passed");
+  return errors != 0;
 }

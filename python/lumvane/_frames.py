@@ -1,0 +1,254 @@
+"""What a worker of the farm does: from picture file to picture file, and from a range of a clip to the same range."""
+
+from __future__ import annotations
+
+import os
+import tempfile
+import threading
+import uuid
+import zlib
+from dataclasses import dataclass, field
+from typing import Any, Callable, Dict, List, NamedTuple, Optional, Tuple
+
+import cv2
+import numpy as np
+
+import lumvane
+
+# Frames side by side use all processors; rows side by side would only get into their way.
+cv2.setNumThreads(1)
+
+KINDS = (".png", ".jpg", ".jpeg", ".tif", ".tiff", ".webp", ".bmp")
+WITH_ALPHA = (".png", ".webp", ".tif", ".tiff")
+
+
+@dataclass(frozen=True)
+class Effect:
+    """An effect with all it takes. LUTs go by their contents, compressed, so that workers need not reach the files."""
+
+    name: str
+    options: Dict[str, Any]
+    files: Dict[str, bytes]
+    key: str = field(default_factory=lambda: uuid.uuid4().hex)
+
+
+def given(effect: Effect) -> Effect:
+    """The effect as a task of its own: a worker that joins late, or loses it, gets it once more from the scheduler."""
+    return effect
+
+
+def write_files(effect: Effect, folder: str) -> None:
+    for name, contents in effect.files.items():
+        with open(os.path.join(folder, name), "wb") as file:
+            file.write(zlib.decompress(contents))
+
+
+Edit = Callable[[lumvane.Picture], lumvane.Picture]
+
+
+def picture_edit(effect: Effect) -> Edit:
+    """From BGRA to BGRA. Opens the effect, and so says when that cannot be."""
+    if effect.name == "whitebalance":
+        return lambda picture: lumvane.white_balance(picture, **effect.options)
+    if effect.name == "clarity":
+        return lumvane.Clarity(**effect.options)
+    with tempfile.TemporaryDirectory() as folder:
+        write_files(effect, folder)
+        lut = lumvane.Lut(os.path.join(folder, *effect.files))
+
+    # A picture file holds colours that are not multiplied by alpha: so they are graded as opaque ones.
+    def grade(picture: lumvane.Picture) -> lumvane.Picture:
+        opaque = picture.copy()
+        opaque[..., 3] = 255
+        graded = lut(opaque, **effect.options)
+        graded[..., 3] = picture[..., 3]
+        return graded
+
+    return grade
+
+
+def is_cut_off_jpeg(data: bytes) -> bool:
+    """OpenCV makes up what is missing of a JPEG file. One that was cut off has no end marker behind its header, a row
+    of segments (ITU-T T.81, annex B): a marker, and a length that counts itself. Marker 0xda begins the picture."""
+    if data[:3] != b"\xff\xd8\xff":
+        return False
+    at = 2
+    while at + 3 < len(data) and data[at + 1] != 0xDA:
+        at += 1 if data[at + 1] == 0xFF else 2 + int.from_bytes(data[at + 2:at + 4], "big")
+    return data.find(b"\xff\xd9", at) < 0
+
+
+def read_picture(path: str) -> lumvane.Picture:
+    """BGRA of 8 bits, upright."""
+    with open(path, "rb") as file:
+        data = file.read()
+    coded = np.frombuffer(data, np.uint8)
+    if is_cut_off_jpeg(data):
+        raise ValueError("it is cut off, the file ends ahead of the picture")
+    # Only the colour mode heeds the orientation that cameras note in a file; only the unchanged one keeps alpha. Most
+    # pictures tell beforehand that they have none, and decoding is half of the work: those are decoded once.
+    jpeg, png = data[:2] == b"\xff\xd8", data[:4] == b"\x89PNG"
+    opaque = jpeg or png and data[25:26] in b"\0\2" and b"tRNS" not in data[:data.find(b"IDAT")]
+    picture = None
+    if data and not opaque:
+        picture = cv2.imdecode(coded, cv2.IMREAD_UNCHANGED)
+    if opaque or picture is not None and (picture.ndim < 3 or picture.shape[2] != 4):
+        picture = cv2.imdecode(coded, cv2.IMREAD_COLOR)
+    if picture is None:
+        raise ValueError("it is damaged, or no picture of a format that is known here")
+    if picture.dtype == np.uint16:
+        picture = ((picture.astype(np.uint32) + 128) // 257).astype(np.uint8)
+    if picture.dtype != np.uint8:
+        raise ValueError("its pixels have neither 8 nor 16 bits")
+    bgra: lumvane.Picture = picture if picture.shape[2] == 4 else cv2.cvtColor(picture, cv2.COLOR_BGR2BGRA)
+    return bgra
+
+
+def write_picture(path: str, picture: lumvane.Picture, run: str) -> None:
+    """Writes alpha where there is any and the format has it. The file takes its name when it is complete. Until then
+    its name ends in `.RUN.part`, and is another in every try: a worker that was given up may still be writing."""
+    extension = os.path.splitext(path)[1].lower()
+    if extension not in WITH_ALPHA or (picture[..., 3] == 255).all():
+        picture = cv2.cvtColor(picture, cv2.COLOR_BGRA2BGR)
+    written, coded = cv2.imencode(extension, picture, [cv2.IMWRITE_JPEG_QUALITY, 95])
+    if not written:
+        raise ValueError(f"{extension} holds no {picture.shape[1]} x {picture.shape[0]} pixels")
+    part = f"{path}.{uuid.uuid4().hex[:8]}.{run}.part"
+    try:
+        with open(part, "xb") as file:
+            file.write(coded)
+        os.replace(part, path)
+    except BaseException:
+        if os.path.exists(part):
+            os.unlink(part)
+        raise
+
+
+_opened = threading.local()  # an effect serves one thread at a time
+
+
+def opened(key: Any, make: Callable[[], Any]) -> Any:
+    """What `make` gives, once a thread for the same key."""
+    if getattr(_opened, "key", None) != key:
+        _opened.key, _opened.value = None, None
+        _opened.value = make()
+        _opened.key = key
+    return _opened.value
+
+
+def reason(error: Exception) -> str:
+    return str(getattr(error, "strerror", "") or getattr(error, "err", "") or error) or type(error).__name__
+
+
+Failure = Tuple[str, str]
+
+
+def render_pictures(effect: Effect, pictures: List[Tuple[str, str]], run: str, overwrite: bool) -> List[Failure]:
+    """Takes pictures from their first path to their second one. Gives the names of those that failed, and why."""
+    failures = []
+    for source, target in pictures:
+        try:
+            if overwrite or not os.path.exists(target):  # a worker that died may have done some already
+                edit = opened(effect.key, lambda: picture_edit(effect))
+                write_picture(target, edit(read_picture(source)), run)
+        except Exception as error:  # whatever it is, the other frames go on
+            failures.append((source, reason(error)))
+    return failures
+
+
+class Clip(NamedTuple):
+    """A YUV4MPEG2 file of 8 bits and 4:2:0, and what becomes of it."""
+
+    source: str
+    part: str  # is written, and then takes the name of the target
+    target: str
+    width: int
+    height: int
+    limited: bool
+    head: bytes  # of the target
+    start: int  # of the first frame in the source
+    frames: int
+
+    @property
+    def chroma(self) -> Tuple[int, int]:
+        return (self.height + 1) // 2, (self.width + 1) // 2
+
+    @property
+    def step(self) -> int:
+        """Bytes of a frame with the line that begins it."""
+        return 6 + self.width * self.height + 2 * self.chroma[0] * self.chroma[1]
+
+
+def read_head(source: str, target: str, run: str, video_range: Optional[str]) -> Clip:
+    """Reads the head of a clip."""
+    with open(source, "rb") as file:
+        line = file.readline(4096)
+        size = file.seek(0, os.SEEK_END)
+    words = line.decode("latin-1").split()
+    if words[:1] != ["YUV4MPEG2"] or not line.endswith(b"\n"):
+        raise ValueError("it is no YUV4MPEG2 stream")
+    tags = {word[0]: word[1:] for word in words[1:] if word[0] != "X"}
+    if tags.get("I", "p") not in ("p", "?"):
+        raise ValueError("it is interlaced; only whole frames are taken")
+    if tags.get("C", "420") not in ("420", "420jpeg", "420mpeg2", "420paldv"):
+        raise ValueError(f"it has pixels of the form C{tags['C']}; only 8-bit 4:2:0 is taken")
+    width, height = (int(tags[tag]) if tags.get(tag, "").isdigit() else 0 for tag in "WH")
+    if not 0 < width * height <= 2**28:  # 16K frames; what is beyond is a damaged head
+        raise ValueError(f"it has no usable size: 1 to {2**28} pixels are taken")
+    limited = (video_range or ("full" if "XCOLORRANGE=FULL" in words else "limited")) == "limited"
+    head = (f"YUV4MPEG2 W{width} H{height} F{tags.get('F', '25:1')} Ip A{tags.get('A', '0:0')} "
+            f"C420mpeg2 XYSCSS=420MPEG2 XCOLORRANGE={'LIMITED' if limited else 'FULL'}\n")
+    clip = Clip(source, f"{target}.{run}.part", target, width, height, limited, head.encode("latin-1"), len(line), 0)
+    frames, rest = divmod(size - len(line), clip.step)
+    if rest:
+        raise ValueError("it ends within a frame, or its frames have parameters of their own")
+    return clip._replace(frames=frames)
+
+
+_folders: Dict[str, "tempfile.TemporaryDirectory[str]"] = {}  # of HDR LUTs by their contents; until the process ends
+_folders_lock = threading.Lock()
+
+
+def hdr_folder(effect: Effect) -> str:
+    key = repr(sorted((name, zlib.crc32(contents), len(contents)) for name, contents in effect.files.items()))
+    with _folders_lock:
+        if key not in _folders:
+            folder = tempfile.TemporaryDirectory()
+            write_files(effect, folder.name)
+            _folders[key] = folder
+        return _folders[key].name
+
+
+def open_hdr(effect: Effect, limited: bool, size: Tuple[int, int]) -> lumvane.HdrToBt709:
+    return lumvane.HdrToBt709(hdr_folder(effect), effect.options["transfer"], limited, size=size)
+
+
+def convert_range(effect: Effect, clip: Clip, first: int, end: int) -> List[Failure]:
+    """Converts the frames from `first` to `end` - 1 into their places in the part file. Who does it twice writes the
+    same bytes, so that a worker that was given up does no harm."""
+    try:
+        convert = opened((effect.key, clip.limited, clip.width, clip.height),
+                         lambda: open_hdr(effect, clip.limited, (clip.width, clip.height)))
+        luma = clip.width * clip.height
+        cuts = [6, 6 + luma, 6 + luma + (clip.step - 6 - luma) // 2, clip.step]
+        shapes = [(clip.height, clip.width), clip.chroma, clip.chroma]
+        # Written and not read: on shared storage, this machine must not write its cache over what others have written.
+        there = os.open(clip.part, os.O_WRONLY)
+        with open(there, "wb") as target, open(clip.source, "rb") as source:
+            source.seek(clip.start + first * clip.step)
+            target.seek(len(clip.head) + first * clip.step)
+            for number in range(first, end):
+                frame = np.frombuffer(source.read(clip.step), np.uint8)
+                if frame.size != clip.step or frame[:6].tobytes() != b"FRAME\n":
+                    raise ValueError(f"frame {number} does not begin where it should")
+                result = frame.copy()
+                (y, u, v), (to_y, to_u, to_v) = (
+                    [data[begin:stop].reshape(shape) for begin, stop, shape in zip(cuts, cuts[1:], shapes)]
+                    for data in (frame, result))
+                convert(y, v, u, out=(to_y, to_v, to_u))
+                target.write(result.tobytes())
+            target.flush()
+            os.fsync(target.fileno())  # what is told as done is there for others
+    except Exception as error:  # whatever it is, the other clips go on
+        return [(clip.source, f"frames {first} to {end - 1}: {reason(error)}")]
+    return []

@@ -1,0 +1,41 @@
+"""Builds with Debian's python3-setuptools and nothing from the network. Hence no pyproject.toml: for that pip would
+fetch setuptools anew."""
+
+import re
+import shutil
+from pathlib import Path
+
+from setuptools import Distribution, setup
+from setuptools.command.build_py import build_py
+
+project = Path(__file__).resolve().parent.parent
+library = project / "build/release/liblumvane.so.0"
+
+
+class BuildWithLibrary(build_py):
+    """Takes the library along when it has been built, so that nobody has to say where it is."""
+
+    def run(self):
+        super().run()
+        if library.exists():
+            shutil.copy(library, Path(self.build_lib) / "lumvane")
+
+
+class PlatformDistribution(Distribution):
+    def has_ext_modules(self):
+        return library.exists()
+
+
+setup(
+    name="lumvane",
+    version=re.search(r"VERSION ([\d.]+)", (project / "CMakeLists.txt").read_text().split("project(")[1])[1],
+    description="Per-frame colour effects on NumPy pictures",
+    license="MIT",
+    packages=["lumvane"],
+    package_data={"lumvane": ["py.typed"]},
+    python_requires=">=3.9",
+    install_requires=["numpy"],
+    extras_require={"farm": ["distributed", "opencv-python"]},
+    cmdclass={"build_py": BuildWithLibrary},
+    distclass=PlatformDistribution,
+)
