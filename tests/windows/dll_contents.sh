@@ -9,4 +9,4 @@ echo "$contents" | sed -n '/Ordinal\/Name/,/^$/s/^[[:space:]]*\[ *[0-9]*\] //p' 
 imports=$(echo "$contents" | sed -n 's/.*DLL Name: //p' | sort | tr '\n' ' ')
 echo "imports: $imports"
 for word in HIGH_ENTROPY_VA DYNAMIC_BASE NX_COMPAT; do echo "$contents" | grep "$word"; done
-[ "$imports" = 'KERNEL32.dll msvcrt.dll ' ]
+[ "$imports" = 'ADVAPI32.dll KERNEL32.dll msvcrt.dll ' ]
