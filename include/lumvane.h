@@ -16,7 +16,9 @@
  *            white balance   has no strides: rows are always packed
  * Threads  A handle serves one thread at a time. Different handles may be used side by side. Large frames are spread
  *          over OpenCV's worker threads; a call returns when all its work is done. cv::setNumThreads governs how many
- *          there are; on Windows, where OpenCV is inside the DLL, OPENCV_FOR_THREADS_NUM in the environment does.
+ *          there are; on Windows, where OpenCV is inside the DLL, OPENCV_FOR_THREADS_NUM in the environment does. If
+ *          they cannot be started, all work is done on the calling threads. exit() may be called while calls are under
+ *          way; unloading the library may not.
  * Bytes    The same input gives the same bytes on every processor, system and number of threads. Nor do the locale
  *          and the floating-point mode of the calling thread matter (rounding, denormals flushed or not, traps); the mode
  *          is found as it was.
