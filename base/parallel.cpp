@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "base/default_float_mode.h"
+#include "base/unload.h"
 
 namespace Lumvane {
 namespace {
@@ -92,7 +93,7 @@ int poolThreads() noexcept {
   static std::mutex mutex;
   static std::atomic<int> started = 0;
   static std::atomic<bool> failed = false;
-  if (failed) return 1;
+  if (failed || processEnds) return 1;  // OpenCV ends its pool behind us
   if (started > 0 && threadsToStart() <= started) return cv::getNumThreads();
   try {
     const std::lock_guard lock(mutex);

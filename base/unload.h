@@ -1,10 +1,12 @@
 #pragma once
 
+#include <atomic>
+
 namespace Lumvane {
 
 /// Set once the process has begun to end. exit() does not wait for other threads, and frames may be in work on them: what
 /// they read is released when the library is unloaded, and then alone.
-inline bool processEnds = false;
+inline std::atomic<bool> processEnds = false;
 inline const struct ProcessEnd {
   ~ProcessEnd() { processEnds = true; }
 } processEnd;
