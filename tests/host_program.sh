@@ -65,6 +65,7 @@ cp silver.3dl "$latin.3dl"
 red=$(printf '\033[31mred')  # what turns a terminal red
 hdr='hdr --transfer hlg --luts'
 while IFS='|' read -r code words input arguments; do
+  if [ "$words" = --memory ] && ldd "$host" | grep libasan; then continue; fi  # it takes terabytes, and has no limit
   eval "$input" >input.y4m
   # shellcheck disable=SC2015,SC2086  # a list of words
   message=$("$host" $arguments <input.y4m 2>&1) && status=0 || status=$?
@@ -75,7 +76,6 @@ done <<CASES
 3|ends within a frame|cp hlg.y4m kept.y4m; head -c 9000 hlg.y4m|$hdr luts input.y4m kept.y4m
 3|--memory|echo YUV4MPEG2 W16384 H16384|$hdr luts input.y4m x.y4m
 3|--memory||clarity huge.ppm x.png
-3|1 of 2 pictures failed:||clarity huge.ppm many/one.png $latin
 3|no ordinary file||lut --lut pipe.cube many/one.png x.png
 3|no ordinary file||lut --lut /dev/zero many/one.png x.png
 3|'damaged/HDR_HLG.cube': a LUT is||$hdr damaged hlg.y4m x.y4m
@@ -103,7 +103,7 @@ tail -c +3 many/two.jpg >>turned.jpg
 [ "$(od -An -tu1 -j16 -N8 upright.png | tr -s ' ')" = " 0 0 0 36 0 0 0 64" ]
 
 # An interrupted run leaves nothing, like a failed one, also where a file may not be as large.
-(ulimit -f 8 && "$host" scene x.png) || [ $? -eq 4 ]
+(ulimit -f 8 && "$host" scene x.png) 2>/dev/null || [ $? -eq 4 ]
 for signal in INT TERM QUIT; do
   timeout -s $signal 0.3 "$host" hdr-clip --transfer hlg --frames 100000 x.y4m || [ $? -eq 124 ]
 done
