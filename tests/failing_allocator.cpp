@@ -1,8 +1,10 @@
 #include "tests/failing_allocator.h"
 
-#include <dlfcn.h>
 #include <malloc.h>
+#ifdef LUMVANE_OWN_MALLOC
+#include <dlfcn.h>
 #include <pthread.h>
+#endif
 
 #include <atomic>
 #include <cerrno>
