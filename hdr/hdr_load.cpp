@@ -104,9 +104,9 @@ void fillHdrCache(VideoAdjustColor& object, int transfer) {
   worker.lattice = shared.lattice;
   worker.cacheData = shared.cache.data();
   runParallel(kBands, worker);
-  // A file that was refused can leave the tables of another size.
+  // A refused file can leave tables of another size, or a cache that was filled with the size of an earlier file.
   const float* const values = shared.lattice[0][0];
-  shared.ordinary = object.cell[255] == object.latticeSize - 1 &&
+  shared.ordinary = shared.latticeSize == object.latticeSize && object.cell[255] == object.latticeSize - 1 &&
                     std::all_of(values, values + kLatticeStride * kLatticeStride * kLatticeStride * 3, isOrdinary);
 }
 

@@ -32,6 +32,11 @@ Bytes frameOf(const HdrFolder& folder, bool pq, int rows, int reserved = 0) {
   Yv12Frame src(100, rows), dst(100, rows);
   src.y.fillWithNoise(1), src.v.fillWithNoise(2), src.u.fillWithNoise(3);
   EXPECT_TRUE(src.processTo(dst, object.handle, reserved));
+  for (int frame = 1; frame < 5; ++frame) {  // the first two go through the cache, the next two through the lattice
+    Yv12Frame again(100, rows);
+    src.processTo(again, object.handle, reserved);
+    EXPECT_EQ(again.packed(), dst.packed()) << frame;
+  }
   Yv12Frame inPlace = src;
   EXPECT_TRUE(inPlace.processTo(inPlace, object.handle));
   EXPECT_EQ(inPlace.packed(), dst.packed());
@@ -128,6 +133,7 @@ INSTANTIATE_TEST_SUITE_P(
         Pair{"SizeRefusedAtOnce", kGood, "LUT_3D_SIZE 66\n0 0 0\n", 5, 66, false, true, false, 4},
         Pair{"SizeBeyondTheHeader", kGood, "TITLE t\nLUT_3D_SIZE 300\n", 5, 5, false, true, false, 4},
         Pair{"NoSize", kGood, "TITLE t\n0 0 0\n", 5, 5, false, true, false, 4},
+        Pair{"NoHeader", kGood, "0 0 0\n", 5, 0, false, true, false, 4},
         Pair{"NoSizes", "TITLE t\n", "0 0 0\n", 0, 0, true, true, false, 0},
         Pair{"BlankLine", kGood, "   \n0 0 0\n", 5, 5, false, true, false, 4},
         Pair{"DomainInverted", kGood, "LUT_3D_SIZE 4\nDOMAIN_MIN 1 1 1\n0 0 0\n", 5, 4, false, true, false, 4},
