@@ -26,13 +26,6 @@ void run(Worker& worker, cv::Mat& dst, const cv::Mat& src, const LatticeView& la
   runParallel(worker.bands, worker);
 }
 
-bool overlap(const cv::Mat& a, const cv::Mat& b) {
-  const auto extent = [](const cv::Mat& frame) {
-    return Extent(frame.ptr(), static_cast<ptrdiff_t>(frame.step[0]), frame.cols * frame.elemSize(), frame.rows);
-  };
-  return extent(a).overlaps(extent(b));
-}
-
 bool rowsOverlap(const cv::Mat& frame) {
   const auto step = static_cast<ptrdiff_t>(frame.step[0]);
   return frame.rows > 1 && std::abs(step) < static_cast<ptrdiff_t>(frame.cols * frame.elemSize());
@@ -54,7 +47,7 @@ bool isSmall(const cv::Mat& frame) {
 
 void gradeFrame(cv::Mat& dst, const cv::Mat& src, const LatticeView& lattice, const BlendTables& blends,
                 int32_t sourceWeight, const GradeKernels& kernels) {
-  const bool fadeAfterwards = sourceWeight > 0 && (overlap(dst, src) || rowsOverlap(dst));
+  const bool fadeAfterwards = sourceWeight > 0 && (Extent(dst).overlaps(Extent(src)) || rowsOverlap(dst));
   parallelCubeLut worker;
   worker.blends = blends;
   worker.sourceWeight = fadeAfterwards ? 0 : sourceWeight;

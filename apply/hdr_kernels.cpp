@@ -10,27 +10,16 @@
 
 namespace Lumvane {
 namespace plain {
-namespace {
-
-void storeColour(const RGB8& colour, uint8_t alpha, uint8_t* dst) {
-  dst[0] = colour.component[2];
-  dst[1] = colour.component[1];
-  dst[2] = colour.component[0];
-  dst[3] = alpha;
-}
-
-}  // namespace
 
 void cacheRow(const RGB8* cache, const uint8_t* src, uint8_t* dst, size_t pixels) {
   for (size_t i = 0; i < pixels; ++i, src += 4, dst += 4) {
-    storeColour(cache[cacheEntry(src[2], src[1], src[0])], src[3], dst);
+    dst[3] = src[3];
+    storeColour(cache[cacheEntry(src[2], src[1], src[0])], dst);
   }
 }
 
 void latticeRow(const LatticeView& lattice, const uint8_t* src, uint8_t* dst, size_t pixels) {
-  for (size_t i = 0; i < pixels; ++i, src += 4, dst += 4) {
-    storeColour(hdrColour(lattice, src[2], src[1], src[0]), src[3], dst);
-  }
+  mapThroughLattice(lattice, src, dst, pixels);
 }
 
 void fillBlues(const HdrLatticeView& lattice, uint8_t r, uint8_t g, RGB8* entries) {
@@ -87,9 +76,19 @@ void cacheRow(const RGB8* cache, const uint8_t* src, uint8_t* dst, size_t pixels
 
 #endif
 
-// truncToByte of an interpolated ordinary value, not yet clamped to 0 to 255. The addend is 0.5 minus half a unit in
-// the last place: with 0.5 the float sum could round up to an integer that the exact sum does not reach.
-HWY_INLINE VI truncatedByte(VF v) { return truncated(hn::Add(v, hn::Set(F(), 0.49999997f))); }
+// truncToByte of values up to 2^20 either way. Adding and subtracting a large number rounds to the nearest integer, ties to
+// even. From 0 up that is the result, except for ties that went down. At -0.5 and below, where 0.5 is added and the sum is
+// cut off towards zero, it is one too low except for those.
+HWY_INLINE VI truncatedBytes(VF value) {
+  const F f;
+  const VF held = hn::Min(value, hn::Set(f, 255.0f));
+  const VF large = hn::Set(f, 12582912.0f);  // 1.5 * 2^23: the unit in the last place is 1, and the low 8 bits are 0
+  const VF sum = hn::Add(held, large);
+  const VF rest = hn::Sub(held, hn::Sub(sum, large));
+  const VF oneMoreFrom = hn::IfThenElse(hn::Lt(held, hn::Set(f, -0.5f)), hn::Set(f, -0.49999997f), hn::Set(f, 0.5f));
+  const VI bytes = hn::Sub(hn::BitCast(I(), sum), hn::BitCast(I(), hn::VecFromMask(f, hn::Ge(rest, oneMoreFrom))));
+  return hn::And(bytes, hn::Set(I(), 0xFF));
+}
 
 // A row for interpolateVectors.
 struct MappedRow {
@@ -98,7 +97,7 @@ struct MappedRow {
   uint8_t* dst;
 
   HWY_INLINE void find(size_t v, Tetrahedra& out) const { findTetrahedra(axes, loadPixels(src + 4 * kLanes * v), out); }
-  HWY_INLINE VI toBytes(VF v) const { return truncatedByte(v); }
+  HWY_INLINE VI toBytes(VF v) const { return truncatedBytes(v); }
   HWY_INLINE void store(size_t v, VU components) const {
     const VU alphas = hn::And(loadPixels(src + 4 * kLanes * v), hn::Set(U(), 0xFF000000));
     storePixels(hn::Or(toBgr(components), alphas), dst + 4 * kLanes * v);
@@ -122,8 +121,8 @@ struct PlanarRow {
   bool ordinary;                                            // all its values are; other rows use the plain form
 
   void read(const float* row) {
-    const VF least = hn::Set(F(), -1.0f), most = hn::Set(F(), 1 << 20);
-    auto inRange = hn::Lt(least, most);
+    const VF most = hn::Set(F(), kMostOrdinary);
+    auto inRange = hn::Eq(most, most);
     constexpr size_t kLastVector = kLatticeStride - kLanes;
     for (size_t point = 0; point < kLatticeStride; point += kLanes) {
       const size_t first = std::min(point, kLastVector);
@@ -131,7 +130,7 @@ struct PlanarRow {
       hn::LoadInterleaved3(F(), row + 3 * first, values[0], values[1], values[2]);
       for (int c = 0; c < 3; ++c) {
         hn::StoreU(values[c], F(), component[c] + first);
-        inRange = hn::And(inRange, hn::And(hn::Gt(values[c], least), hn::Le(values[c], most)));  // false for a NaN
+        inRange = hn::And(inRange, hn::Le(hn::Abs(values[c]), most));  // false for a NaN
       }
     }
     ordinary = hn::AllTrue(F(), inRange);
@@ -192,8 +191,6 @@ struct FourRows {
   bool ordinary() const { return lower->ordinary && redUpper->ordinary && greenUpper->ordinary && bothUpper->ordinary; }
 };
 
-HWY_INLINE VU entryByte(VF v) { return hn::BitCast(U(), truncatedByte(hn::Min(v, hn::Set(F(), 255.0f)))); }
-
 // tetrahedralLookup with sorted fractions: the weights are the differences of neighbours in that order, and ties give
 // the same ones either way. The choice of the corners does depend on ties, so `blueFirst` and `blueLast` use the
 // comparisons of tetrahedralLookup.
@@ -218,8 +215,9 @@ void fillBlues(const FourRows& rows, const BlueAxis& axis, float fr, float fg, c
       const VF pa = hn::IfThenElse(blueFirst, axis.upper(row000, b), axis.lower(rowBetween, b));
       const VF pb = hn::IfThenElse(blueLast, axis.lower(row110, b), axis.upper(rowBetween, b));
       const VF p111 = axis.upper(row110, b);
-      bytes[c] = entryByte(
-          hn::Add(hn::Add(hn::Add(hn::Mul(w0, p000), hn::Mul(wa, pa)), hn::Mul(wb, pb)), hn::Mul(least, p111)));
+      const VF sum =
+          hn::Add(hn::Add(hn::Add(hn::Mul(w0, p000), hn::Mul(wa, pa)), hn::Mul(wb, pb)), hn::Mul(least, p111));
+      bytes[c] = hn::BitCast(U(), truncatedBytes(sum));
     }
     packer.store(bytes[0], bytes[1], bytes[2], packed + sizeof(RGB8) * b);
   }

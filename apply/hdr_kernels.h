@@ -2,6 +2,7 @@
 // nothing of frames or threads, do not allocate, and touch exactly the bytes that their pixel count covers.
 #pragma once
 
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 
@@ -28,14 +29,28 @@ RGB8 hdrColour(const Lattice& lattice, uint8_t r, uint8_t g, uint8_t b) {
   return {{truncToByte(out[0]), truncToByte(out[1]), truncToByte(out[2])}};
 }
 
+/// Writes a colour as bytes 2, 1 and 0 of a BGRA pixel.
+inline void storeColour(const RGB8& colour, uint8_t* pixel) {
+  for (int c = 0; c < 3; ++c) pixel[c] = colour.component[2 - c];
+}
+
+/// Maps BGRA pixels by hdrColour, one at a time. Byte 3 is copied. dst may be src.
+template <class Lattice>
+void mapThroughLattice(const Lattice& lattice, const uint8_t* src, uint8_t* dst, size_t pixels) {
+  for (size_t i = 0; i < pixels; ++i, src += 4, dst += 4) {
+    dst[3] = src[3];
+    storeColour(hdrColour(lattice, src[2], src[1], src[0]), dst);
+  }
+}
+
 /// Maps BGRA pixels through the cache of an HDR LUT. Byte 3 is copied. dst may be src.
 using CacheRow = void(const RGB8* cache, const uint8_t* src, uint8_t* dst, size_t pixels);
 
-/// True for a value that, with others like it, interpolates to nothing below -1.5 or beyond the range of integers.
-inline bool isOrdinary(float value) { return value > -1.0f && value <= 1 << 20; }
+/// Lattice values of up to this magnitude are ordinary: the vector forms make bytes of what they interpolate to.
+inline constexpr float kMostOrdinary = 1 << 20;
+inline bool isOrdinary(float value) { return std::abs(value) <= kMostOrdinary; }  // false for a NaN
 
-/// Maps BGRA pixels through the lattice itself, by hdrColour. Byte 3 is copied. dst may be src. All values of the
-/// lattice must be ordinary, and its tables must match its size. One float past its last point may be read; its value
+/// mapThroughLattice. All values of the lattice must be ordinary, and its tables must match its size. One float past its last point may be read; its value
 /// does not matter.
 using HdrLatticeRow = void(const LatticeView& lattice, const uint8_t* src, uint8_t* dst, size_t pixels);
 

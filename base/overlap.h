@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <opencv2/core.hpp>
 
 namespace Lumvane {
 
@@ -17,6 +18,10 @@ struct Extent {
     first = std::min(topRow, lastRow, std::less<>());
     end = std::max(topRow, lastRow, std::less<>()) + rowBytes;
   }
+
+  /// Of a frame with any step.
+  explicit Extent(const cv::Mat& frame)
+      : Extent(frame.ptr(), static_cast<ptrdiff_t>(frame.step[0]), frame.cols * frame.elemSize(), frame.rows) {}
 
   bool overlaps(const Extent& other) const {
     return std::less<>()(first, other.end) && std::less<>()(other.first, end);

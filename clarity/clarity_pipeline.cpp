@@ -69,10 +69,7 @@ struct claritySynthesisPass {
 // True when dst covers pixels of src at other positions, so that writing could change pixels that are still to be read.
 bool overwritesUnread(const cv::Mat& dst, const cv::Mat& src) {
   if (dst.data == src.data && dst.step[0] == src.step[0]) return false;
-  const auto extent = [](const cv::Mat& frame) {
-    return Extent(frame.ptr(), static_cast<ptrdiff_t>(frame.step[0]), frame.cols * frame.elemSize(), frame.rows);
-  };
-  return extent(dst).overlaps(extent(src));
+  return Extent(dst).overlaps(Extent(src));
 }
 
 }  // namespace

@@ -17,12 +17,6 @@ int stripesOf(cv::Size size) {
   return int64_t{size.width} * size.height >= kLeastShared ? std::max(1, 2 * poolThreads()) : 1;
 }
 
-// The row that replaces row y beyond an edge: reflected, without repeating the outermost row.
-int reflected(int y, int rows) {
-  while (y < 0 || y >= rows) y = y < 0 ? -y : 2 * (rows - 1) - y;
-  return y;
-}
-
 void downRows(const RowOfPlane& input, cv::Size size, const StripeRows& rows, cv::Mat& output, float* scratch,
               const PyramidKernels& kernels) {
   const auto sums = [&](int y) { return scratch + static_cast<ptrdiff_t>(y % kTaps) * output.cols; };

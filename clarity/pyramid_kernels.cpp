@@ -11,12 +11,6 @@ namespace Lumvane {
 namespace plain {
 namespace {
 
-// The position of sample `x` in a row that is reflected at both ends.
-int reflected(int x, int width) {
-  while (x < 0 || x >= width) x = x < 0 ? -x : 2 * (width - 1) - x;
-  return x;
-}
-
 struct Taps {
   float a, b, c, d, e;
 };

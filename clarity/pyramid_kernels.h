@@ -11,6 +11,12 @@
 
 namespace Lumvane {
 
+/// The row or sample that replaces number `at` of `count` beyond an edge: reflected, without repeating the outermost one.
+inline int reflected(int at, int count) {
+  while (at < 0 || at >= count) at = at < 0 ? -at : 2 * (count - 1) - at;
+  return at;
+}
+
 /// A row of `width` samples, 2 or more, to (width + 1) / 2 sums of five taps, scaled by 16.
 using DownAcross = void(const float* row, int width, float* sums);
 

@@ -158,10 +158,7 @@ bool adjustFrame(VideoAdjustColor& object, const uint8_t* srcPlane0, const uint8
 
 void interpolatePixel(const VideoAdjustColor& object, const uint8_t* srcPixel, uint8_t* dstPixel) {
   const HdrLatticeView view = {object.workLatticeSize, object.fraction, object.cell, object.lattice};
-  const RGB8 colour = hdrColour(view, srcPixel[2], srcPixel[1], srcPixel[0]);
-  dstPixel[0] = colour.component[2];
-  dstPixel[1] = colour.component[1];
-  dstPixel[2] = colour.component[0];
+  storeColour(hdrColour(view, srcPixel[2], srcPixel[1], srcPixel[0]), dstPixel);
 }
 
 }  // namespace Lumvane

@@ -13,6 +13,7 @@
 #include "apply/hdr_kernels.h"
 #include "clarity/detail_kernels.h"
 #include "clarity/hsv_kernels.h"
+#include "clarity/pyramid_kernels.h"
 #include "hdr/yv12_kernels.h"
 #include "lut/blend_table.h"
 #include "lut/cube_lut.h"
@@ -31,13 +32,15 @@ struct Tables {
   const HdrKernels& hdr;
   const HsvKernels& hsv;
   const DetailKernels& details;
+  const PyramidKernels& pyramid;
   Yv12Kernels yv12;
   WhiteBalanceRow* whiteBalance;
 };
-const Tables kPlain = {plainGradeKernels,  plainHdrKernels,    plainHsvKernels,
-                       plainDetailKernels, plainYv12Kernels(), plainWhiteBalanceRow};
+const Tables kPlain = {plainGradeKernels,   plainHdrKernels,    plainHsvKernels,     plainDetailKernels,
+                       plainPyramidKernels, plainYv12Kernels(), plainWhiteBalanceRow};
 Tables ofTarget() {
-  return {gradeKernels(), hdrKernels(), hsvKernels(), detailKernels(), yv12Kernels(), whiteBalanceKernel()};
+  return {gradeKernels(),   hdrKernels(),  hsvKernels(),        detailKernels(),
+          pyramidKernels(), yv12Kernels(), whiteBalanceKernel()};
 }
 
 // The rows of one call.
@@ -48,9 +51,20 @@ struct Rows {
   float* outFloats(int i) const { return reinterpret_cast<float*>(out[i]); }
 };
 
-enum Kind { kBgra, kFloats, kBytes, kChroma };
+enum Kind { kBgra, kFloats, kBytes, kChroma, kHalfFloats, kTwiceFloats };
 size_t sizeOf(Kind kind, size_t pixels) {
-  return kind == kBytes ? pixels : kind == kChroma ? (pixels + 1) / 2 : 4 * pixels;
+  switch (kind) {
+    case kBytes:
+      return pixels;
+    case kChroma:
+      return (pixels + 1) / 2;
+    case kHalfFloats:
+      return 4 * ((pixels + 1) / 2);
+    case kTwiceFloats:
+      return 8 * pixels;
+    default:
+      return 4 * pixels;
+  }
 }
 
 // A kernel, its inputs and outputs; its other arguments follow from one number.
@@ -60,12 +74,14 @@ struct Kernel {
   std::vector<float> parameters;
   void (*call)(const Tables& of, const Rows& rows, size_t pixels, float parameter);
   bool inPlace = true;  // the first output row may be the first input row
+  size_t fewestPixels = 0;
 };
 
+template <test::Values values = test::Values::kWild>
 const LatticeView& lattice() {
   static const auto lut = [] {
     auto table = std::make_unique<CubeLut>();
-    std::istringstream text(test::randomCube(33, test::Values::kWild));
+    std::istringstream text(test::randomCube(33, values));
     table->readCube(text);
     return table;
   }();
@@ -102,6 +118,47 @@ const Kernel kFade = {"fade", {kBgra}, {kBgra}, {0, 100, 255}, [](const Tables& 
 const Kernel kHdrCache = {"hdrCache", {kBgra}, {kBgra}, {0}, [](const Tables& of, const Rows& r, size_t n, float) {
                             of.hdr.cacheRow(cache(), r.in[0], r.out[0], n);
                           }};
+const Kernel kHdrLattice = {"hdrLattice", {kBgra}, {kBgra}, {0}, [](const Tables& of, const Rows& r, size_t n, float) {
+                              of.hdr.latticeRow(lattice<test::Values::kHalves>(), r.in[0], r.out[0], n);
+                            }};
+const Kernel kDownAcross = {"downAcross",
+                            {kFloats},
+                            {kHalfFloats},
+                            {0},
+                            [](const Tables& of, const Rows& r, size_t n, float) {
+                              of.pyramid.downAcross(r.floats(0), static_cast<int>(n), r.outFloats(0));
+                            },
+                            false,
+                            2};
+const Kernel kDownAlong = {
+    "downAlong",
+    {kFloats, kFloats, kFloats, kFloats, kFloats},
+    {kFloats},
+    {0},
+    [](const Tables& of, const Rows& r, size_t n, float) {
+      const float* const sums[] = {r.floats(0), r.floats(1), r.floats(2), r.floats(3), r.floats(4)};
+      of.pyramid.downAlong(sums, static_cast<int>(n), r.outFloats(0));
+    },
+    false};
+const Kernel kUpAcross = {"upAcross",
+                          {kFloats},
+                          {kTwiceFloats},
+                          {0, 1},
+                          [](const Tables& of, const Rows& r, size_t n, float odd) {
+                            const auto width = static_cast<int>(n);
+                            of.pyramid.upAcross(r.floats(0), width, r.outFloats(0), 2 * width - static_cast<int>(odd));
+                          },
+                          false,
+                          1};
+const Kernel kUpAlong = {"upAlong",
+                         {kFloats, kFloats, kFloats},
+                         {kFloats, kFloats},
+                         {0},
+                         [](const Tables& of, const Rows& r, size_t n, float) {
+                           of.pyramid.upAlongEven(r.floats(0), r.floats(1), r.floats(2), r.outFloats(0), n);
+                           of.pyramid.upAlongOdd(r.floats(0), r.floats(1), r.outFloats(1), n);
+                         },
+                         false};
 const Kernel kWhiteBalance = {
     "whiteBalance", {kBgra}, {kBgra}, {0.3f, 1.1f, 3.0f}, [](const Tables& of, const Rows& r, size_t n, float gain) {
       of.whiteBalance({gain, 2 - gain, 1.2f * gain}, r.in[0], r.out[0], n);
@@ -148,7 +205,8 @@ const Kernel kToRgb = {"toRgb",
                          const auto width = static_cast<int>(n);
                          of.yv12.rowToRgb(matrix, row, r.out[0], width);
                        },
-                       false};
+                       false,
+                       1};
 const Kernel kFromRgb = {"fromRgb",
                          {kBgra, kBgra, kBgra, kBgra},
                          {kBytes, kBytes, kChroma, kChroma},
@@ -160,9 +218,11 @@ const Kernel kFromRgb = {"fromRgb",
                            const uint8_t* const in[4] = {r.in[0], r.in[1], r.in[2], r.in[3]};
                            of.yv12.rowPairFromRgb(matrix, in, pair, width);
                          },
-                         false};
-const Kernel* const kKernels[] = {&kGrade,    &kGradeAndFade, &kFade,  &kHdrCache,  &kWhiteBalance, &kValue,
-                                  &kAnalysis, &kDetail,       &kBlend, &kSynthesis, &kToRgb,        &kFromRgb};
+                         false,
+                         1};
+const Kernel* const kKernels[] = {&kGrade,      &kGradeAndFade, &kFade,      &kHdrCache,  &kWhiteBalance, &kValue,
+                                  &kAnalysis,   &kDetail,       &kBlend,     &kSynthesis, &kToRgb,        &kFromRgb,
+                                  &kHdrLattice, &kDownAcross,   &kDownAlong, &kUpAcross,  &kUpAlong};
 
 constexpr size_t kBorder = 129;  // known bytes around the output; no vector is longer
 
@@ -172,7 +232,8 @@ std::array<Bytes, 4> results(const Kernel& kernel, const Tables& of, const std::
   Rows rows = {};
   std::vector<Bytes> read;
   std::array<Bytes, 4> written;
-  const auto startOf = [&](Kind kind) { return kind == kFloats ? 4 * start : start; };
+  const auto isFloats = [](Kind kind) { return kind == kFloats || kind == kHalfFloats || kind == kTwiceFloats; };
+  const auto startOf = [&](Kind kind) { return isFloats(kind) ? 4 * start : start; };
   for (size_t i = 0; i < kernel.in.size(); ++i) {
     // Of its exact size, so that the address sanitizer sees a byte read past it.
     Bytes& row = read.emplace_back(startOf(kernel.in[i]));
@@ -181,7 +242,7 @@ std::array<Bytes, 4> results(const Kernel& kernel, const Tables& of, const std::
   for (size_t i = 0; i < kernel.in.size(); ++i) rows.in[i] = read[i].data() + startOf(kernel.in[i]);
   for (size_t i = 0; i < kernel.out.size(); ++i) {
     // All kinds of bytes, because some kernels also read them. Aligned for floats as far as the start allows.
-    const size_t begin = (kernel.out[i] == kFloats ? kBorder / 4 * 4 : kBorder) + startOf(kernel.out[i]);
+    const size_t begin = (isFloats(kernel.out[i]) ? kBorder / 4 * 4 : kBorder) + startOf(kernel.out[i]);
     written[i].resize(begin + sizeOf(kernel.out[i], pixels) + kBorder);
     for (size_t k = 0; k < written[i].size(); ++k) written[i][k] = static_cast<uint8_t>(k * k >> 3);
     rows.out[i] = written[i].data() + begin;
@@ -238,7 +299,7 @@ INSTANTIATE_TEST_SUITE_P(On, RowKernels, test::everyTarget(), test::targetName);
 // Up to slightly more than three of the widest vectors of any kernel.
 TEST_P(RowKernels, StayWithinTheirRowAtEveryWidth) {
   for (const Kernel* const kernel : kKernels) {
-    for (size_t pixels = kernel == &kToRgb || kernel == &kFromRgb ? 1 : 0; pixels <= 3 * 64 + 3; ++pixels) {
+    for (size_t pixels = kernel->fewestPixels; pixels <= 3 * 64 + 3; ++pixels) {
       for (size_t start = 0; start < 4; ++start) {
         std::vector<Bytes> in;
         const auto seed = static_cast<unsigned>(4 * pixels + start);
@@ -256,7 +317,7 @@ TEST_P(RowKernels, StayWithinTheirRowAtEveryWidth) {
 
 TEST_P(RowKernels, AgreeOnEveryColour) {
   const Bytes pixels = test::everyColour([](uint32_t i) { return i * 7; });
-  for (const Kernel* const kernel : {&kHdrCache, &kValue, &kAnalysis}) {
+  for (const Kernel* const kernel : {&kHdrCache, &kHdrLattice, &kValue, &kAnalysis}) {
     for (const float parameter : kernel->parameters) {
       EXPECT_EQ(differences(*kernel, {pixels}, pixels.size() / 4, parameter), "");
     }
