@@ -16,7 +16,31 @@
 namespace Lumvane {
 namespace {
 
-constexpr std::chrono::milliseconds kMostForMeeting(20), kMostForStart(2000);
+constexpr std::chrono::milliseconds kMostForMeeting(20), kMostForStart(2000), kMostForEnd(1000);
+
+std::atomic<int> callsOfThePool = 0;
+
+// For the life of this object exit() waits before it goes on to end OpenCV, unless it has begun: then there is no pool.
+class PoolInUse {
+ public:
+  PoolInUse() { ++callsOfThePool; }
+  ~PoolInUse() { --callsOfThePool; }
+  PoolInUse(const PoolInUse&) = delete;
+  PoolInUse& operator=(const PoolInUse&) = delete;
+  explicit operator bool() const { return !processEnds; }
+};
+
+// Made once the pool runs, and so destroyed before anything that OpenCV made for it. A process that fork() made of one
+// with loops at work has their count but not their threads: hence the limit. On Windows threads have ended by then.
+struct PoolEnd {
+  ~PoolEnd() {
+    processEnds = true;
+#ifndef _WIN32
+    const auto end = std::chrono::steady_clock::now() + kMostForEnd;
+    while (callsOfThePool > 0 && std::chrono::steady_clock::now() < end) std::this_thread::yield();
+#endif
+  }
+};
 
 // The body is called through a pointer, so that no compiler takes its arithmetic out of the life of the mode.
 class InDefaultFloatMode : public cv::ParallelLoopBody {
@@ -93,12 +117,14 @@ int poolThreads() noexcept {
   static std::mutex mutex;
   static std::atomic<int> started = 0;
   static std::atomic<bool> failed = false;
-  if (failed || processEnds) return 1;  // OpenCV ends its pool behind us
+  const PoolInUse pool;
+  if (failed || !pool) return 1;
   if (started > 0 && threadsToStart() <= started) return cv::getNumThreads();
   try {
     const std::lock_guard lock(mutex);
     if (failed) return 1;
     if (started == 0 || threadsToStart() > started) started = startPool();
+    static const PoolEnd end;
     return cv::getNumThreads();
   } catch (...) {
     failed = true;
@@ -109,7 +135,8 @@ int poolThreads() noexcept {
 void runParallel(int count, const cv::ParallelLoopBody& body, double pieces) {
   const InDefaultFloatMode whole(body);
   if (count <= 0) return;
-  if (count == 1 || poolThreads() == 1) return whole(cv::Range(0, count));
+  const PoolInUse pool;
+  if (count == 1 || !pool || poolThreads() == 1) return whole(cv::Range(0, count));
   cv::parallel_for_(cv::Range(0, count), whole, pieces);
 }
 
