@@ -6,6 +6,7 @@
 
 #include "apply/grade_kernels.h"
 #include "fuzz/checks.h"
+#include "fuzz/frames.h"
 #include "lumvane.h"
 #include "lut/blend_table.h"
 #include "lut/color_lut3d_adjust_effect.h"
@@ -13,22 +14,8 @@
 namespace {
 
 using namespace Lumvane;
-using Bytes = std::vector<uint8_t>;
-
-// A frame that fills its memory from the first byte to the last, so that the address sanitizer detects any access
-// outside. The bytes, padding included, repeat `pattern`.
-struct Frame {
-  Frame(int32_t width, int32_t rows, int32_t stride, const Bytes& pattern)
-      : height(rows),
-        step(stride == 0 ? 4 * width : stride),
-        bytes(static_cast<size_t>(std::abs(step) * (rows - 1) + 4 * width)) {
-    for (size_t i = 0; i < bytes.size() && !pattern.empty(); ++i) bytes[i] = pattern[i % pattern.size()];
-  }
-  uint8_t* row(int32_t y) { return bytes.data() + ptrdiff_t{step} * (step < 0 ? y - (height - 1) : y); }
-
-  int32_t height, step;
-  Bytes bytes;
-};
+using fuzz::Bytes;
+using fuzz::Plane;
 
 // Packed, padded or overlapping rows, top-down or bottom-up.
 int32_t stride(int32_t form, int32_t width, int32_t bytes) {
@@ -53,9 +40,8 @@ void fillLattice(CubeLut& lut, bool bitPatterns, const Bytes& bytes) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  // Missing input reads as zeros.
-  const uint8_t* const end = data + size;
-  const auto take = [&] { return data == end ? 0 : int32_t{*data++}; };
+  fuzz::Input input(data, size);
+  const auto take = [&] { return input.take(); };
   const auto target = static_cast<size_t>(take());
   const int32_t forms = take(), moreForms = take(), width = 1 + take(), height = 1 + take() % 80;
   const int32_t dstStride = stride(forms, width, take());
@@ -68,21 +54,21 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   lut.latticeSize = 2 + take() % 64;
   lut.status = statusOk;
   lut.fillInterpolationTables();
-  const Bytes pixels(data, end);
+  const Bytes pixels = input.rest();
   fillLattice(lut, moreForms & 1, pixels);
 
   // Larger frames are graded in concurrent bands: if rows of two bands overlap, the result is undefined.
   if (width * height > 10000 && dstStride != 0 && std::abs(dstStride) < 4 * width) return 0;
 
-  Frame src(width, height, srcStride, pixels);
-  Frame dst(width, height, dstStride, inPlace ? pixels : Bytes{0xA5, 0x5A, 7});
-  Frame expected = dst;
+  Plane src(4 * width, height, srcStride, pixels);
+  Plane dst(4 * width, height, dstStride, inPlace ? pixels : Bytes{0xA5, 0x5A, 7});
+  Plane expected = dst;
   const int32_t s = std::clamp(strength, 0, 100) * 255 / 100;
   if (s > 0) {
     const auto table = acquireTable();
     const BlendTables blends = {table->multiply, table->mix};
     const LatticeView view = {lut.latticeSize, lut.fraction, lut.cell, &lut.lattice[0][0][0][0]};
-    Frame& from = inPlace ? expected : src;
+    Plane& from = inPlace ? expected : src;
     const auto count = static_cast<size_t>(width);
     for (int32_t y = 0; y < height; ++y) plainGradeKernels.grade(view, blends, from.row(y), expected.row(y), count);
     for (int32_t y = 0; y < height; ++y) plainGradeKernels.fade(blends, 255 - s, from.row(y), expected.row(y), count);

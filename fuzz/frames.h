@@ -1,0 +1,46 @@
+// Shared by the fuzz targets of frames.
+#pragma once
+
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <vector>
+
+namespace fuzz {
+
+using Bytes = std::vector<uint8_t>;
+
+/// The input as numbers, one byte each. Missing input reads as zeros.
+class Input {
+ public:
+  Input(const uint8_t* data, size_t size) : at_(data), end_(data + size) {}
+  int32_t take() { return at_ == end_ ? 0 : int32_t{*at_++}; }
+  float takeFloat() {
+    uint8_t bytes[4];
+    for (uint8_t& byte : bytes) byte = static_cast<uint8_t>(take());
+    float value;
+    std::memcpy(&value, bytes, sizeof value);
+    return value;
+  }
+  Bytes rest() const { return {at_, end_}; }
+
+ private:
+  const uint8_t *at_, *end_;
+};
+
+/// Rows that fill their memory from the first byte to the last, so that the address sanitizer detects any access outside.
+/// The bytes, padding included, repeat `pattern`. Stride 0 means packed rows.
+struct Plane {
+  Plane(int32_t rowBytes, int32_t rows, int32_t stride, const Bytes& pattern)
+      : height(rows),
+        step(stride == 0 ? rowBytes : stride),
+        bytes(static_cast<size_t>(std::abs(step) * (rows - 1) + rowBytes)) {
+    for (size_t i = 0; i < bytes.size() && !pattern.empty(); ++i) bytes[i] = pattern[i % pattern.size()];
+  }
+  uint8_t* row(int32_t y) { return bytes.data() + ptrdiff_t{step} * (step < 0 ? y - (height - 1) : y); }
+
+  int32_t height, step;
+  Bytes bytes;
+};
+
+}  // namespace fuzz
