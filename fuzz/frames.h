@@ -1,9 +1,9 @@
 // Shared by the fuzz targets of frames.
 #pragma once
 
+#include <bit>
 #include <cstdint>
 #include <cstdlib>
-#include <cstring>
 #include <vector>
 
 namespace fuzz {
@@ -16,11 +16,9 @@ class Input {
   Input(const uint8_t* data, size_t size) : at_(data), end_(data + size) {}
   int32_t take() { return at_ == end_ ? 0 : int32_t{*at_++}; }
   float takeFloat() {
-    uint8_t bytes[4];
-    for (uint8_t& byte : bytes) byte = static_cast<uint8_t>(take());
-    float value;
-    std::memcpy(&value, bytes, sizeof value);
-    return value;
+    uint32_t bits = 0;
+    for (int i = 0; i < 4; ++i) bits |= static_cast<uint32_t>(take()) << 8 * i;
+    return std::bit_cast<float>(bits);
   }
   Bytes rest() const { return {at_, end_}; }
 
