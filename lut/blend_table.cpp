@@ -53,11 +53,12 @@ void fill(Table::Plane& plane, const Blend& blend) {
   }
 }
 
-// 17 million entries: the loop is in 16 bits, so that compilers make vectors of it. x / 255 is x * 0x8081 / 2^23 for all
-// 16-bit values.
+// (a * t + b * (255 - t)) / 255. There are 17 million entries, so the loop is in 16 bits, of which compilers make vectors:
+// sums wrap round to the right value, and x / 255 is x * 0x8081 / 2^23 for all 16-bit values.
 void fillMix(uint8_t (&row)[265], int a, int b) {
-  for (int t = 0; t < 256; ++t) {
-    const auto x = static_cast<uint16_t>(a * t + b * (255 - t));
+  const auto start = static_cast<uint16_t>(255 * b), step = static_cast<uint16_t>(a - b);
+  for (uint16_t t = 0; t < 256; ++t) {
+    const auto x = static_cast<uint16_t>(start + step * t);
     row[t] = static_cast<uint8_t>(static_cast<uint16_t>((x * 0x8081u) >> 16) >> 7);
   }
 }
