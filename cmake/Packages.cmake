@@ -5,10 +5,43 @@ set(packages_dev liblumvane-dev)
 set(packages_host lumvane-host)
 set(packages_plugins frei0r-plugins-lumvane)
 set(packages_python python3-lumvane)
+# Whose headers put code into a package, so that their licences go along; copies of them are found on Debian.
+if(EXISTS /usr/share/doc/libhwy-dev/copyright AND EXISTS /usr/share/doc/libcli11-dev/copyright)
+  set(inside_library libhwy-dev)
+  set(inside_host libcli11-dev)
+endif()
 
-if(CMAKE_INSTALL_PREFIX STREQUAL "/usr")  # elsewhere pip installs it
-  install(DIRECTORY python/lumvane DESTINATION lib/python3/dist-packages COMPONENT python
+set(CPACK_PACKAGE_CONTACT "The Lumvane authors <lumvane@users.noreply.invalid>")
+set(packaging ${PROJECT_BINARY_DIR}/packaging)
+if(CMAKE_INSTALL_PREFIX STREQUAL "/usr")
+  install(DIRECTORY python/lumvane DESTINATION lib/python3/dist-packages COMPONENT python  # elsewhere pip installs it
     FILES_MATCHING PATTERN *.py PATTERN py.typed PATTERN __pycache__ EXCLUDE)
+
+  # Pages and examples. The programs in docs/embedding.md are files of their own here.
+  file(MAKE_DIRECTORY ${packaging})
+  foreach(program "host:c" "runtime:c dlopen")
+    string(REGEX MATCH "^(.*):(.*)$" program ${program})
+    execute_process(COMMAND sed -n "/^```${CMAKE_MATCH_2}$/,/^```$/p" ${PROJECT_SOURCE_DIR}/docs/embedding.md
+      COMMAND grep -v "^```"
+      OUTPUT_FILE ${packaging}/${CMAKE_MATCH_1}.c COMMAND_ERROR_IS_FATAL ANY)
+  endforeach()
+  set(doc ${CMAKE_INSTALL_DATADIR}/doc)
+  install(FILES README.md SECURITY.md DESTINATION ${doc}/${packages_dev} COMPONENT dev)
+  install(DIRECTORY docs DESTINATION ${doc}/${packages_dev} COMPONENT dev PATTERN windows-readme.txt EXCLUDE)
+  install(FILES ${packaging}/host.c ${packaging}/runtime.c DESTINATION ${doc}/${packages_dev}/examples COMPONENT dev)
+  if(TARGET frei0r_lumvane_lut)
+    install(FILES docs/plugins.md DESTINATION ${doc}/${packages_plugins} COMPONENT plugins)
+  endif()
+  install(FILES python/README.md docs/farm.md DESTINATION ${doc}/${packages_python} COMPONENT python)
+  install(FILES examples/grade.py DESTINATION ${doc}/${packages_python}/examples COMPONENT python)
+
+  find_program(PYTHON3 python3 HINTS /usr/bin)
+  if(PYTHON3)
+    execute_process(
+      COMMAND ${PYTHON3} scripts/debian-changelog CHANGELOG.md ${PROJECT_VERSION} ${CPACK_PACKAGE_CONTACT}
+      COMMAND gzip -9n
+      WORKING_DIRECTORY ${PROJECT_SOURCE_DIR} OUTPUT_FILE ${packaging}/changelog.gz COMMAND_ERROR_IS_FATAL ANY)
+  endif()
 endif()
 
 get_cmake_property(CPACK_COMPONENTS_ALL COMPONENTS)
@@ -17,16 +50,29 @@ foreach(component IN LISTS CPACK_COMPONENTS_ALL)
   string(TOUPPER ${component} upper)
   set(CPACK_DEBIAN_${upper}_PACKAGE_NAME ${packages_${component}})
   if(CMAKE_INSTALL_PREFIX STREQUAL "/usr")
-    install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${packages_${component}} RENAME copyright
-      COMPONENT ${component})
+    file(READ LICENSE copyright)
+    foreach(package IN LISTS inside_${component})
+      file(READ /usr/share/doc/${package}/copyright text)
+      string(APPEND copyright "\n---- ${package}, of which there is code inside:\n\n${text}")
+    endforeach()
+    file(WRITE ${packaging}/${component}/copyright "${copyright}")
+    install(FILES ${packaging}/${component}/copyright DESTINATION ${doc}/${packages_${component}} COMPONENT ${component})
+    if(PYTHON3)
+      install(FILES ${packaging}/changelog.gz DESTINATION ${doc}/${packages_${component}} COMPONENT ${component})
+    endif()
   endif()
   if(NOT component STREQUAL "library")
     set(CPACK_COMPONENT_${upper}_DEPENDS library)
   endif()
 endforeach()
 
+# The library's package has dpkg call ldconfig. CPack would write scripts that do, for each package with shared objects in
+# /usr/lib, unless it is told of others; there are none, which it warns of.
+file(WRITE ${packaging}/triggers "activate-noawait ldconfig\n")
+set(CPACK_DEBIAN_PLUGINS_PACKAGE_CONTROL_EXTRA ${packaging}/none/postinst ${packaging}/none/postrm)
+set(CPACK_DEBIAN_LIBRARY_PACKAGE_CONTROL_EXTRA ${packaging}/triggers ${CPACK_DEBIAN_PLUGINS_PACKAGE_CONTROL_EXTRA})
+
 set(CPACK_GENERATOR DEB)
-set(CPACK_PACKAGE_CONTACT "The Lumvane authors <lumvane@users.noreply.invalid>")
 set(CPACK_PACKAGING_INSTALL_PREFIX ${CMAKE_INSTALL_PREFIX})
 set(CPACK_STRIP_FILES ON)
 set(CPACK_DEB_COMPONENT_INSTALL ON)
@@ -40,11 +86,19 @@ set(CPACK_DEBIAN_PYTHON_PACKAGE_SECTION python)
 set(CPACK_DEBIAN_PYTHON_PACKAGE_ARCHITECTURE all)
 set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS "python3, python3-numpy")
 set(CPACK_DEBIAN_PYTHON_PACKAGE_RECOMMENDS "python3-distributed, python3-opencv")  # lumvane.farm
-set(CPACK_COMPONENT_LIBRARY_DESCRIPTION "${PROJECT_DESCRIPTION}\nThe shared library.")
-set(CPACK_COMPONENT_DEV_DESCRIPTION "${PROJECT_DESCRIPTION}\nWhat hosts build with: header, CMake package, pkg-config file.")
-set(CPACK_COMPONENT_HOST_DESCRIPTION "Grades pictures and converts HDR video with the Lumvane effects\nA program for the command line.")
-set(CPACK_COMPONENT_PLUGINS_DESCRIPTION "Lumvane colour effects for programs that load frei0r plug-ins")
-set(CPACK_COMPONENT_PYTHON_DESCRIPTION "Lumvane colour effects on NumPy pictures\nWith lumvane.farm, for sequences of frames on many machines.")
+# The first line of each is its synopsis.
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "")
+set(about "LUT grading, clarity, white balance and HDR to BT.709, reproducible to the\nbyte.")
+set(CPACK_COMPONENT_LIBRARY_DESCRIPTION "per-frame colour effects for video editing hosts
+${about} This is the shared library.")
+set(CPACK_COMPONENT_DEV_DESCRIPTION "per-frame colour effects for video editing hosts - development files
+${about} This is what hosts build with: header, CMake package, pkg-config file,\npages and examples.")
+set(CPACK_COMPONENT_HOST_DESCRIPTION "grade pictures and convert HDR video on the command line
+${about} This is a program for single pictures, folders of them, and YUV4MPEG2\nvideo.")
+set(CPACK_COMPONENT_PLUGINS_DESCRIPTION "Lumvane colour effects for programs that load frei0r plug-ins
+LUT grading, clarity and white balance for video editors and FFmpeg, with\nthe same bytes as the library's own.")
+set(CPACK_COMPONENT_PYTHON_DESCRIPTION "Lumvane colour effects on NumPy pictures
+${about} This is the Python package, with lumvane.farm for sequences of frames\non many machines.")
 # Needs of other packages are found by looking at what the files link to; the library's own file is found here.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR})

@@ -25,7 +25,7 @@ int failed(const std::string& text, host::ExitCode code) {
 int main(int argc, char** argv) {
   host::removeUnfinishedFileOnSignals();
   CLI::App app("Grades pictures and converts HDR video with the Lumvane colour effects", "lumvane-host");
-  app.set_version_flag("--version", "lumvane-host " LUMVANE_VERSION);
+  app.set_version_flag("--version", "lumvane-host " LUMVANE_HOST_VERSION);
   app.option_defaults()->always_capture_default();
   app.get_formatter()->column_width(26);
   app.footer(

@@ -30,6 +30,13 @@
 #ifndef LUMVANE_H
 #define LUMVANE_H
 
+/* The version of this header and of the library that came with it; two digits each for minor and patch, so that 0.2.0
+ * is 200. The build takes its version from here. */
+#define LUMVANE_VERSION_MAJOR 0
+#define LUMVANE_VERSION_MINOR 2
+#define LUMVANE_VERSION_PATCH 0
+#define LUMVANE_VERSION (LUMVANE_VERSION_MAJOR * 10000 + LUMVANE_VERSION_MINOR * 100 + LUMVANE_VERSION_PATCH)
+
 #include <stdint.h>
 #ifndef __cplusplus
 #include <stdbool.h>

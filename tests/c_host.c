@@ -4,6 +4,10 @@
 
 #include "lumvane.h"
 
+#if LUMVANE_VERSION < 200 || LUMVANE_VERSION >= 10000 * (LUMVANE_VERSION_MAJOR + 1)
+#error "no version for the preprocessor"
+#endif
+
 int main(int argc, char** argv) {
   char16_t path[1024] = {0};
   uint8_t src[4] = {40, 120, 200, 255}, dst[4] = {0, 0, 0, 0}, planes[3] = {0, 0, 0};

@@ -52,11 +52,7 @@ std::string words(const Words&... all) {
   return text.str();
 }
 
-#ifdef LUMVANE_SANITIZED
-constexpr bool kAllColours = false;  // they take too long under a sanitizer
-#else
-constexpr bool kAllColours = true;
-#endif
+constexpr bool kAllColours = test::kStep == 1;
 constexpr int kSide = 4096;  // of a frame with a pixel for every colour
 
 // Every colour once; one pixel in four is translucent.
@@ -362,7 +358,7 @@ TEST_P(Record, Holds) {
   for (const auto& [name, unused] : record) EXPECT_FALSE(kAllColours) << name << " is on record, but was not produced";
 }
 
-// Under a sanitizer only the newest instructions and the plain forms, which are first and last.
+// Where colours are sampled, only the newest instructions and the plain forms, which are first and last.
 std::vector<int64_t> targets() {
   const std::vector<int64_t> all = hwy::SupportedAndGeneratedTargets();
   return kAllColours ? all : std::vector{all.front(), all.back()};

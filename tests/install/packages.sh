@@ -24,6 +24,17 @@ done
 [ -e "$root/usr/include/lumvane.h" ]
 [ -e "$root/usr/lib/frei0r-1/lumvane_lut.so" ]
 [ -e "$root/usr/lib/python3/dist-packages/lumvane/farm.py" ]
+for file in liblumvane-dev/docs/embedding.md liblumvane-dev/examples/host.c lumvane-host/examples/silver.cube \
+  python3-lumvane/examples/grade.py frei0r-plugins-lumvane/plugins.md; do
+  [ -s "$root/usr/share/doc/$file" ] || { echo "no $file"; exit 1; }
+done
+! command -v lintian >/dev/null || lintian --allow-root --fail-on error,warning "$folder"/*.deb
 cd "$root"
+gzip -cd usr/share/man/man1/lumvane-host.1.gz | grep -q '^.SS lumvane.*hdr '
 LD_LIBRARY_PATH=$library "$@" usr/bin/lumvane-host scene scene.png
 [ -s scene.png ]
+if [ $# -eq 0 ]; then
+  LD_LIBRARY_PATH=$library bash -c '. usr/share/bash-completion/completions/lumvane-host
+    COMP_WORDS=(usr/bin/lumvane-host hdr --transfer p) COMP_CWORD=3
+    _lumvane_host "${COMP_WORDS[0]}"; [ "${COMPREPLY[*]}" = pq ]'
+fi
