@@ -7,6 +7,7 @@
 #include <atomic>
 #include <cerrno>
 #include <cstring>
+#include <iostream>
 #include <new>
 #include <opencv2/core.hpp>
 #include <random>
@@ -85,6 +86,8 @@ std::string printable(std::string text) {
   }
   return text;
 }
+
+void note(const std::string& text) { std::cerr << "lumvane-host: " << printable(text) << '\n'; }
 
 std::ifstream openInput(const std::string& failed, const fs::path& path) {
   std::ifstream file(path, std::ios::binary);

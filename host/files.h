@@ -25,6 +25,9 @@ class Error : public std::runtime_error {
 /// The text with control characters, which names of files may hold and terminals obey, as question marks; ends of lines stay.
 std::string printable(std::string text);
 
+/// Tells something on the standard error stream that is no error.
+void note(const std::string& text);
+
 constexpr const char* kOutOfMemory = "it needs more memory than --memory allows";
 bool isOutOfMemory(const std::exception& error);
 

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <filesystem>
 #include <memory>
 #include <opencv2/core.hpp>
@@ -6,6 +7,7 @@
 #include "host/drawings.h"
 #include "host/files.h"
 #include "host/hdr_luts.h"
+#include "host/lut_contents.h"
 #include "host/pictures.h"
 #include "host/platform.h"
 #include "host/progress.h"
@@ -21,17 +23,47 @@ constexpr const char *kHlgLut = "HDR_HLG.cube", *kPqLut = "HDR_PQ.cube";
 
 struct Options {
   std::string luts, transfer, input, output;
-  std::string range;  // empty: what the video says of itself, or limited
+  std::string hlgCube, pqCube;           // empty: the program's own conversion
+  std::string codes = "full", codesOut;  // the latter empty: as the former
+  std::string range;                     // empty: what the video says of itself, or limited
   int size = 65, frames = 25, width = 640, height = 360;
   unsigned frame = 0;
 
   bool isPq() const { return transfer == "pq"; }
 };
 
+// Codes of 10 bits, as broadcasters' cubes have them, from 0 to 1: with narrow ones black is 64 and white 940.
+Colour toCodes(const Colour& signal, bool narrow) {
+  return narrow ? (signal * 876.0 + Colour::all(64)) / 1023.0 : signal;
+}
+Colour fromCodes(const Colour& codes, bool narrow) {
+  return narrow ? (codes * 1023.0 - Colour::all(64)) / 876.0 : codes;
+}
+
+// A cube of somebody else's in the form that the library takes: without a domain, without values that wrap.
+std::string resampled(const std::string& name, const Options& options) {
+  const LutContents cube = readLut(toPath(name));
+  if (!cube.isWholeCube()) {
+    throw Error(ExitCode::kInput, "cannot resample", toPath(name),
+                cube.remarks.empty() ? "it is no .cube file of a 3D table with all its rows" : cube.remarks[0]);
+  }
+  const bool narrowIn = options.codes == "narrow",
+             narrowOut = (options.codesOut.empty() ? options.codes : options.codesOut) == "narrow";
+  return cubeText("resampled by lumvane-host", options.size, [&](const Colour& signal) {
+    Colour out = fromCodes(cube.colourAt(toCodes(signal, narrowIn)), narrowOut);
+    for (double& value : out.val) value = value > 0.0 ? std::min(value, 1.0) : 0.0;
+    return out;
+  });
+}
+
 void writeLuts(const Options& options) {
-  makeFolder(toPath(options.luts));
   for (const bool pq : {false, true}) {
-    const std::string text = hdrLut(options.size, pq);
+    const std::string& cube = pq ? options.pqCube : options.hlgCube;
+    const char* const title = pq ? "BT.2100 PQ to BT.709" : "BT.2100 HLG, 1000 cd/m2, to BT.709";
+    const std::string text =
+        cube.empty() ? cubeText(title, options.size, [pq](const Colour& signal) { return hdrToBt709(signal, pq); })
+                     : resampled(cube, options);
+    makeFolder(toPath(options.luts));
     OutputFile file(toPath(options.luts) / (pq ? kPqLut : kHlgLut));
     file.write(text.data(), text.size());
     file.finish();
@@ -48,8 +80,13 @@ void convert(const Options& options) {
   if (fs::equivalent(toPath(options.input), toPath(options.output), notThere)) {
     throw Error(ExitCode::kUsage, "'" + options.output + "' would be written over, and it is to be read");
   }
-  // The library does not tell of an HDR LUT that is missing or damaged. As one for grading it has to be whole.
-  openLut(toName(toPath(options.luts) / (options.isPq() ? kPqLut : kHlgLut)));
+  // The library does not tell of an HDR LUT that is missing, damaged or wraps. As one for grading it has to be whole.
+  const fs::path lut = toPath(options.luts) / (options.isPq() ? kPqLut : kHlgLut);
+  openLut(toName(lut));
+  const std::string wrapping = readLut(lut).wrappingValues();
+  if (!wrapping.empty()) {
+    throw Error(ExitCode::kInput, "cannot use LUT file", lut, wrapping + "; hdr-luts makes one that holds none of it");
+  }
   VideoReader reader(toPath(options.input));
   VideoFormat format = reader.format();
   if (!options.range.empty()) format.range = options.range == "full" ? "FULL" : "LIMITED";
@@ -124,9 +161,23 @@ void addHdrCommands(CLI::App& app) {
   constexpr const char* kOutput = "Video to write, - for the standard output";
 
   auto* luts = add("hdr-luts", "Write the two LUT files that turn HLG and PQ into BT.709",
-                   "Example:\n  lumvane-host hdr-luts luts", writeLuts);
+                   "Examples:\n"
+                   "  lumvane-host hdr-luts luts\n"
+                   "  lumvane-host hdr-luts --hlg hlg-to-709.cube --pq pq-to-709.cube --codes narrow luts",
+                   writeLuts);
   addPath(luts, "folder", options->luts, "Folder to write HDR_HLG.cube and HDR_PQ.cube to");
   luts->add_option("--size", options->size, "Points per axis")->check(CLI::Range(2, 65));
+  luts->add_option("--hlg", options->hlgCube,
+                   "Published cube to make HDR_HLG.cube of, instead of a conversion of the program's own")
+      ->type_name("PATH");
+  luts->add_option("--pq", options->pqCube, "Published cube to make HDR_PQ.cube of")->type_name("PATH");
+  luts->add_option("--codes", options->codes,
+                   "Codes of these cubes, in and out: black and white are 64 and 940 of 1023 in narrow ones, 0 and 1 "
+                   "in full ones")
+      ->check(CLI::IsMember({"narrow", "full"}));
+  luts->add_option("--codes-out", options->codesOut,
+                   "Codes that the cubes give, where they differ from those that they take")
+      ->check(CLI::IsMember({"narrow", "full"}));
 
   auto* hdr = add("hdr", "Convert HDR video (BT.2020, 8-bit 4:2:0 YUV4MPEG2, chroma sited left) to BT.709",
                   "Examples:\n"

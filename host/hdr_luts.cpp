@@ -104,13 +104,12 @@ Colour hdrToBt709(const Colour& signal, bool pq) {
   return out;
 }
 
-std::string hdrLut(int size, bool pq) {
-  std::string text = pq ? "TITLE \"BT.2100 PQ to BT.709\"" : "TITLE \"BT.2100 HLG, 1000 cd/m2, to BT.709\"";
-  text += "\nLUT_3D_SIZE " + std::to_string(size) + "\n";
+std::string cubeText(const std::string& title, int size, const std::function<Colour(const Colour&)>& colourAt) {
+  std::string text = "TITLE \"" + title + "\"\nLUT_3D_SIZE " + std::to_string(size) + "\n";
   const double step = 1.0 / (size - 1);
   char row[64];
   for (int i = 0; i < size * size * size; ++i) {  // red runs fastest
-    const Colour c = hdrToBt709({i % size * step, i / size % size * step, i / size / size * step}, pq);
+    const Colour c = colourAt({i % size * step, i / size % size * step, i / size / size * step});
     std::snprintf(row, sizeof row, "%.6f %.6f %.6f\n", c[0], c[1], c[2]);
     text += row;
   }

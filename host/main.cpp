@@ -16,7 +16,7 @@
 namespace {
 
 int failed(const std::string& text, host::ExitCode code) {
-  std::cerr << "lumvane-host: " << host::printable(text) << '\n';
+  host::note(text);
   return static_cast<int>(code);
 }
 

@@ -1,11 +1,10 @@
-#include <fstream>
 #include <memory>
 #include <opencv2/core.hpp>
-#include <sstream>
 
 #include "host/commands.h"
 #include "host/drawings.h"
 #include "host/files.h"
+#include "host/lut_contents.h"
 #include "host/pictures.h"
 #include "host/platform.h"
 #include "lumvane.h"
@@ -84,29 +83,16 @@ CLI::App* addPictureCommand(CLI::App& app, const char* name, const char* descrip
 // The library has one answer to every file that it cannot use; people want to know why. And a shaper curve ahead of a
 // table it takes for a part of the table.
 std::shared_ptr<void> openLut(const std::string& name) {
-  const std::string failed = "cannot use LUT file";
-  const std::filesystem::path path = toPath(name);
-  const auto refuse = [&](const char* reason) { throw Error(ExitCode::kInput, failed, path, reason); };
-  std::error_code error;
-  // A pipe or a device could be waited for without an end.
-  if (std::filesystem::exists(path, error) && !std::filesystem::is_regular_file(path, error)) {
-    refuse("it is no ordinary file");
-  }
-  std::string head(size_t{1} << 16, '\0');
-  std::ifstream file = openInput(failed, path);
-  file.read(head.data(), static_cast<std::streamsize>(head.size()));
-  head.resize(static_cast<size_t>(file.gcount()));
-  std::istringstream lines(head);
-  // A table is announced ahead of the first row.
-  for (std::string line; std::getline(lines, line) && (line.empty() || line[0] < '0' || line[0] > '9');) {
-    if (line.rfind("LUT_1D_SIZE", 0) == 0) refuse("it holds a one-dimensional table, and only 3D tables are read");
-  }
+  const LutContents contents = readLut(toPath(name));
   std::shared_ptr<void> effect(Create3DLutColorAdjustEffect(libraryPath(name).c_str(), 0, 0),
                                Destory3DLutColorAdjustEffect);
-  if (!effect) {
-    refuse(
-        "a LUT is a .cube file of 2 to 65 points per axis or a .3dl file of 3 to 65, by its name, with all its rows");
-  }
+  const bool refused = !effect || contents.hasCurve;
+  std::string text = effect ? ""
+                            : "a LUT is a .cube file of 2 to 65 points per axis or a .3dl file of 3 to 65, by its "
+                              "name, with all its rows";
+  for (const std::string& remark : contents.remarks) text += (text.empty() ? "" : "; ") + remark;
+  if (refused) throw Error(ExitCode::kInput, "cannot use LUT file", toPath(name), text);
+  if (!text.empty()) note("LUT file '" + name + "': " + text);
   return effect;
 }
 

@@ -1,7 +1,6 @@
 #include "host/pictures.h"
 
 #include <algorithm>
-#include <cctype>
 #include <opencv2/imgcodecs.hpp>
 #include <opencv2/imgproc.hpp>
 #include <set>
@@ -15,12 +14,6 @@ namespace host {
 namespace {
 
 namespace fs = std::filesystem;
-
-std::string lowerCaseExtension(const fs::path& path) {
-  std::string extension = toName(path.extension());
-  for (char& c : extension) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-  return extension;
-}
 
 // The library that decodes makes up what is missing of a JPEG file. One that was cut off has no end marker behind its
 // header, a row of segments (ITU-T T.81, annex B): a marker, 0xff and a byte, and a length in two bytes, high byte

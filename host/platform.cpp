@@ -1,6 +1,7 @@
 #include "host/platform.h"
 
 #include <algorithm>
+#include <cctype>
 #include <system_error>
 
 #ifdef _WIN32
@@ -26,6 +27,12 @@ fs::path toPath(const std::string& name) { return std::u8string(name.begin(), na
 std::string toName(const fs::path& path) {
   const std::u8string name = path.u8string();
   return {name.begin(), name.end()};
+}
+
+std::string lowerCaseExtension(const fs::path& path) {
+  std::string extension = toName(path.extension());
+  for (char& c : extension) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  return extension;
 }
 
 #ifdef _WIN32

@@ -15,6 +15,9 @@ std::vector<std::string> utf8Arguments(int argc, char** argv);
 std::filesystem::path toPath(const std::string& name);
 std::string toName(const std::filesystem::path& path);
 
+/// As ".png", for "photo.PNG".
+std::string lowerCaseExtension(const std::filesystem::path& path);
+
 /// A path that is the same for names that the system takes for the same, and for symbolic links to one file.
 std::filesystem::path uniquePath(const std::filesystem::path& path);
 

@@ -198,6 +198,10 @@ LUMVANE_API bool WhiteBalanceFun(const uint8_t* src, uint8_t* dst, float reserve
  *                be used is not reported. Without a file, or with one whose header is refused, the frames that need it
  *                come out black. Of one that is damaged further on, the rows before the damage count, and all other
  *                points of the table are black. Create3DLutColorAdjustEffect gives null for such files.
+ * Caution        Results below 0 wrap around: the low 8 bits of a byte's value are kept, so that table values of -1.5 / 255
+ *                and less turn shadows white or coloured. Many published cubes hold such values, for codes below black;
+ *                others expect narrow-range codes, or a domain other than 0 to 1, which here scales the output. So clamp
+ *                and resample a cube before use: "lumvane-host hdr-luts --hlg X.cube --pq Y.cube FOLDER" does both.
  * Owner          The caller, who destroys the object with DestroyVideoAdjustColor.
  * Threads        Calls can run concurrently; the first ones wait until the files are loaded.
  * Failures       Throws std::bad_alloc when memory runs out, when a LUT file cannot be opened because the process or the

@@ -54,10 +54,41 @@ done
 sed '1s/LIMITED/FULL/' hlg.y4m | "$host" hdr --luts luts --transfer hlg - out-full.y4m
 "$host" hdr --luts luts --transfer hlg --range full hlg.y4m - | cmp - out-full.y4m
 
+# Made of a published cube, a LUT gives what FFmpeg makes of that cube, with its codes and domain, for all but the few
+# colours beside a value below 0. The library's own rounding takes up to 1.
+# shellcheck disable=SC2016  # programs of awk
+if command -v ffmpeg; then
+  "$host" scene --width 320 --height 180 in.ppm
+  pixels() { tail -c 172800 "$1" | od -An -v -tu1 -w1; }
+  while read -r codes low high scale black; do
+    set -- -v low="$low" -v high="$high" -v scale="$scale" -v black="$black"
+    awk "$@" 'function out(v) { return (v < -0.07 ? -0.07 : v) * scale + black }
+      function light(i) { i = (low + (high - low) * i / 32 - black) / scale; return i < 0 ? 0 : i ^ 0.7 }
+      BEGIN { print "LUT_3D_SIZE 33\nDOMAIN_MIN", low, low, low; print "DOMAIN_MAX", high, high, high
+        for (i = 0; i < 33 ^ 3; ++i) { r = light(i % 33); g = light(int(i / 33) % 33); b = light(int(i / 1089))
+          print out(1.66 * r - 0.59 * g - 0.07 * b), out(1.13 * g - 0.13 * r), out(1.12 * b - 0.12 * g) } }' >cube.cube
+    "$host" hdr-luts --hlg cube.cube --pq cube.cube --codes "$codes" made
+    cmp made/HDR_HLG.cube made/HDR_PQ.cube
+    "$host" lut --lut made/HDR_HLG.cube in.ppm out.ppm
+    pixels in.ppm | LC_ALL=C awk "$@" '{ v = int(65535 * ($1 / 255 * scale + black - low) / (high - low) + 0.5)
+      printf "%c%c", v % 256, v / 256 }' >in.raw
+    grep -v DOMAIN cube.cube >plain.cube
+    ffmpeg -nostdin -v error -f rawvideo -pix_fmt rgb48le -s 320x180 -i in.raw -vf lut3d=plain.cube -f rawvideo - |
+      od -An -v -tu2 -w2 >expected
+    pixels out.ppm | paste - expected | awk "$@" '{ v = ($2 / 65535 - black) / scale * 255
+      d = $1 - (v < 0 ? 0 : v > 255 ? 255 : v); if (d * d > 1.2 ^ 2) ++far; if (d * d > 6 ^ 2) exit far = 999 }
+      END { print far; exit far > 300 }'
+  done <<ROWS
+full 0 1 1 0
+full -0.073 1.095 1 0
+narrow 0 1 0.856305 0.0625611
+ROWS
+fi
+
 # Exit code | words of the message | standard input | arguments
 ln -s one.png many/link.png
 mkfifo pipe.cube
-mkdir damaged
+mkdir -p damaged made
 head -n 99 luts/HDR_HLG.cube >damaged/HDR_HLG.cube  # points that hold, among them a grey
 { printf 'P6 30000 30000 255 '; head -c 99999 /dev/zero; } >huge.ppm
 latin=$(printf 'gr\374n')  # no UTF-8
@@ -79,6 +110,8 @@ done <<CASES
 3|no ordinary file||lut --lut pipe.cube many/one.png x.png
 3|no ordinary file||lut --lut /dev/zero many/one.png x.png
 3|'damaged/HDR_HLG.cube': a LUT is||$hdr damaged hlg.y4m x.y4m
+3|wrap around to white, first row 5: -0.07 0 0;|sed '7s/.*/-0.07 0 0/' luts/HDR_HLG.cube >made/HDR_HLG.cube|$hdr made hlg.y4m x.y4m
+3|one-dimensional|echo LUT_1D_SIZE 2 >curve.cube|hdr-luts --hlg curve.cube x
 3|'?[31mred'||clarity $red x.png
 3|C444|sed 1s/C420mpeg2/C444/ hlg.y4m|$hdr luts - x.y4m
 3|is interlaced|sed 1s/Ip/It/ hlg.y4m|$hdr luts - x.y4m

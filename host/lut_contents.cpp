@@ -1,0 +1,184 @@
+// LUT files, read as the library reads them: docs/formats.md has the rules.
+
+#include "host/lut_contents.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <fstream>
+#include <iterator>
+#include <sstream>
+#include <string_view>
+
+#include "host/files.h"
+#include "host/platform.h"
+
+namespace host {
+namespace {
+
+constexpr int kLargestSize = 256;
+
+size_t cubeOf(int size) { return size_t(1) * size * size * size; }
+
+// A row, or one number. How many are read; the others stay as they are.
+int readNumbers(std::string_view line, float* values, int most) {
+  const char* next = line.data();
+  const char* const end = next + line.size();
+  for (int i = 0; i < most; ++i) {
+    while (next != end && (*next == ' ' || *next == '\t' || *next == '+')) ++next;
+    const auto [after, error] = std::from_chars(next, end, values[i]);
+    if (error != std::errc()) return i;
+    next = after;
+  }
+  return most;
+}
+
+std::string number(double value) {
+  std::ostringstream text;
+  text << value;
+  return text.str();
+}
+
+std::string numbers(const cv::Vec3d& values) {
+  return number(values[0]) + ' ' + number(values[1]) + ' ' + number(values[2]);
+}
+
+void readCubeKeyword(LutContents& lut, std::string_view word, std::string_view rest) {
+  cv::Vec3f values;
+  const int count = readNumbers(rest, values.val, 3);
+  if (word == "LUT_1D_SIZE") {
+    lut.hasCurve = true;
+    lut.remarks.push_back("it holds a one-dimensional table, and only 3D tables are read");
+  } else if (word == "LUT_3D_SIZE" && count > 0) {
+    lut.size = static_cast<int>(std::clamp(values[0], 0.0f, kLargestSize + 1.0f));
+  } else if (word == "DOMAIN_MIN") {
+    lut.domainMin = values;
+  } else if (word == "DOMAIN_MAX") {
+    lut.domainMax = values;
+  } else if (word == "LUT_3D_INPUT_RANGE") {
+    lut.domainMin = cv::Vec3d::all(values[0]);
+    lut.domainMax = cv::Vec3d::all(values[1]);
+    if (values[0] != 0.0f || values[1] != 1.0f) lut.remarks.push_back("its LUT_3D_INPUT_RANGE is ignored");
+  }
+}
+
+void readMesh(LutContents& lut, std::string_view line) {
+  lut.size = static_cast<int>(std::min<ptrdiff_t>(std::count(line.begin(), line.end(), ' '), kLargestSize)) + 1;
+  if (line.find('\t') != line.npos) lut.remarks.push_back("tabs do not separate the entries of its mesh line");
+  if (line.front() == ' ' || line.back() == ' ' || line.find("  ") != line.npos) {
+    lut.remarks.push_back("its mesh line has a blank too many, at its end or in a row, which counts as an entry");
+  }
+}
+
+void remarkOnValues(LutContents& lut) {
+  const auto remark = [&](const std::string& text) { lut.remarks.push_back(text); };
+  const bool isCube = lut.format == ".cube";
+  const bool lacksMesh = !isCube && lut.size == 3 && lut.rows > cubeOf(3);
+  if (lut.size < (isCube ? 2 : 3) || lut.size > 65) {
+    remark("it has no size that can be used: 2 to 65 points per axis, in a .3dl file 3 to 65");
+  } else if (lacksMesh) {
+    remark("it has no mesh line: its first row is taken for one, and it is read as a table of 3 points per axis");
+  } else if (lut.rows != cubeOf(lut.size)) {
+    remark("it has " + std::to_string(lut.rows) + " rows, and " + std::to_string(lut.size) + " points per axis take " +
+           std::to_string(cubeOf(lut.size)) + (lut.rows > cubeOf(lut.size) ? "; the others are not read" : ""));
+  }
+  if (lut.shortRows != 0) {
+    remark(std::to_string(lut.shortRows) + " of its rows lack numbers, and repeat those of the row before");
+  }
+  if (isCube && (lut.domainMin != cv::Vec3d::all(0) || lut.domainMax != cv::Vec3d::all(1))) {
+    remark("its domain, " + numbers(lut.domainMin) + " to " + numbers(lut.domainMax) +
+           ", is no domain of inputs here: those run from 0 to 1, and DOMAIN lines multiply the result by the "
+           "difference; resample it to 0 to 1");
+  }
+  const std::string most = "its values go up to " + number(lut.most);
+  if (isCube && lut.most >= 16.0) remark(most + ", and 1 is full scale: it comes out white");
+  if (!isCube && lut.most <= 1023.0)
+    remark(most + ", as in tables of 10 bits, and 4095 is full scale: it comes out dark");
+  if (!isCube && lut.most > 4095.0)
+    remark(most + ", as in tables of 16 bits, and 4095 is full scale: it comes out white");
+}
+
+}  // namespace
+
+LutContents readLut(const std::filesystem::path& path) {
+  const std::string failed = "cannot use LUT file";
+  std::error_code error;
+  // A pipe or a device could be waited for without an end.
+  if (std::filesystem::exists(path, error) && !std::filesystem::is_regular_file(path, error)) {
+    throw Error(ExitCode::kInput, failed, path, "it is no ordinary file");
+  }
+  LutContents lut;
+  std::ifstream file = openInput(failed, path);
+  lut.format = lowerCaseExtension(path);
+  const bool isCube = lut.format == ".cube";
+  if (!isCube && lut.format != ".3dl") return lut;
+
+  std::string text{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+  std::replace(text.begin(), text.end(), '\r', '\n');  // empty lines do not count
+  bool inTable = false;
+  cv::Vec3f row(0, 0, 0);
+  for (std::string_view rest = text, line; !rest.empty();) {
+    line = rest.substr(0, rest.find('\n'));
+    rest.remove_prefix(std::min(line.size() + 1, rest.size()));
+    if (line.empty() || line[0] == '#') continue;
+    if (!inTable) {
+      const size_t start = std::min(line.find_first_not_of(" \t"), line.size());
+      const std::string_view word = line.substr(start, line.find_first_of(" \t", start) - start);
+      inTable = word.find_first_of("0123456789-.,/+") == 0 && (isCube || word != "3DMESH");
+      if (inTable && !isCube) readMesh(lut, line);
+      if (!inTable && isCube) readCubeKeyword(lut, word, line.substr(start + word.size()));
+      if (!inTable || !isCube) continue;
+    }
+    if (readNumbers(line, row.val, 3) < 3) ++lut.shortRows;
+    const auto [least, most] = std::minmax_element(row.val, row.val + 3);
+    lut.least = lut.rows == 0 ? *least : std::min<double>(lut.least, *least);
+    lut.most = lut.rows == 0 ? *most : std::max<double>(lut.most, *most);
+    if (++lut.rows <= cubeOf(kLargestSize)) lut.points.push_back(row);
+  }
+  remarkOnValues(lut);
+  return lut;
+}
+
+bool LutContents::isWholeCube() const {
+  bool inverted = false;
+  for (int c = 0; c < 3; ++c) inverted = inverted || !(domainMin[c] < domainMax[c]);
+  return format == ".cube" && !hasCurve && shortRows == 0 && !inverted && size >= 2 && size <= kLargestSize &&
+         points.size() == cubeOf(size);
+}
+
+cv::Vec3d LutContents::colourAt(const cv::Vec3d& input) const {
+  cv::Vec3i corner;
+  cv::Vec3d fraction;
+  for (int c = 0; c < 3; ++c) {
+    const double part = (input[c] - domainMin[c]) / (domainMax[c] - domainMin[c]);
+    const double place = std::clamp(part, 0.0, 1.0) * (size - 1);
+    corner[c] = std::min(static_cast<int>(place), size - 2);
+    fraction[c] = place - corner[c];
+  }
+  const auto point = [&] { return cv::Vec3d(points[(size_t(corner[2]) * size + corner[1]) * size + corner[0]]); };
+  // From the lower corner of the cell to the upper one, along the axis of the largest fraction first.
+  std::array<int, 3> axes = {0, 1, 2};
+  std::sort(axes.begin(), axes.end(), [&](int a, int b) { return fraction[a] > fraction[b]; });
+  cv::Vec3d colour = point() * (1.0 - fraction[axes[0]]);
+  for (int i = 0; i < 3; ++i) {
+    ++corner[axes[i]];
+    colour += point() * (fraction[axes[i]] - (i < 2 ? fraction[axes[i + 1]] : 0.0));
+  }
+  return colour;
+}
+
+std::string LutContents::wrappingValues() const {
+  size_t count = 0, first = 0;
+  for (size_t i = 0; i < points.size(); ++i) {
+    const cv::Vec3d result = cv::Vec3d(points[i]).mul(domainMax - domainMin) * 255.0;
+    if (*std::min_element(result.val, result.val + 3) > -1.5) continue;
+    if (count++ == 0) first = i;
+  }
+  if (count == 0) return "";
+  return std::to_string(count) + " of its " + std::to_string(rows) +
+         " rows hold values below 0 that wrap around to white, first row " + std::to_string(first + 1) + ": " +
+         numbers(points[first]) + "; the lowest value is " + number(least);
+}
+
+}  // namespace host
