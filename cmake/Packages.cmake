@@ -4,6 +4,7 @@ set(packages_library liblumvane${PROJECT_VERSION_MAJOR})
 set(packages_dev liblumvane-dev)
 set(packages_host lumvane-host)
 set(packages_plugins frei0r-plugins-lumvane)
+set(packages_gstreamer gstreamer1.0-lumvane)
 set(packages_python python3-lumvane)
 
 if(CMAKE_INSTALL_PREFIX STREQUAL "/usr")  # elsewhere pip installs it
@@ -36,6 +37,7 @@ set(CPACK_DEBIAN_LIBRARY_PACKAGE_SECTION libs)
 set(CPACK_DEBIAN_DEV_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_HOST_PACKAGE_SECTION video)
 set(CPACK_DEBIAN_PLUGINS_PACKAGE_SECTION video)
+set(CPACK_DEBIAN_GSTREAMER_PACKAGE_SECTION video)
 set(CPACK_DEBIAN_PYTHON_PACKAGE_SECTION python)
 set(CPACK_DEBIAN_PYTHON_PACKAGE_ARCHITECTURE all)
 set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS "python3, python3-numpy")
@@ -44,6 +46,7 @@ set(CPACK_COMPONENT_LIBRARY_DESCRIPTION "${PROJECT_DESCRIPTION}\nThe shared libr
 set(CPACK_COMPONENT_DEV_DESCRIPTION "${PROJECT_DESCRIPTION}\nWhat hosts build with: header, CMake package, pkg-config file.")
 set(CPACK_COMPONENT_HOST_DESCRIPTION "Grades pictures and converts HDR video with the Lumvane effects\nA program for the command line.")
 set(CPACK_COMPONENT_PLUGINS_DESCRIPTION "Lumvane colour effects for programs that load frei0r plug-ins")
+set(CPACK_COMPONENT_GSTREAMER_DESCRIPTION "Converts HDR video to BT.709 in GStreamer, with Lumvane\nThe element lumvanehdr, for HLG and PQ.")
 set(CPACK_COMPONENT_PYTHON_DESCRIPTION "Lumvane colour effects on NumPy pictures\nWith lumvane.farm, for sequences of frames on many machines.")
 # Needs of other packages are found by looking at what the files link to; the library's own file is found here.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
