@@ -4,6 +4,7 @@ set(packages_library liblumvane${PROJECT_VERSION_MAJOR})
 set(packages_dev liblumvane-dev)
 set(packages_host lumvane-host)
 set(packages_plugins frei0r-plugins-lumvane)
+set(packages_gstreamer gstreamer1.0-lumvane)
 set(packages_python python3-lumvane)
 # Whose headers put code into a package, so that their licences go along; copies of them are found on Debian.
 if(EXISTS /usr/share/doc/libhwy-dev/copyright AND EXISTS /usr/share/doc/libcli11-dev/copyright)
@@ -82,6 +83,7 @@ set(CPACK_DEBIAN_LIBRARY_PACKAGE_SECTION libs)
 set(CPACK_DEBIAN_DEV_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_HOST_PACKAGE_SECTION video)
 set(CPACK_DEBIAN_PLUGINS_PACKAGE_SECTION video)
+set(CPACK_DEBIAN_GSTREAMER_PACKAGE_SECTION video)
 set(CPACK_DEBIAN_PYTHON_PACKAGE_SECTION python)
 set(CPACK_DEBIAN_PYTHON_PACKAGE_ARCHITECTURE all)
 set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS "python3, python3-numpy")
@@ -97,6 +99,8 @@ set(CPACK_COMPONENT_HOST_DESCRIPTION "grade pictures and convert HDR video on th
 ${about} This is a program for single pictures, folders of them, and YUV4MPEG2\nvideo.")
 set(CPACK_COMPONENT_PLUGINS_DESCRIPTION "Lumvane colour effects for programs that load frei0r plug-ins
 LUT grading, clarity and white balance for video editors and FFmpeg, with\nthe same bytes as the library's own.")
+set(CPACK_COMPONENT_GSTREAMER_DESCRIPTION "convert HDR video to BT.709 in GStreamer, with Lumvane
+HLG and PQ of BT.2020, with the same bytes as the library's own.")
 set(CPACK_COMPONENT_PYTHON_DESCRIPTION "Lumvane colour effects on NumPy pictures
 ${about} This is the Python package, with lumvane.farm for sequences of frames\non many machines.")
 # Needs of other packages are found by looking at what the files link to; the library's own file is found here.
