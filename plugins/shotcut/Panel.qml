@@ -74,6 +74,8 @@ Shotcut.KeyframableFilter {
         RowLayout {
             id: headRow
 
+            visible: children.length > 0
+
             Layout.columnSpan: 4
         }
 

@@ -7,7 +7,6 @@ Metadata {
     keywords: 'local contrast detail color'
     mlt_service: 'frei0r.lumvane_clarity'
     qml: 'ui_clarity.qml'
-    icon: 'qrc:///icons/oxygen/32x32/actions/color-picker.png'
 
     keyframes {
         allowAnimateIn: true

@@ -7,7 +7,6 @@ Metadata {
     keywords: 'look grade color cube 3dl'
     mlt_service: 'frei0r.lumvane_lut'
     qml: 'ui_lut.qml'
-    icon: 'qrc:///icons/oxygen/32x32/actions/color-picker.png'
 
     keyframes {
         allowAnimateIn: true

@@ -7,7 +7,6 @@ Metadata {
     keywords: 'color temperature tint'
     mlt_service: 'frei0r.lumvane_whitebalance'
     qml: 'ui_whitebalance.qml'
-    icon: 'qrc:///icons/oxygen/32x32/actions/color-picker.png'
 
     keyframes {
         allowAnimateIn: true
