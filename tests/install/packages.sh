@@ -23,6 +23,8 @@ for file in liblumvane.so cmake/Lumvane/LumvaneConfig.cmake pkgconfig/lumvane.pc
 done
 [ -e "$root/usr/include/lumvane.h" ]
 [ -e "$root/usr/lib/frei0r-1/lumvane_lut.so" ]
+[ -e "$root/usr/share/kdenlive/effects/frei0r_lumvane_lut.xml" ]
+[ -e "$root/usr/share/shotcut/qml/filters/lumvane/meta_lut.qml" ]
 [ -e "$root/usr/lib/python3/dist-packages/lumvane/farm.py" ]
 for file in liblumvane-dev/docs/embedding.md liblumvane-dev/examples/host.c lumvane-host/examples/silver.cube \
   python3-lumvane/examples/grade.py frei0r-plugins-lumvane/plugins.md; do
