@@ -58,6 +58,13 @@ bool allowsHdr(const GValue* names, bool fullRange) {
          isHdr(video) && isFullRange(video) == fullRange;
 }
 
+GstCaps* filtered(GstCaps* caps, GstCaps* filter) {
+  if (filter == nullptr) return caps;
+  GstCaps* both = gst_caps_intersect_full(filter, caps, GST_CAPS_INTERSECT_FIRST);
+  gst_caps_unref(caps);
+  return both;
+}
+
 // All but the colours stays as it is: format, size, range, rate, siting of chroma.
 GstCaps* transformCaps(GstBaseTransform*, GstPadDirection direction, GstCaps* caps, GstCaps* filter) {
   GstCaps* result = gst_caps_new_empty();
@@ -75,12 +82,36 @@ GstCaps* transformCaps(GstBaseTransform*, GstPadDirection direction, GstCaps* ca
       result = gst_caps_merge_structure(result, to);
     }
   }
-  if (filter != nullptr) {
-    GstCaps* both = gst_caps_intersect_full(filter, result, GST_CAPS_INTERSECT_FIRST);
-    gst_caps_unref(result);
-    result = both;
+  return filtered(result, filter);
+}
+
+// The base class offers upstream first what downstream takes as it is, which is BT.709.
+gboolean query(GstBaseTransform* transform, GstPadDirection direction, GstQuery* query) {
+  if (!GST_BASE_TRANSFORM_CLASS(lumvane_hdr_parent_class)->query(transform, direction, query)) return FALSE;
+  if (direction != GST_PAD_SINK || GST_QUERY_TYPE(query) != GST_QUERY_CAPS) return TRUE;
+  GstCaps *found, *filter, *open = gst_caps_new_empty();
+  gst_query_parse_caps(query, &filter);
+  gst_query_parse_caps_result(query, &found);
+  for (guint i = 0; i < gst_caps_get_size(found); ++i) {
+    GstStructure* structure = gst_structure_copy(gst_caps_get_structure(found, i));
+    gst_structure_remove_field(structure, "colorimetry");
+    open = gst_caps_merge_structure(open, structure);
   }
-  return result;
+  open = filtered(open, filter);
+  gst_query_set_caps_result(query, open);
+  gst_caps_unref(open);
+  return TRUE;
+}
+
+// Other video is accepted, to be refused when it comes: a refusal at this point ends the pipeline without a reason.
+gboolean acceptCaps(GstBaseTransform* transform, GstPadDirection direction, GstCaps* caps) {
+  if (direction != GST_PAD_SINK) {
+    return GST_BASE_TRANSFORM_CLASS(lumvane_hdr_parent_class)->accept_caps(transform, direction, caps);
+  }
+  GstCaps* taken = gst_static_pad_template_get_caps(&sinkTemplate);
+  const gboolean accepted = gst_caps_is_subset(caps, taken);
+  gst_caps_unref(taken);
+  return accepted;
 }
 
 gboolean sinkEvent(GstBaseTransform* transform, GstEvent* event) {
@@ -123,8 +154,9 @@ void* createEffect(LumvaneHdr* element, const gchar* luts, const GstVideoInfo* v
   const std::filesystem::path folder = std::filesystem::weakly_canonical(utf8);
   const std::scoped_lock lock(loaded.mutex);
   if (!loaded.folder.empty() && folder != loaded.folder) {
-    GST_ELEMENT_ERROR(element, RESOURCE, SETTINGS, ("One process takes HDR LUTs from one folder"),
-                      ("'%s' is in use, so '%s' cannot be", loaded.folder.c_str(), luts));
+    GST_ELEMENT_ERROR(element, RESOURCE, SETTINGS,
+                      ("'%s' cannot be used: this process has its HDR LUTs from '%s'", luts, loaded.folder.c_str()),
+                      (nullptr));
     return nullptr;
   }
   if (loaded.folder.empty()) {
@@ -150,8 +182,8 @@ gboolean setInfo(GstVideoFilter* filter, GstCaps*, GstVideoInfo* in, GstCaps*, G
   GST_OBJECT_LOCK(element);
   gchar* luts = g_strdup(element->luts);
   GST_OBJECT_UNLOCK(element);
-  if (luts == nullptr) {
-    GST_ELEMENT_ERROR(element, RESOURCE, SETTINGS, ("The property luts is missing"), (nullptr));
+  if (luts == nullptr || *luts == 0) {
+    GST_ELEMENT_ERROR(element, RESOURCE, SETTINGS, ("The property luts names no folder"), (nullptr));
   } else {
     try {
       element->effect = createEffect(element, luts, in);
@@ -236,6 +268,8 @@ void lumvane_hdr_class_init(LumvaneHdrClass* type) {
   gst_element_class_add_static_pad_template(element, &srcTemplate);
   GstBaseTransformClass* transform = GST_BASE_TRANSFORM_CLASS(type);
   transform->transform_caps = transformCaps;
+  transform->query = query;
+  transform->accept_caps = acceptCaps;
   transform->sink_event = sinkEvent;
   transform->stop = stop;
   GstVideoFilterClass* filter = GST_VIDEO_FILTER_CLASS(type);
