@@ -15,6 +15,7 @@ struct LumvaneHdr {
   GstVideoFilter parent;
   gchar* luts;   // folder, UTF-8, or null
   void* effect;  // for the present caps, or null
+  bool failed;   // since the last start
 };
 
 struct LumvaneHdrClass {
@@ -22,6 +23,10 @@ struct LumvaneHdrClass {
 };
 
 G_DEFINE_TYPE(LumvaneHdr, lumvane_hdr, GST_TYPE_VIDEO_FILTER)
+
+// An error is told once: caps that are refused come again with every event and frame.
+#define TELL_ONCE(element, ...) \
+  if (!std::exchange(self(element)->failed, true)) GST_ELEMENT_ERROR(element, __VA_ARGS__)
 
 LumvaneHdr* self(gpointer object) { return static_cast<LumvaneHdr*>(object); }
 
@@ -121,7 +126,7 @@ gboolean sinkEvent(GstBaseTransform* transform, GstEvent* event) {
     const char* name = gst_structure_get_string(gst_caps_get_structure(caps, 0), "colorimetry");
     GstVideoColorimetry video;
     if (name == nullptr || !gst_video_colorimetry_from_string(&video, name) || !isHdr(video)) {
-      GST_ELEMENT_ERROR(
+      TELL_ONCE(
           transform, STREAM, WRONG_TYPE,
           ("The video is not marked as BT.2020 with an HLG or PQ transfer: colorimetry %s", name ? name : "is missing"),
           ("bt2100-hlg or bt2100-pq is needed; capssetter marks video that is one of them"));
@@ -154,9 +159,8 @@ void* createEffect(LumvaneHdr* element, const gchar* luts, const GstVideoInfo* v
   const std::filesystem::path folder = std::filesystem::weakly_canonical(utf8);
   const std::scoped_lock lock(loaded.mutex);
   if (!loaded.folder.empty() && folder != loaded.folder) {
-    GST_ELEMENT_ERROR(element, RESOURCE, SETTINGS,
-                      ("'%s' cannot be used: this process has its HDR LUTs from '%s'", luts, loaded.folder.c_str()),
-                      (nullptr));
+    TELL_ONCE(element, RESOURCE, SETTINGS,
+              ("'%s' cannot be used: this process has its HDR LUTs from '%s'", luts, loaded.folder.c_str()), (nullptr));
     return nullptr;
   }
   if (loaded.folder.empty()) {
@@ -164,8 +168,8 @@ void* createEffect(LumvaneHdr* element, const gchar* luts, const GstVideoInfo* v
     loaded.usable[1] = isUsable(folder / "HDR_PQ.cube");
   }
   if (!loaded.usable[pq]) {
-    GST_ELEMENT_ERROR(element, RESOURCE, NOT_FOUND,
-                      ("'%s' has no HDR_%s.cube that can be used", luts, pq ? "PQ" : "HLG"), (nullptr));
+    TELL_ONCE(element, RESOURCE, NOT_FOUND, ("'%s' has no HDR_%s.cube that can be used", luts, pq ? "PQ" : "HLG"),
+              (nullptr));
     return nullptr;
   }
   void* effect = CreateVideoAdjustColor(folder.u16string().c_str(), 0, !isFullRange(video->colorimetry), pq,
@@ -183,16 +187,21 @@ gboolean setInfo(GstVideoFilter* filter, GstCaps*, GstVideoInfo* in, GstCaps*, G
   gchar* luts = g_strdup(element->luts);
   GST_OBJECT_UNLOCK(element);
   if (luts == nullptr || *luts == 0) {
-    GST_ELEMENT_ERROR(element, RESOURCE, SETTINGS, ("The property luts names no folder"), (nullptr));
+    TELL_ONCE(element, RESOURCE, SETTINGS, ("The property luts names no folder"), (nullptr));
   } else {
     try {
       element->effect = createEffect(element, luts, in);
     } catch (const std::exception& error) {  // no memory, too large a frame, a name that is no UTF-8
-      GST_ELEMENT_ERROR(element, LIBRARY, INIT, ("The HDR converter cannot be made"), ("%s", error.what()));
+      TELL_ONCE(element, LIBRARY, INIT, ("The HDR converter cannot be made"), ("%s", error.what()));
     }
   }
   g_free(luts);
   return element->effect != nullptr;
+}
+
+gboolean start(GstBaseTransform* transform) {
+  self(transform)->failed = false;
+  return TRUE;
 }
 
 gboolean stop(GstBaseTransform* transform) {
@@ -271,6 +280,7 @@ void lumvane_hdr_class_init(LumvaneHdrClass* type) {
   transform->query = query;
   transform->accept_caps = acceptCaps;
   transform->sink_event = sinkEvent;
+  transform->start = start;
   transform->stop = stop;
   GstVideoFilterClass* filter = GST_VIDEO_FILTER_CLASS(type);
   filter->set_info = setInfo;
