@@ -45,7 +45,7 @@ std::string resampled(const std::string& name, const Options& options) {
   const LutContents cube = readLut(toPath(name));
   if (!cube.isWholeCube()) {
     throw Error(ExitCode::kInput, "cannot resample", toPath(name),
-                cube.remarks.empty() ? "it is no .cube file of a 3D table with all its rows" : cube.remarks[0]);
+                cube.remarks.empty() ? "it is no .cube file of a 3D table with all its rows" : cube.remarks);
   }
   const bool narrowIn = options.codes == "narrow",
              narrowOut = (options.codesOut.empty() ? options.codes : options.codesOut) == "narrow";

@@ -1,3 +1,4 @@
+#include <iostream>
 #include <memory>
 #include <opencv2/core.hpp>
 
@@ -22,6 +23,22 @@ struct Options {
 };
 
 int32_t stride(const cv::Mat& picture) { return static_cast<int32_t>(picture.step[0]); }
+
+// What a LUT file is, and what the library makes of it.
+void checkLut(const std::string& name) {
+  const LutContents contents = readLut(toPath(name));
+  std::cout << contents.description() << std::endl;
+  const std::shared_ptr<void> effect = openLut(name);
+  for (const int grey : {0, 128, 255}) {
+    cv::Vec4b pixel(cv::Scalar(grey, grey, grey, 255));
+    Lut3DColorAdjustEffectProcess(effect.get(), pixel.val, 1, 1, 0, pixel.val, 1, 1, 0, 100);
+    std::cout << (grey == 0 ? "result   " : ", ") << grey << " grey becomes "
+              << cv::Vec3i(pixel[2], pixel[1], pixel[0]);
+  }
+  const std::string wrapping = contents.wrappingValues();
+  std::cout << (wrapping.empty() ? "" : "\nas HDR   refused: " + wrapping) << std::endl;
+  throw CLI::Success();
+}
 
 // The library multiplies colours by alpha, picture files hold them without. So a picture is graded as an opaque one and
 // gets its alpha back, which is right at every strength; `premultiply` gives the library's own answer instead.
@@ -86,12 +103,14 @@ std::shared_ptr<void> openLut(const std::string& name) {
   const LutContents contents = readLut(toPath(name));
   std::shared_ptr<void> effect(Create3DLutColorAdjustEffect(libraryPath(name).c_str(), 0, 0),
                                Destory3DLutColorAdjustEffect);
-  const bool refused = !effect || contents.hasCurve;
-  std::string text = effect ? ""
-                            : "a LUT is a .cube file of 2 to 65 points per axis or a .3dl file of 3 to 65, by its "
-                              "name, with all its rows";
-  for (const std::string& remark : contents.remarks) text += (text.empty() ? "" : "; ") + remark;
-  if (refused) throw Error(ExitCode::kInput, "cannot use LUT file", toPath(name), text);
+  std::string text = contents.remarks;
+  if (!effect || contents.hasCurve) {
+    if (text.empty()) {
+      text =
+          "a LUT is a .cube file of 2 to 65 points per axis or a .3dl file of 3 to 65, by its name, with all its rows";
+    }
+    throw Error(ExitCode::kInput, "cannot use LUT file", toPath(name), text);
+  }
   if (!text.empty()) note("LUT file '" + name + "': " + text);
   return effect;
 }
@@ -101,12 +120,16 @@ void addPictureCommands(CLI::App& app) {
 
   auto* lut = addPictureCommand(app, "lut", "Grade pictures through a 3D LUT", options, grading);
   lut->add_option("--lut", options->lut, "LUT file, .cube or .3dl")->required()->type_name("PATH");
+  lut->add_option_function<std::string>("--check", checkLut, "Only tell what a LUT file is and what becomes of it")
+      ->trigger_on_parse()
+      ->type_name("PATH");
   lut->add_option("--strength", options->strength, "Strength in percent, 0 to 100, clamped");
   lut->add_flag("--premultiply", options->premultiply, "Write colours multiplied by alpha, the library's own pixels");
   lut->footer(
       "Examples:\n"
       "  lumvane-host lut --lut look.cube --strength 60 photo.jpg graded.png\n"
-      "  lumvane-host lut --lut look.3dl --compare stills/ graded/");
+      "  lumvane-host lut --lut look.3dl --compare stills/ graded/\n"
+      "  lumvane-host lut --check look.cube");
 
   auto* clear = addPictureCommand(app, "clarity", "Raise the local contrast of pictures", options, clarity);
   clear->add_option("--intensity", options->intensity, "Local contrast in percent, 0 to 100, clamped");

@@ -109,7 +109,7 @@ done <<CASES
 3|--memory||clarity huge.ppm x.png
 3|no ordinary file||lut --lut pipe.cube many/one.png x.png
 3|no ordinary file||lut --lut /dev/zero many/one.png x.png
-3|'damaged/HDR_HLG.cube': a LUT is||$hdr damaged hlg.y4m x.y4m
+3|'damaged/HDR_HLG.cube': it has 97 rows||$hdr damaged hlg.y4m x.y4m
 3|wrap around to white, first row 5: -0.07 0 0;|sed '7s/.*/-0.07 0 0/' luts/HDR_HLG.cube >made/HDR_HLG.cube|$hdr made hlg.y4m x.y4m
 3|one-dimensional|echo LUT_1D_SIZE 2 >curve.cube|hdr-luts --hlg curve.cube x
 3|'?[31mred'||clarity $red x.png
@@ -118,6 +118,13 @@ done <<CASES
 2|to be read||$hdr luts kept.y4m ./kept.y4m
 4|'/dev/full': No space left||$hdr luts hlg.y4m /dev/full
 3|one-dimensional|echo LUT_1D_SIZE 2 >curve.cube|lut --lut curve.cube many/one.png x.png
+0|has 126 rows, and 5 points|(cat luts/HDR_HLG.cube; echo 1 1 1) >look.cube|lut --lut look.cube many/one.png y.png
+0|domain is 0 0 0 to 2 2 2|sed '2iDOMAIN_MAX 2 2 2' luts/HDR_HLG.cube >look.cube|lut --lut look.cube many/one.png y.png
+0|no mesh line|sed 1,3d silver.3dl >look.3dl|lut --lut look.3dl many/one.png y.png
+0|16 bits comes out white|sed '9s/$/0000/' silver.3dl >look.3dl|lut --check look.3dl
+0|10 bits comes out dark|sed '4,\$s/[0-9][0-9]*/99/g' silver.3dl >look.3dl|lut --check look.3dl
+0|128 grey becomes [135, 131, 122]||lut --check silver.3dl
+3|a blank too many|sed '3s/$/ /' silver.3dl >look.3dl|lut --check look.3dl
 3|no UTF-8||lut --lut $latin.3dl many/one.png x.png
 3|it is cut off|head -c 900 many/two.jpg >cut.jpg|clarity cut.jpg x.png
 3|1 of 2 pictures failed:|head -c 900 many/one.png >cut.png|clarity cut.png many/one.png $latin
