@@ -131,6 +131,12 @@ done <<CASES
 4|cannot write picture 'x.jpg'|{ echo P5 1 70000 255; head -c 70000 /dev/zero; } >tall.pgm|clarity tall.pgm x.jpg
 2|to be read||clarity many/one.png many/link.png
 2|to be read||clarity many none/../many
+2|a whole number of percent, such as 60, not '0.6'; see||lut --strength 0.6
+3|plug-ins|: >clip.mov|clarity clip.mov x.png
+0|laid on white||clarity many/one.png y.jpg
+0|not a .mp4 file||hdr-clip --transfer pq --frames 1 --width 8 --height 8 y.mp4
+0|1 files that are no pictures|mkdir more; cp many/*.* more; : >more/text; : >more/._one.png|clarity more done
+4|not begun|ln -sf /dev/full done/link.png|clarity more done
 2|two pictures|cp graded-compare.png one-compare.png|clarity --compare many/one.png one-compare.png x
 CASES
 cmp kept.y4m hlg.y4m
@@ -141,6 +147,27 @@ printf '\377\330\377\341\0\042Exif\0\0MM\0\052\0\0\0\010\0\001\001\022\0\003\0\0
 tail -c +3 many/two.jpg >>turned.jpg
 "$host" whitebalance turned.jpg upright.png
 [ "$(od -An -tu1 -j16 -N8 upright.png | tr -s ' ')" = " 0 0 0 36 0 0 0 64" ]
+
+# A JPEG file keeps quality and chroma, and colours with a profile become sRGB: that of this one has red and green swapped.
+"$host" clarity --quality 40 many/one.png forty.jpg
+"$host" clarity forty.jpg again.jpg
+cmp -n 600 forty.jpg again.jpg
+if ldd "$host" | grep liblcms2; then
+  printf 'P6 1 1 255 \377\0\0' >red.ppm
+  "$host" whitebalance red.ppm red.jpg
+  # shellcheck disable=SC2016  # a program of perl
+  perl -e 'print "\xff\xd8\xff\xe2", pack("n a12 n", 296, "ICC_PROFILE", 257),
+    pack("N a4 n2 a4 a4 a4 x12 a4 x28 N3 x48", 280, "", 528, 0, "mntr", "RGB ", "XYZ ", "acsp", 63190, 65536, 54061),
+    pack("N (a4 N2)6", 6, map(($_, 264, 14), "rTRC", "gTRC", "bTRC"), "gXYZ", 204, 20, "rXYZ", 224, 20, "bXYZ", 244, 20),
+    map(pack("a4 x4 N3", "XYZ ", @$_), [28578, 14581, 912], [25241, 46981, 6362], [9376, 3972, 46799]),
+    pack("a4 x4 N n x2", "curv", 1, 563)' >tagged.jpg
+  tail -c +3 red.jpg >>tagged.jpg
+  if command -v ffmpeg; then ffmpeg -nostdin -v error -i tagged.jpg tagged.png; else cp tagged.jpg tagged.png; fi
+  for file in tagged.jpg tagged.png; do
+    "$host" whitebalance $file green.ppm
+    tail -c 3 green.ppm | od -An -tu1 | awk '{ exit $1 > 9 || $2 < 245 }'
+  done
+fi
 
 # An interrupted run leaves nothing, like a failed one, also where a file may not be as large.
 (ulimit -f 8 && "$host" scene x.png) 2>/dev/null || [ $? -eq 4 ]
