@@ -8,6 +8,7 @@ namespace plugins {
 const Description kDescription = {
     "Lumvane Clarity",
     "Raises the local contrast at many scales, and scales the saturation",
+    2,
     {{"intensity", "0 to 1 is 0 to 100 percent of raised contrast; 0 changes nothing", false, 0.0},
      {"saturation", "0 to 1 is -100 to 100 percent; 0.5 changes nothing", false, 0.5}}};
 

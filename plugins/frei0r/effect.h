@@ -14,19 +14,20 @@ struct Parameter {
   double start;  ///< of a number: its value in a new instance, 0 to 1
 };
 
-constexpr int kParameters = 2;  // every effect has two
+constexpr int kMostParameters = 3;
 
 /// What a host may show of a plug-in. Plain ASCII, since not every host decodes more.
 struct Description {
   const char* name;
   const char* explanation;
-  Parameter parameters[kParameters];
+  int parameterCount;
+  Parameter parameters[kMostParameters];
 };
 
 /// The values of an instance's parameters, each in the member of its kind.
 struct Values {
-  double numbers[kParameters] = {};  ///< 0 to 1
-  std::string texts[kParameters];
+  double numbers[kMostParameters] = {};  ///< 0 to 1
+  std::string texts[kMostParameters];
 };
 
 /// Two pictures of packed BGRA rows, which do not overlap, or are one.

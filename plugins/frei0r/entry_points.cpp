@@ -15,7 +15,6 @@ extern "C" {
 namespace {
 
 using plugins::kDescription;
-using plugins::kParameters;
 using plugins::Values;
 
 // Hosts may call update on one instance from several threads, MLT for one slice of the picture each. The effects serve
@@ -27,7 +26,7 @@ struct Instance {
   std::unique_ptr<plugins::Effect> effect = plugins::makeEffect();
 
   Instance(int32_t w, int32_t h) : width(w), height(h) {
-    for (int i = 0; i < kParameters; ++i) values.numbers[i] = kDescription.parameters[i].start;
+    for (int i = 0; i < kDescription.parameterCount; ++i) values.numbers[i] = kDescription.parameters[i].start;
   }
 };
 
@@ -37,7 +36,7 @@ bool isTakenSize(unsigned width, unsigned height) {
   return width > 0 && height > 0 && width <= kMost / 4 && height <= kMost;
 }
 
-bool isParameter(int index) { return index >= 0 && index < kParameters; }
+bool isParameter(int index) { return index >= 0 && index < kDescription.parameterCount; }
 
 // What is no number counts as 0.
 double clampedNumber(double value) { return value > 0.0 ? std::min(value, 1.0) : 0.0; }
@@ -58,7 +57,7 @@ void f0r_get_plugin_info(f0r_plugin_info_t* info) {
   info->frei0r_version = FREI0R_MAJOR_VERSION;
   info->major_version = 0;
   info->minor_version = 1;
-  info->num_params = kParameters;
+  info->num_params = kDescription.parameterCount;
   info->explanation = kDescription.explanation;
 }
 

@@ -13,9 +13,12 @@ namespace plugins {
 const Description kDescription = {
     "Lumvane LUT",
     "Recolours the picture through a 3D lookup table from a file",
+    3,
     {{"path", "LUT file, .cube or .3dl; without one, or with one that cannot be used, the picture stays as it is", true,
       0.0},
-     {"strength", "0 to 1 is 0 to 100 percent of the LUT; 0 changes nothing", false, 1.0}}};
+     {"strength", "0 to 1 is 0 to 100 percent of the LUT; 0 changes nothing", false, 1.0},
+     // MLT writes files beside a project relative to it, and completes them again only under a few names, like this.
+     {"filename", "used instead of path where both are set", true, 0.0}}};
 
 namespace {
 
@@ -24,7 +27,7 @@ using LutHandle = std::unique_ptr<void, decltype(&Destory3DLutColorAdjustEffect)
 class LutEffect : public Effect {
  public:
   bool render(const Values& values, const Frame& frame) override {
-    load(values.texts[0]);
+    load(values.texts[values.texts[2].empty() ? 0 : 2]);
     const auto strength = static_cast<int32_t>(std::lround(values.numbers[1] * 100.0));
     if (!handle_ || strength == 0) return false;
 

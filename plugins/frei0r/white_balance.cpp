@@ -6,6 +6,7 @@ namespace plugins {
 const Description kDescription = {
     "Lumvane White Balance",
     "Shifts the colours between blue and red, and between green and magenta",
+    2,
     {{"temperature", "0 to 1 is cold to warm, the library's -1 to 1; 0.5 changes nothing", false, 0.5},
      {"tint", "0 to 1 is green to magenta, the library's -1 to 1; 0.5 changes nothing", false, 0.5}}};
 

@@ -75,7 +75,6 @@ Shotcut.KeyframableFilter {
             id: headRow
 
             visible: children.length > 0
-
             Layout.columnSpan: 4
         }
 

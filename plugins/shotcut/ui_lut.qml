@@ -9,12 +9,12 @@ Panel {
     id: panel
 
     function showFile() {
-        lut.url = filter.get('path');
+        lut.url = filter.get('filename') || filter.get('path');
         fileName.text = lut.exists() ? lut.fileName : 'No LUT file';
         tip.text = lut.exists() ? lut.filePath : 'The picture stays as it is until a .cube or .3dl file is chosen.';
     }
 
-    texts: ['path']
+    texts: ['filename']
     numbers: [{ name: 'strength', label: 'Strength', lowest: 0, highest: 100, start: 100 }]
     Component.onCompleted: showFile()
     head: [
@@ -47,7 +47,7 @@ Panel {
         onAccepted: {
             lut.url = dialog.fileUrl;
             settings.openPath = lut.path;
-            filter.set('path', lut.filePath);
+            filter.set('filename', lut.filePath);
             panel.showFile();
         }
     }

@@ -120,9 +120,9 @@ TEST_P(EveryPlugin, RefusesInvalidSizesAndNeedsNoMemoryToBeListed) {
     huge.set(1, value);
     EXPECT_EQ(huge.number(1), kept);
   }
-  huge.set(2, 0.5);
+  huge.set(3, 0.5);
   huge.set(-1, 0.5);
-  EXPECT_EQ(huge.number(2), -1.0) << "there is no such parameter";
+  EXPECT_EQ(huge.number(3), -1.0) << "there is no such parameter";
 }
 
 TEST_P(EveryPlugin, GivesTheLibrarysPixelsAndNoEffectByDefault) {
@@ -195,6 +195,9 @@ TEST_F(LutPlugin, ReadsItsFileOnlyWhenThePathChanges) {
   instance.set(0, path);
   EXPECT_EQ(instance.update(src, 40, 30), graded) << "the same path, and the file is gone";
   instance.set(0, "other.cube");
+  instance.set(2, path);
+  EXPECT_EQ(instance.update(src, 40, 30), graded) << "filename goes before path";
+  instance.set(2, "");
   instance.update(src, 40, 30);
   instance.set(0, path);
   EXPECT_EQ(instance.update(src, 40, 30), src) << "the path anew, and the file is gone";
