@@ -60,6 +60,8 @@ bool resemble(FILE* file, const fs::path& replaced) {
 #endif
 }
 
+std::error_code lastError() { return {errno, std::generic_category()}; }
+
 }  // namespace
 
 Error::Error(ExitCode code, const std::string& failed, const fs::path& path, const std::string& reason)
@@ -108,7 +110,7 @@ OutputFile::OutputFile(const fs::path& path) : path_(path), target_(path), file_
   std::error_code error;
   if (fs::is_symlink(path, error)) {
     target_ = fs::weakly_canonical(path, error);
-    if (error) fail(error.message());
+    if (error) fail(error);
   }
   const bool exists = fs::exists(target_, error);
   if (exists && !fs::is_regular_file(target_, error)) {
@@ -125,7 +127,7 @@ OutputFile::OutputFile(const fs::path& path) : path_(path), target_(path), file_
     }
   }
   unfinishedFile = file_;
-  if (!file_) fail(std::strerror(errno));
+  if (!file_) fail(lastError());
 }
 
 OutputFile::~OutputFile() {
@@ -136,14 +138,14 @@ OutputFile::~OutputFile() {
 }
 
 void OutputFile::write(const void* data, size_t size) {
-  if (std::fwrite(data, 1, size, file_) != size) fail(std::strerror(errno));
+  if (std::fwrite(data, 1, size, file_) != size) fail(lastError());
 }
 
 void OutputFile::finish() {
   // On the disk before it has its name: a crash of the machine is to leave the old file or the new one.
-  if (std::fflush(file_) != 0 || (!unfinished_.empty() && fsync(fileno(file_)) != 0)) fail(std::strerror(errno));
+  if (std::fflush(file_) != 0 || (!unfinished_.empty() && fsync(fileno(file_)) != 0)) fail(lastError());
   FILE* const file = std::exchange(file_, nullptr);
-  if (file != stdout && std::fclose(file) != 0) fail(std::strerror(errno));
+  if (file != stdout && std::fclose(file) != 0) fail(lastError());
   if (unfinished_.empty()) return;
   std::error_code error;
   if (replaces_) {
@@ -151,17 +153,19 @@ void OutputFile::finish() {
   } else {
     fs::copy_file(unfinished_, target_, fs::copy_options::overwrite_existing, error);
   }
-  if (error) fail(error.message());
+  if (error) fail(error);
   if (!replaces_) fs::remove(unfinished_, error);
   unfinishedName = nullptr;
   unfinished_.clear();
 }
 
-void OutputFile::fail(const std::string& reason) const {
+void OutputFile::fail(const std::error_code& error) const {
   // What an interrupt on Windows has taken away fails, too, and the program is about to end.
   while (!unfinished_.empty() && !unfinishedName) std::this_thread::yield();
   unfinishedName = nullptr;  // ends with this object
-  throw Error(ExitCode::kOutput, "cannot write", path_, reason);
+  Error failure(ExitCode::kOutput, "cannot write", path_, error.message());
+  failure.isDiskFull = error == std::errc::no_space_on_device;
+  throw failure;
 }
 
 #ifdef _WIN32

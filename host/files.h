@@ -6,6 +6,7 @@
 #include <fstream>
 #include <stdexcept>
 #include <string>
+#include <system_error>
 
 namespace host {
 
@@ -20,6 +21,7 @@ class Error : public std::runtime_error {
   Error(ExitCode code, const std::string& failed, const std::filesystem::path& path, const std::string& reason);
 
   const ExitCode code;
+  bool isDiskFull = false;
 };
 
 /// The text with control characters, which names of files may hold and terminals obey, as question marks; ends of lines stay.
@@ -59,7 +61,7 @@ class OutputFile {
   void finish();
 
  private:
-  [[noreturn]] void fail(const std::string& reason) const;
+  [[noreturn]] void fail(const std::error_code& error) const;
 
   std::filesystem::path path_;
   std::filesystem::path target_;      ///< where `path_` leads, by symbolic links

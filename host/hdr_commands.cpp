@@ -45,7 +45,7 @@ std::string resampled(const std::string& name, const Options& options) {
   const LutContents cube = readLut(toPath(name));
   if (!cube.isWholeCube()) {
     throw Error(ExitCode::kInput, "cannot resample", toPath(name),
-                cube.remarks.empty() ? "it is no .cube file of a 3D table with all its rows" : cube.remarks[0]);
+                cube.remarks.empty() ? "it is no .cube file of a 3D table with all its rows" : cube.remarks);
   }
   const bool narrowIn = options.codes == "narrow",
              narrowOut = (options.codesOut.empty() ? options.codes : options.codesOut) == "narrow";
@@ -75,6 +75,14 @@ std::shared_ptr<void> openHdr(const Options& options, bool limited, int width, i
           DestroyVideoAdjustColor};
 }
 
+// People take the name of a file for a choice of its format.
+void tellFormat(const std::string& output) {
+  const std::string extension = lowerCaseExtension(toPath(output));
+  if (extension.empty() || extension == ".y4m") return;
+  note("'" + output + "' gets a YUV4MPEG2 stream, not a " + extension +
+       " file; for one, give - as the output and append: | ffmpeg -i - " + output);
+}
+
 void convert(const Options& options) {
   std::error_code notThere;
   if (fs::equivalent(toPath(options.input), toPath(options.output), notThere)) {
@@ -93,6 +101,7 @@ void convert(const Options& options) {
   if (format.range != "FULL") format.range = "LIMITED";
   const int width = format.width, chromaWidth = (width + 1) / 2;
   const std::shared_ptr<void> effect = openHdr(options, format.range == "LIMITED", width, format.height);
+  tellFormat(options.output);
   OutputFile file(toPath(options.output));
   writeVideoHead(file, format);
   VideoFrame src(width, format.height), dst(width, format.height);
@@ -108,6 +117,7 @@ void convert(const Options& options) {
 }
 
 void drawClip(const Options& options) {
+  tellFormat(options.output);
   OutputFile file(toPath(options.output));
   writeVideoHead(file, {options.width, options.height, "25:1", "0:0", "LIMITED"});
   Progress progress("frames", static_cast<size_t>(options.frames));
@@ -135,7 +145,7 @@ void takeStill(const Options& options) {
     const double cr = (frame.planes[2](y / 2, x / 2) - 128) * 255.0 / 224.0;
     pixel = cv::Vec4d(luma + 1.8556 * cb, luma - 0.1873 * cb - 0.4681 * cr, luma + 1.5748 * cr, 255);
   });
-  writePicture(toPath(options.output), picture);
+  writePicture(toPath(options.output), {picture});
 }
 
 void addTransfer(CLI::App* command, std::string& transfer) {

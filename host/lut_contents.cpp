@@ -44,12 +44,14 @@ std::string numbers(const cv::Vec3d& values) {
   return number(values[0]) + ' ' + number(values[1]) + ' ' + number(values[2]);
 }
 
+void remark(LutContents& lut, const std::string& text) { lut.remarks += (lut.remarks.empty() ? "" : "; ") + text; }
+
 void readCubeKeyword(LutContents& lut, std::string_view word, std::string_view rest) {
   cv::Vec3f values;
   const int count = readNumbers(rest, values.val, 3);
   if (word == "LUT_1D_SIZE") {
     lut.hasCurve = true;
-    lut.remarks.push_back("it holds a one-dimensional table, and only 3D tables are read");
+    remark(lut, "it holds a one-dimensional table, and only 3D tables are read");
   } else if (word == "LUT_3D_SIZE" && count > 0) {
     lut.size = static_cast<int>(std::clamp(values[0], 0.0f, kLargestSize + 1.0f));
   } else if (word == "DOMAIN_MIN") {
@@ -59,44 +61,43 @@ void readCubeKeyword(LutContents& lut, std::string_view word, std::string_view r
   } else if (word == "LUT_3D_INPUT_RANGE") {
     lut.domainMin = cv::Vec3d::all(values[0]);
     lut.domainMax = cv::Vec3d::all(values[1]);
-    if (values[0] != 0.0f || values[1] != 1.0f) lut.remarks.push_back("its LUT_3D_INPUT_RANGE is ignored");
+    lut.hasInputRange = true;
   }
 }
 
 void readMesh(LutContents& lut, std::string_view line) {
   lut.size = static_cast<int>(std::min<ptrdiff_t>(std::count(line.begin(), line.end(), ' '), kLargestSize)) + 1;
-  if (line.find('\t') != line.npos) lut.remarks.push_back("tabs do not separate the entries of its mesh line");
+  if (line.find('\t') != line.npos) remark(lut, "tabs do not separate the entries of its mesh line");
   if (line.front() == ' ' || line.back() == ' ' || line.find("  ") != line.npos) {
-    lut.remarks.push_back("its mesh line has a blank too many, at its end or in a row, which counts as an entry");
+    remark(lut, "its mesh line has a blank too many, at its end or in a row, which counts as an entry");
   }
 }
 
 void remarkOnValues(LutContents& lut) {
-  const auto remark = [&](const std::string& text) { lut.remarks.push_back(text); };
   const bool isCube = lut.format == ".cube";
   const bool lacksMesh = !isCube && lut.size == 3 && lut.rows > cubeOf(3);
   if (lut.size < (isCube ? 2 : 3) || lut.size > 65) {
-    remark("it has no size that can be used: 2 to 65 points per axis, in a .3dl file 3 to 65");
+    remark(lut, "it has no size that can be used: 2 to 65 points per axis, in a .3dl file 3 to 65");
   } else if (lacksMesh) {
-    remark("it has no mesh line: its first row is taken for one, and it is read as a table of 3 points per axis");
+    remark(lut, "it has no mesh line: its first row is taken for one, and it is read as a table of 3 points per axis");
   } else if (lut.rows != cubeOf(lut.size)) {
-    remark("it has " + std::to_string(lut.rows) + " rows, and " + std::to_string(lut.size) + " points per axis take " +
-           std::to_string(cubeOf(lut.size)) + (lut.rows > cubeOf(lut.size) ? "; the others are not read" : ""));
+    remark(lut, "it has " + std::to_string(lut.rows) + " rows, and " + std::to_string(lut.size) +
+                    " points per axis take " + std::to_string(cubeOf(lut.size)) +
+                    (lut.rows > cubeOf(lut.size) ? "; the others are not read" : ""));
   }
   if (lut.shortRows != 0) {
-    remark(std::to_string(lut.shortRows) + " of its rows lack numbers, and repeat those of the row before");
+    remark(lut, std::to_string(lut.shortRows) + " of its rows lack numbers, and repeat those of the row before");
   }
   if (isCube && (lut.domainMin != cv::Vec3d::all(0) || lut.domainMax != cv::Vec3d::all(1))) {
-    remark("its domain, " + numbers(lut.domainMin) + " to " + numbers(lut.domainMax) +
-           ", is no domain of inputs here: those run from 0 to 1, and DOMAIN lines multiply the result by the "
-           "difference; resample it to 0 to 1");
+    remark(lut, "its domain is " + numbers(lut.domainMin) + " to " + numbers(lut.domainMax) +
+                    ", and inputs here run from 0 to 1: " +
+                    (lut.hasInputRange ? "it is ignored" : "results are multiplied by the difference"));
   }
-  const std::string most = "its values go up to " + number(lut.most);
-  if (isCube && lut.most >= 16.0) remark(most + ", and 1 is full scale: it comes out white");
-  if (!isCube && lut.most <= 1023.0)
-    remark(most + ", as in tables of 10 bits, and 4095 is full scale: it comes out dark");
-  if (!isCube && lut.most > 4095.0)
-    remark(most + ", as in tables of 16 bits, and 4095 is full scale: it comes out white");
+  const char* const outcome = isCube && lut.most >= 16.0      ? "1 is full scale: it comes out white"
+                              : !isCube && lut.most > 4095.0  ? "4095 is full scale: a table of 16 bits comes out white"
+                              : !isCube && lut.most <= 1023.0 ? "4095 is full scale: a table of 10 bits comes out dark"
+                                                              : nullptr;
+  if (outcome && lut.rows != 0) remark(lut, "its values go up to " + number(lut.most) + ", and " + outcome);
 }
 
 }  // namespace
@@ -140,11 +141,18 @@ LutContents readLut(const std::filesystem::path& path) {
   return lut;
 }
 
+std::string LutContents::description() const {
+  if (format != ".cube" && format != ".3dl")
+    return "format   unknown: only .cube and .3dl are read, by the name of the file";
+  return "format   " + format + "\nsize     " + std::to_string(size) + " points per axis, " + std::to_string(rows) +
+         " rows\nvalues   " + number(least) + " to " + number(most) + ", full scale " +
+         (format == ".cube" ? "1\ndomain   " + numbers(domainMin) + " to " + numbers(domainMax) : "4095");
+}
+
 bool LutContents::isWholeCube() const {
-  bool inverted = false;
-  for (int c = 0; c < 3; ++c) inverted = inverted || !(domainMin[c] < domainMax[c]);
-  return format == ".cube" && !hasCurve && shortRows == 0 && !inverted && size >= 2 && size <= kLargestSize &&
-         points.size() == cubeOf(size);
+  const cv::Vec3d width = domainMax - domainMin;
+  return format == ".cube" && !hasCurve && shortRows == 0 && *std::min_element(width.val, width.val + 3) > 0.0 &&
+         size >= 2 && size <= kLargestSize && points.size() == cubeOf(size);
 }
 
 cv::Vec3d LutContents::colourAt(const cv::Vec3d& input) const {
@@ -169,9 +177,10 @@ cv::Vec3d LutContents::colourAt(const cv::Vec3d& input) const {
 }
 
 std::string LutContents::wrappingValues() const {
+  const cv::Vec3d scale = hasInputRange ? cv::Vec3d::all(1) : domainMax - domainMin;
   size_t count = 0, first = 0;
   for (size_t i = 0; i < points.size(); ++i) {
-    const cv::Vec3d result = cv::Vec3d(points[i]).mul(domainMax - domainMin) * 255.0;
+    const cv::Vec3d result = cv::Vec3d(points[i]).mul(scale) * 255.0;
     if (*std::min_element(result.val, result.val + 3) > -1.5) continue;
     if (count++ == 0) first = i;
   }

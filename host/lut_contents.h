@@ -12,11 +12,15 @@ struct LutContents {
   std::string format;              ///< ".cube" or ".3dl"; otherwise nothing more is known
   int size = 0;                    ///< points per axis, as the library counts them; 0: it finds none
   bool hasCurve = false;           ///< a one-dimensional table, alone or ahead of the 3D table
+  bool hasInputRange = false;      ///< the domain is that of LUT_3D_INPUT_RANGE, which the library does not know
   size_t rows = 0, shortRows = 0;  ///< all rows; those with fewer than three numbers
   cv::Vec3d domainMin = {0, 0, 0}, domainMax = {1, 1, 1};
   double least = 0.0, most = 0.0;  ///< of all values, as they stand in the file
   std::vector<cv::Vec3f> points;   ///< red, green, blue, in the order of the file
-  std::vector<std::string> remarks;
+  std::string remarks;             ///< with a semicolon between two
+
+  /// Format, size, rows, range of values and domain, in a line each.
+  std::string description() const;
 
   /// A 3D table of .cube that can be resampled, whatever its domain.
   bool isWholeCube() const;

@@ -5,7 +5,6 @@
 #include <new>
 #include <opencv2/core.hpp>
 #include <opencv2/core/utils/logger.hpp>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -48,10 +47,10 @@ int main(int argc, char** argv) {
     if (app.get_subcommands().empty()) throw CLI::RequiredError("a subcommand");
     return 0;
   } catch (const CLI::ParseError& error) {
-    std::ostringstream text;
-    const bool done = app.exit(error, std::cout, text) == 0;
-    std::cerr << host::printable(text.str());
-    return done ? 0 : static_cast<int>(host::ExitCode::kUsage);
+    if (error.get_exit_code() == 0) return app.exit(error);  // prints the help or the version
+    const std::vector<CLI::App*> chosen = app.get_subcommands();
+    const std::string command = chosen.empty() ? "" : ' ' + chosen[0]->get_name();
+    return failed(error.what() + ("; see lumvane-host" + command + " --help"), host::ExitCode::kUsage);
   } catch (const host::Error& error) {
     return failed(error.what(), error.code);
   } catch (const std::exception& error) {

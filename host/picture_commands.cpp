@@ -1,3 +1,4 @@
+#include <iostream>
 #include <memory>
 #include <opencv2/core.hpp>
 
@@ -16,12 +17,28 @@ struct Options {
   std::vector<std::string> paths;
   std::string lut, scene;
   bool compare = false, premultiply = false;
-  int strength = 100, intensity = 100, saturation = 0;
+  int quality = 0, strength = 100, intensity = 100, saturation = 0;
   float temperature = 0.0f, tint = 0.0f;
   int width = 1280, height = 720;
 };
 
 int32_t stride(const cv::Mat& picture) { return static_cast<int32_t>(picture.step[0]); }
+
+// What a LUT file is, and what the library makes of it.
+void checkLut(const std::string& name) {
+  const LutContents contents = readLut(toPath(name));
+  std::cout << contents.description() << std::endl;
+  const std::shared_ptr<void> effect = openLut(name);
+  for (const int grey : {0, 128, 255}) {
+    cv::Vec4b pixel(cv::Scalar(grey, grey, grey, 255));
+    Lut3DColorAdjustEffectProcess(effect.get(), pixel.val, 1, 1, 0, pixel.val, 1, 1, 0, 100);
+    std::cout << (grey == 0 ? "result   " : ", ") << grey << " grey becomes "
+              << cv::Vec3i(pixel[2], pixel[1], pixel[0]);
+  }
+  const std::string wrapping = contents.wrappingValues();
+  std::cout << (wrapping.empty() ? "" : "\nas HDR   refused: " + wrapping) << std::endl;
+  throw CLI::Success();
+}
 
 // The library multiplies colours by alpha, picture files hold them without. So a picture is graded as an opaque one and
 // gets its alpha back, which is right at every strength; `premultiply` gives the library's own answer instead.
@@ -61,10 +78,29 @@ Edit whiteBalance(const Options& options) {
   };
 }
 
+// Tells what an option takes, with an example, where a word cannot be read as such a number.
+template <class Number>
+CLI::Validator takes(const std::string& what) {
+  const auto check = [what](const std::string& text) {
+    Number value;
+    return CLI::detail::lexical_cast(text, value) ? "" : "takes " + what + ", not '" + text + "'";
+  };
+  return {check, ""};
+}
+
 // `open` makes the edit when all options are known.
-CLI::App* addPictureCommand(CLI::App& app, const char* name, const char* description,
+CLI::App* addPictureCommand(CLI::App& app, const char* name, const char* description, const std::string& examples,
                             const std::shared_ptr<Options>& options, Edit (*open)(const Options&)) {
   auto* command = app.add_subcommand(name, description);
+  command->footer(
+      "Reads and writes PNG, JPEG, TIFF, WebP, BMP, PPM and PGM, by the name of the file; 8 and 16 bits in, 8 out.\n"
+      "Pictures with a colour profile are converted to sRGB.\n\n" +
+      examples);
+  command
+      ->add_option("--quality", options->quality,
+                   "Quality of JPEG files, 1 to 100; by default that of the input, or 95")
+      ->check(CLI::Range(1, 100))
+      ->default_str("");
   command->add_flag("--compare", options->compare,
                     "Also write NAME-compare.png: before on the left, after on the right");
   command
@@ -74,7 +110,8 @@ CLI::App* addPictureCommand(CLI::App& app, const char* name, const char* descrip
       ->type_name("PATH")
       ->expected(2, -1)
       ->default_str("");
-  command->callback([options, open] { editPictures(options->paths, options->compare, open(*options)); });
+  command->callback(
+      [options, open] { editPictures(options->paths, options->compare, options->quality, open(*options)); });
   return command;
 }
 
@@ -86,12 +123,14 @@ std::shared_ptr<void> openLut(const std::string& name) {
   const LutContents contents = readLut(toPath(name));
   std::shared_ptr<void> effect(Create3DLutColorAdjustEffect(libraryPath(name).c_str(), 0, 0),
                                Destory3DLutColorAdjustEffect);
-  const bool refused = !effect || contents.hasCurve;
-  std::string text = effect ? ""
-                            : "a LUT is a .cube file of 2 to 65 points per axis or a .3dl file of 3 to 65, by its "
-                              "name, with all its rows";
-  for (const std::string& remark : contents.remarks) text += (text.empty() ? "" : "; ") + remark;
-  if (refused) throw Error(ExitCode::kInput, "cannot use LUT file", toPath(name), text);
+  std::string text = contents.remarks;
+  if (!effect || contents.hasCurve) {
+    if (text.empty()) {
+      text =
+          "a LUT is a .cube file of 2 to 65 points per axis or a .3dl file of 3 to 65, by its name, with all its rows";
+    }
+    throw Error(ExitCode::kInput, "cannot use LUT file", toPath(name), text);
+  }
   if (!text.empty()) note("LUT file '" + name + "': " + text);
   return effect;
 }
@@ -99,24 +138,35 @@ std::shared_ptr<void> openLut(const std::string& name) {
 void addPictureCommands(CLI::App& app) {
   const auto options = std::make_shared<Options>();
 
-  auto* lut = addPictureCommand(app, "lut", "Grade pictures through a 3D LUT", options, grading);
+  const CLI::Validator percent = takes<int>("a whole number of percent, such as 60");
+  const CLI::Validator shift = takes<float>("a number, such as 0.2");
+
+  auto* lut = addPictureCommand(app, "lut", "Grade pictures through a 3D LUT",
+                                "Examples:\n"
+                                "  lumvane-host lut --lut look.cube --strength 60 photo.jpg graded.png\n"
+                                "  lumvane-host lut --lut look.3dl --compare stills/ graded/\n"
+                                "  lumvane-host lut --check look.cube",
+                                options, grading);
   lut->add_option("--lut", options->lut, "LUT file, .cube or .3dl")->required()->type_name("PATH");
-  lut->add_option("--strength", options->strength, "Strength in percent, 0 to 100, clamped");
+  lut->add_option_function<std::string>("--check", checkLut, "Only tell what a LUT file is and what becomes of it")
+      ->trigger_on_parse()
+      ->type_name("PATH");
+  lut->add_option("--strength", options->strength, "Strength in percent, 0 to 100, clamped")->check(percent);
   lut->add_flag("--premultiply", options->premultiply, "Write colours multiplied by alpha, the library's own pixels");
-  lut->footer(
-      "Examples:\n"
-      "  lumvane-host lut --lut look.cube --strength 60 photo.jpg graded.png\n"
-      "  lumvane-host lut --lut look.3dl --compare stills/ graded/");
 
-  auto* clear = addPictureCommand(app, "clarity", "Raise the local contrast of pictures", options, clarity);
-  clear->add_option("--intensity", options->intensity, "Local contrast in percent, 0 to 100, clamped");
-  clear->add_option("--saturation", options->saturation, "Saturation in percent, -100 to 100, clamped");
-  clear->footer("Example:\n  lumvane-host clarity --intensity 70 --saturation 20 photo.jpg clear.png");
+  auto* clear = addPictureCommand(app, "clarity", "Raise the local contrast of pictures",
+                                  "Example:\n  lumvane-host clarity --intensity 70 --saturation 20 photo.jpg clear.png",
+                                  options, clarity);
+  clear->add_option("--intensity", options->intensity, "Local contrast in percent, 0 to 100, clamped")->check(percent);
+  clear->add_option("--saturation", options->saturation, "Saturation in percent, -100 to 100, clamped")->check(percent);
 
-  auto* warm = addPictureCommand(app, "whitebalance", "Shift the white balance of pictures", options, whiteBalance);
-  warm->add_option("--temperature", options->temperature, "From cold, -1, to warm, 1, and beyond; 0 changes nothing");
-  warm->add_option("--tint", options->tint, "From green, -1, to magenta, 1, and beyond; 0 changes nothing");
-  warm->footer("Example:\n  lumvane-host whitebalance --temperature 0.2 --tint -0.05 photo.jpg warm.png");
+  auto* warm = addPictureCommand(
+      app, "whitebalance", "Shift the white balance of pictures",
+      "Example:\n  lumvane-host whitebalance --temperature 0.2 --tint -0.05 photo.jpg warm.png", options, whiteBalance);
+  warm->add_option("--temperature", options->temperature, "From cold, -1, to warm, 1, and beyond; 0 changes nothing")
+      ->check(shift);
+  warm->add_option("--tint", options->tint, "From green, -1, to magenta, 1, and beyond; 0 changes nothing")
+      ->check(shift);
 
   auto* scene = app.add_subcommand("scene",
                                    "Draw a test scene: skin tones, saturated patches, a grey ramp, gradients, "
@@ -125,7 +175,7 @@ void addPictureCommands(CLI::App& app) {
   scene->add_option("--width", options->width, "Width in pixels")->check(CLI::Range(16, 16384));
   scene->add_option("--height", options->height, "Height in pixels")->check(CLI::Range(16, 16384));
   scene->footer("Example:\n  lumvane-host scene --width 1920 --height 1080 scene.png");
-  scene->callback([options] { writePicture(toPath(options->scene), drawScene(options->width, options->height)); });
+  scene->callback([options] { writePicture(toPath(options->scene), {drawScene(options->width, options->height)}); });
 }
 
 }  // namespace host

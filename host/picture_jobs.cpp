@@ -57,32 +57,38 @@ std::vector<Job> planJobs(const std::vector<std::string>& paths, bool compare) {
   return jobs;
 }
 
-void editPicture(const Job& job, const Edit& edit) {
-  const cv::Mat before = readPicture(job.input);
-  const cv::Mat after = edit(before);
-  writePicture(job.output, after);
-  if (!job.comparison.empty()) writePicture(job.comparison, sideBySide(before, after));
+void editPicture(const Job& job, int quality, const Edit& edit) {
+  Picture picture = readPicture(job.input);
+  const cv::Mat before = picture.pixels;
+  picture.pixels = edit(before);
+  if (quality != 0) picture.quality = quality;
+  writePicture(job.output, picture);
+  if (!job.comparison.empty()) writePicture(job.comparison, {sideBySide(before, picture.pixels)});
 }
 
 }  // namespace
 
-void editPictures(const std::vector<std::string>& paths, bool compare, const Edit& edit) {
+void editPictures(const std::vector<std::string>& paths, bool compare, int quality, const Edit& edit) {
   const std::vector<Job> jobs = planJobs(paths, compare);
-  if (jobs.size() == 1) return editPicture(jobs[0], edit);  // of its failures the caller tells
+  if (jobs.size() == 1) return editPicture(jobs[0], quality, edit);  // of its failures the caller tells
 
-  // One bad picture does not keep the others waiting.
+  // One bad picture does not keep the others waiting; a full disk does.
   std::string failures;
   size_t failed = 0;
   ExitCode code = ExitCode::kOther;
   Progress progress("pictures", jobs.size());
   for (const Job& job : jobs) {
     try {
-      editPicture(job, edit);
+      editPicture(job, quality, edit);
     } catch (const std::exception& error) {
       const auto* expected = dynamic_cast<const Error*>(&error);  // such a text has the name in it
       failures +=
           "\n  " + (expected ? "" : toName(job.input) + ": ") + (isOutOfMemory(error) ? kOutOfMemory : error.what());
       if (failed++ == 0 && expected) code = expected->code;
+      if (expected && expected->isDiskFull) {
+        failures += "\n  the others were not begun";
+        break;
+      }
     }
     progress.finishStep();
   }

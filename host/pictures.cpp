@@ -5,9 +5,9 @@
 #include <opencv2/imgproc.hpp>
 #include <set>
 #include <string>
-#include <string_view>
 
 #include "host/files.h"
+#include "host/picture_file.h"
 #include "host/platform.h"
 
 namespace host {
@@ -15,24 +15,11 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// The library that decodes makes up what is missing of a JPEG file. One that was cut off has no end marker behind its
-// header, a row of segments (ITU-T T.81, annex B): a marker, 0xff and a byte, and a length in two bytes, high byte
-// first, that counts itself. A thumbnail, with an end marker of its own, lies inside a segment. Marker 0xda begins the
-// picture.
-bool isCutOffJpeg(const std::vector<uint8_t>& bytes) {
-  if (bytes.size() < 3 || bytes[0] != 0xff || bytes[1] != 0xd8 || bytes[2] != 0xff) return false;
-  size_t at = 2;
-  while (at + 3 < bytes.size() && bytes[at + 1] != 0xda) {
-    at += bytes[at + 1] == 0xff ? 1u : 2u + bytes[at + 2] * 256u + bytes[at + 3];  // 0xff may be repeated
-  }
-  const std::string_view picture(reinterpret_cast<const char*>(bytes.data()), bytes.size());
-  return picture.find("\xff\xd9", at) == std::string_view::npos;
-}
-
-cv::Mat overCheckerboard(const cv::Mat& picture) {
+// Translucent areas over squares of two greys.
+cv::Mat laidOn(const cv::Mat& picture, int light, int dark) {
   cv::Mat out = picture.clone();
-  out.forEach<cv::Vec4b>([](cv::Vec4b& pixel, const int* at) {
-    const int board = (at[0] / 16 + at[1] / 16) % 2 == 0 ? 200 : 150;
+  out.forEach<cv::Vec4b>([light, dark](cv::Vec4b& pixel, const int* at) {
+    const int board = (at[0] / 16 + at[1] / 16) % 2 == 0 ? light : dark;
     for (int c = 0; c < 3; ++c) {
       pixel[c] = static_cast<uint8_t>((pixel[c] * pixel[3] + board * (255 - pixel[3]) + 127) / 255);
     }
@@ -43,13 +30,18 @@ cv::Mat overCheckerboard(const cv::Mat& picture) {
 
 }  // namespace
 
-cv::Mat readPicture(const fs::path& path) {
+Picture readPicture(const fs::path& path) {
   const std::string failed = "cannot read picture";
   const auto refuse = [&](const std::string& reason) { throw Error(ExitCode::kInput, failed, path, reason); };
   std::ifstream file = openInput(failed, path);
+  if (std::set<std::string>{".mp4", ".m4v", ".mov", ".mkv", ".webm", ".avi", ".mxf", ".y4m"}.count(
+          lowerCaseExtension(path)) != 0) {
+    refuse("it is a video; the plug-ins take those, as in: ffmpeg -i in.mp4 -vf frei0r=lumvane_lut:look.cube out.mp4");
+  }
   const std::vector<uint8_t> bytes{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
   if (bytes.empty()) refuse("it is empty");
-  if (isCutOffJpeg(bytes)) refuse("it is cut off, the file ends ahead of the picture");
+  const PictureFile facts = lookInto({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+  if (facts.cutOff) refuse("it is cut off, the file ends ahead of the picture");
   cv::Mat picture;
   try {
     picture = cv::imdecode(bytes, cv::IMREAD_UNCHANGED);
@@ -62,25 +54,36 @@ cv::Mat readPicture(const fs::path& path) {
   if (picture.depth() == CV_16U) picture.convertTo(picture, CV_8U, 1.0 / 257.0);
   if (picture.depth() != CV_8U) refuse("its pixels have neither 8 nor 16 bits");
   if (picture.channels() == 3) cv::cvtColor(picture, picture, cv::COLOR_BGR2BGRA);
-  return picture;
+  if (!facts.profile.empty()) convertToSrgb(picture, facts.profile);
+  return {picture, facts.quality, facts.sampling};
 }
 
-void writePicture(const fs::path& path, const cv::Mat& picture) {
+void writePicture(const fs::path& path, const Picture& picture) {
   const auto refuse = [&](const std::string& reason) {
     throw Error(ExitCode::kOutput, "cannot write picture", path, reason);
   };
   const std::string extension = lowerCaseExtension(path);
-  cv::Mat out = picture, alpha;
-  cv::extractChannel(picture, alpha, 3);
+  cv::Mat out = picture.pixels, alpha;
+  cv::extractChannel(out, alpha, 3);
+  const bool isOpaque = cv::countNonZero(alpha != 255) == 0;
   const bool holdsAlpha = extension == ".png" || extension == ".webp" || extension == ".tif" || extension == ".tiff";
-  if (!holdsAlpha || cv::countNonZero(alpha != 255) == 0) cv::cvtColor(picture, out, cv::COLOR_BGRA2BGR);
+  if (!holdsAlpha && !isOpaque) {
+    note(extension + " holds no transparency; laid on white: '" + toName(path) + "'");
+    out = laidOn(out, 255, 255);
+  }
+  if (!holdsAlpha || isOpaque) cv::cvtColor(out, out, cv::COLOR_BGRA2BGR);
   std::vector<uint8_t> bytes;
   try {
-    if (!cv::imencode(extension, out, bytes, {cv::IMWRITE_JPEG_QUALITY, 95})) {
-      refuse(extension + " holds no " + std::to_string(out.cols) + " x " + std::to_string(out.rows) + " pixels");
+    if (extension == ".jpg" || extension == ".jpeg") {
+      bytes = encodeJpeg(out, picture.quality, picture.sampling);
+    } else if (!cv::imencode(extension, out, bytes)) {
+      bytes.clear();
     }
   } catch (const cv::Exception& error) {
     refuse(error.err);
+  }
+  if (bytes.empty()) {
+    refuse(extension + " holds no " + std::to_string(out.cols) + " x " + std::to_string(out.rows) + " pixels");
   }
   OutputFile file(path);
   file.write(bytes.data(), bytes.size());
@@ -91,20 +94,27 @@ std::vector<fs::path> picturesIn(const fs::path& folder) {
   const std::set<std::string> known = {".png", ".jpg", ".jpeg", ".tif", ".tiff", ".webp", ".bmp"};
   std::error_code error;
   std::vector<fs::path> pictures;
+  size_t others = 0;
   const fs::directory_iterator entries(folder, error);
   if (error) throw Error(ExitCode::kInput, "cannot read the folder", folder, error.message());
   for (const auto& entry : entries) {
-    if (entry.is_regular_file(error) && known.count(lowerCaseExtension(entry.path())) != 0) {
+    // What is hidden belongs to systems and programs, as ._photo.jpg beside photo.jpg does.
+    if (!entry.is_regular_file(error) || toName(entry.path().filename())[0] == '.') continue;
+    if (known.count(lowerCaseExtension(entry.path())) != 0) {
       pictures.push_back(entry.path());
+    } else {
+      ++others;
     }
   }
+  if (others != 0)
+    note(std::to_string(others) + " files that are no pictures are left out of '" + toName(folder) + "'");
   std::sort(pictures.begin(), pictures.end());
   return pictures;
 }
 
 cv::Mat sideBySide(const cv::Mat& left, const cv::Mat& right) {
   cv::Mat out;
-  cv::hconcat(overCheckerboard(left), overCheckerboard(right), out);
+  cv::hconcat(laidOn(left, 200, 150), laidOn(right, 200, 150), out);
   cv::line(out, {left.cols, 0}, {left.cols, left.rows - 1}, cv::Scalar::all(255), 2);
   return out;
 }

@@ -15,10 +15,14 @@
  *            HDR             always the real distance, also for packed rows
  *            white balance   has no strides: rows are always packed
  * Threads  A handle serves one thread at a time. Different handles can be used concurrently. Large frames are divided
- *          among OpenCV's worker threads; a call returns when all its work is done. cv::setNumThreads sets their
- *          number; on Windows, where OpenCV is inside the DLL, the environment variable OPENCV_FOR_THREADS_NUM does. If they
- *          cannot be started, all work is done on the calling threads. exit() may be called during calls; unloading the
- *          library may not.
+ *          among OpenCV's worker threads; a call returns when all its work is done. cv::setNumThreads sets their number
+ *          at any time; C finds it by dlsym(library, "_ZN2cv13setNumThreadsEi"). Without it there are as many as
+ *          processors: on Linux, those that the main thread may use (taskset, sched_setaffinity) at the first frame or
+ *          HDR object. The environment variable OPENCV_FOR_THREADS_NUM sets their number on Windows, where OpenCV is
+ *          inside the DLL; with Debian's OpenCV it has no effect. If threads cannot be started, all work is done on
+ *          the calling threads; to find that out, the first frame or HDR object makes a few threads for a moment.
+ *          exit() may be called during calls: it waits, for a second at most, until their loops are done, and what goes
+ *          on after that runs on the calling threads. Unloading the library during calls is not allowed.
  * Bytes    The same input gives the same bytes on every processor and system, with any number of threads, in any locale
  *          and in any floating-point mode of the calling thread (rounding, flushed denormals, traps). The mode is
  *          restored before the call returns.

@@ -109,7 +109,7 @@ done <<CASES
 3|--memory||clarity huge.ppm x.png
 3|no ordinary file||lut --lut pipe.cube many/one.png x.png
 3|no ordinary file||lut --lut /dev/zero many/one.png x.png
-3|'damaged/HDR_HLG.cube': a LUT is||$hdr damaged hlg.y4m x.y4m
+3|'damaged/HDR_HLG.cube': it has 97 rows||$hdr damaged hlg.y4m x.y4m
 3|wrap around to white, first row 5: -0.07 0 0;|sed '7s/.*/-0.07 0 0/' luts/HDR_HLG.cube >made/HDR_HLG.cube|$hdr made hlg.y4m x.y4m
 3|one-dimensional|echo LUT_1D_SIZE 2 >curve.cube|hdr-luts --hlg curve.cube x
 3|'?[31mred'||clarity $red x.png
@@ -118,12 +118,25 @@ done <<CASES
 2|to be read||$hdr luts kept.y4m ./kept.y4m
 4|'/dev/full': No space left||$hdr luts hlg.y4m /dev/full
 3|one-dimensional|echo LUT_1D_SIZE 2 >curve.cube|lut --lut curve.cube many/one.png x.png
+0|has 126 rows, and 5 points|(cat luts/HDR_HLG.cube; echo 1 1 1) >look.cube|lut --lut look.cube many/one.png y.png
+0|domain is 0 0 0 to 2 2 2|sed '2iDOMAIN_MAX 2 2 2' luts/HDR_HLG.cube >look.cube|lut --lut look.cube many/one.png y.png
+0|no mesh line|sed 1,3d silver.3dl >look.3dl|lut --lut look.3dl many/one.png y.png
+0|16 bits comes out white|sed '9s/$/0000/' silver.3dl >look.3dl|lut --check look.3dl
+0|10 bits comes out dark|sed '4,\$s/[0-9][0-9]*/99/g' silver.3dl >look.3dl|lut --check look.3dl
+0|128 grey becomes [135, 131, 122]||lut --check silver.3dl
+3|a blank too many|sed '3s/$/ /' silver.3dl >look.3dl|lut --check look.3dl
 3|no UTF-8||lut --lut $latin.3dl many/one.png x.png
 3|it is cut off|head -c 900 many/two.jpg >cut.jpg|clarity cut.jpg x.png
 3|1 of 2 pictures failed:|head -c 900 many/one.png >cut.png|clarity cut.png many/one.png $latin
 4|cannot write picture 'x.jpg'|{ echo P5 1 70000 255; head -c 70000 /dev/zero; } >tall.pgm|clarity tall.pgm x.jpg
 2|to be read||clarity many/one.png many/link.png
 2|to be read||clarity many none/../many
+2|a whole number of percent, such as 60, not '0.6'; see||lut --strength 0.6
+3|plug-ins|: >clip.mov|clarity clip.mov x.png
+0|laid on white||clarity many/one.png y.jpg
+0|not a .mp4 file||hdr-clip --transfer pq --frames 1 --width 8 --height 8 y.mp4
+0|1 files that are no pictures|mkdir more; cp many/*.* more; : >more/text; : >more/._one.png|clarity more done
+4|not begun|ln -sf /dev/full done/link.png|clarity more done
 2|two pictures|cp graded-compare.png one-compare.png|clarity --compare many/one.png one-compare.png x
 CASES
 cmp kept.y4m hlg.y4m
@@ -134,6 +147,27 @@ printf '\377\330\377\341\0\042Exif\0\0MM\0\052\0\0\0\010\0\001\001\022\0\003\0\0
 tail -c +3 many/two.jpg >>turned.jpg
 "$host" whitebalance turned.jpg upright.png
 [ "$(od -An -tu1 -j16 -N8 upright.png | tr -s ' ')" = " 0 0 0 36 0 0 0 64" ]
+
+# A JPEG file keeps quality and chroma, and colours with a profile become sRGB: that of this one has red and green swapped.
+"$host" clarity --quality 40 many/one.png forty.jpg
+"$host" clarity forty.jpg again.jpg
+cmp -n 600 forty.jpg again.jpg
+if ldd "$host" | grep liblcms2; then
+  printf 'P6 1 1 255 \377\0\0' >red.ppm
+  "$host" whitebalance red.ppm red.jpg
+  # shellcheck disable=SC2016  # a program of perl
+  perl -e 'print "\xff\xd8\xff\xe2", pack("n a12 n", 296, "ICC_PROFILE", 257),
+    pack("N a4 n2 a4 a4 a4 x12 a4 x28 N3 x48", 280, "", 528, 0, "mntr", "RGB ", "XYZ ", "acsp", 63190, 65536, 54061),
+    pack("N (a4 N2)6", 6, map(($_, 264, 14), "rTRC", "gTRC", "bTRC"), "gXYZ", 204, 20, "rXYZ", 224, 20, "bXYZ", 244, 20),
+    map(pack("a4 x4 N3", "XYZ ", @$_), [28578, 14581, 912], [25241, 46981, 6362], [9376, 3972, 46799]),
+    pack("a4 x4 N n x2", "curv", 1, 563)' >tagged.jpg
+  tail -c +3 red.jpg >>tagged.jpg
+  if command -v ffmpeg; then ffmpeg -nostdin -v error -i tagged.jpg tagged.png; else cp tagged.jpg tagged.png; fi
+  for file in tagged.jpg tagged.png; do
+    "$host" whitebalance $file green.ppm
+    tail -c 3 green.ppm | od -An -tu1 | awk '{ exit $1 > 9 || $2 < 245 }'
+  done
+fi
 
 # An interrupted run leaves nothing, like a failed one, also where a file may not be as large.
 (ulimit -f 8 && "$host" scene x.png) 2>/dev/null || [ $? -eq 4 ]

@@ -12,11 +12,10 @@ namespace {
 // Sanitizers keep freed memory for a while.
 #ifdef LUMVANE_SANITIZED
 constexpr long kMostGrowthKiB = 600 << 10;
-constexpr int kShare = 10;
 #else
 constexpr long kMostGrowthKiB = 1 << 10;
-constexpr int kShare = 1;
 #endif
+constexpr int kShare = test::kStep == 1 ? 1 : 10;
 
 // Runs a tenth of the rounds, so that one-time allocations are done, and compares the rest with the memory in use then.
 template <class Round>

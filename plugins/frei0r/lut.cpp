@@ -1,5 +1,7 @@
 #include <cmath>
+#include <cstdio>
 #include <filesystem>
+#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -45,9 +47,21 @@ class LutEffect : public Effect {
   // throws on the way, for want of memory, is tried again with the next frame.
   void load(const std::string& path) {
     if (path == path_) return;
-    const std::u8string utf8(path.begin(), path.end());
-    handle_.reset(Create3DLutColorAdjustEffect(std::filesystem::path(utf8).u16string().c_str(), 0, 0));
+    handle_.reset(open(path));
     path_ = path;
+    // A picture that stays as it is looks as if there were no plug-in, and no host asks for a reason.
+    if (handle_ || path.empty()) return;
+    std::error_code unknown;
+    std::fprintf(stderr, "lumvane_lut: cannot use '%s': %s\n", path.c_str(),
+                 std::filesystem::exists(path, unknown) ? "it is no .cube or .3dl file, damaged, or not to be read"
+                                                        : "there is no such file");
+  }
+
+  static void* open(const std::string& path) try {
+    const std::u8string utf8(path.begin(), path.end());
+    return Create3DLutColorAdjustEffect(std::filesystem::path(utf8).u16string().c_str(), 0, 0);
+  } catch (const std::system_error&) {  // no UTF-8
+    return nullptr;
   }
 
   std::string path_;

@@ -15,6 +15,7 @@ struct LumvaneHdr {
   GstVideoFilter parent;
   gchar* luts;   // folder, UTF-8, or null
   void* effect;  // for the present caps, or null
+  bool failed;   // since the last start
 };
 
 struct LumvaneHdrClass {
@@ -22,6 +23,10 @@ struct LumvaneHdrClass {
 };
 
 G_DEFINE_TYPE(LumvaneHdr, lumvane_hdr, GST_TYPE_VIDEO_FILTER)
+
+// An error is told once: caps that are refused come again with every event and frame.
+#define TELL_ONCE(element, ...) \
+  if (!std::exchange(self(element)->failed, true)) GST_ELEMENT_ERROR(element, __VA_ARGS__)
 
 LumvaneHdr* self(gpointer object) { return static_cast<LumvaneHdr*>(object); }
 
@@ -58,6 +63,13 @@ bool allowsHdr(const GValue* names, bool fullRange) {
          isHdr(video) && isFullRange(video) == fullRange;
 }
 
+GstCaps* filtered(GstCaps* caps, GstCaps* filter) {
+  if (filter == nullptr) return caps;
+  GstCaps* both = gst_caps_intersect_full(filter, caps, GST_CAPS_INTERSECT_FIRST);
+  gst_caps_unref(caps);
+  return both;
+}
+
 // All but the colours stays as it is: format, size, range, rate, siting of chroma.
 GstCaps* transformCaps(GstBaseTransform*, GstPadDirection direction, GstCaps* caps, GstCaps* filter) {
   GstCaps* result = gst_caps_new_empty();
@@ -75,12 +87,36 @@ GstCaps* transformCaps(GstBaseTransform*, GstPadDirection direction, GstCaps* ca
       result = gst_caps_merge_structure(result, to);
     }
   }
-  if (filter != nullptr) {
-    GstCaps* both = gst_caps_intersect_full(filter, result, GST_CAPS_INTERSECT_FIRST);
-    gst_caps_unref(result);
-    result = both;
+  return filtered(result, filter);
+}
+
+// The base class offers upstream first what downstream takes as it is, which is BT.709.
+gboolean query(GstBaseTransform* transform, GstPadDirection direction, GstQuery* query) {
+  if (!GST_BASE_TRANSFORM_CLASS(lumvane_hdr_parent_class)->query(transform, direction, query)) return FALSE;
+  if (direction != GST_PAD_SINK || GST_QUERY_TYPE(query) != GST_QUERY_CAPS) return TRUE;
+  GstCaps *found, *filter, *open = gst_caps_new_empty();
+  gst_query_parse_caps(query, &filter);
+  gst_query_parse_caps_result(query, &found);
+  for (guint i = 0; i < gst_caps_get_size(found); ++i) {
+    GstStructure* structure = gst_structure_copy(gst_caps_get_structure(found, i));
+    gst_structure_remove_field(structure, "colorimetry");
+    open = gst_caps_merge_structure(open, structure);
   }
-  return result;
+  open = filtered(open, filter);
+  gst_query_set_caps_result(query, open);
+  gst_caps_unref(open);
+  return TRUE;
+}
+
+// Other video is accepted, to be refused when it comes: a refusal at this point ends the pipeline without a reason.
+gboolean acceptCaps(GstBaseTransform* transform, GstPadDirection direction, GstCaps* caps) {
+  if (direction != GST_PAD_SINK) {
+    return GST_BASE_TRANSFORM_CLASS(lumvane_hdr_parent_class)->accept_caps(transform, direction, caps);
+  }
+  GstCaps* taken = gst_static_pad_template_get_caps(&sinkTemplate);
+  const gboolean accepted = gst_caps_is_subset(caps, taken);
+  gst_caps_unref(taken);
+  return accepted;
 }
 
 gboolean sinkEvent(GstBaseTransform* transform, GstEvent* event) {
@@ -90,7 +126,7 @@ gboolean sinkEvent(GstBaseTransform* transform, GstEvent* event) {
     const char* name = gst_structure_get_string(gst_caps_get_structure(caps, 0), "colorimetry");
     GstVideoColorimetry video;
     if (name == nullptr || !gst_video_colorimetry_from_string(&video, name) || !isHdr(video)) {
-      GST_ELEMENT_ERROR(
+      TELL_ONCE(
           transform, STREAM, WRONG_TYPE,
           ("The video is not marked as BT.2020 with an HLG or PQ transfer: colorimetry %s", name ? name : "is missing"),
           ("bt2100-hlg or bt2100-pq is needed; capssetter marks video that is one of them"));
@@ -123,8 +159,8 @@ void* createEffect(LumvaneHdr* element, const gchar* luts, const GstVideoInfo* v
   const std::filesystem::path folder = std::filesystem::weakly_canonical(utf8);
   const std::scoped_lock lock(loaded.mutex);
   if (!loaded.folder.empty() && folder != loaded.folder) {
-    GST_ELEMENT_ERROR(element, RESOURCE, SETTINGS, ("One process takes HDR LUTs from one folder"),
-                      ("'%s' is in use, so '%s' cannot be", loaded.folder.c_str(), luts));
+    TELL_ONCE(element, RESOURCE, SETTINGS,
+              ("'%s' cannot be used: this process has its HDR LUTs from '%s'", luts, loaded.folder.c_str()), (nullptr));
     return nullptr;
   }
   if (loaded.folder.empty()) {
@@ -132,8 +168,8 @@ void* createEffect(LumvaneHdr* element, const gchar* luts, const GstVideoInfo* v
     loaded.usable[1] = isUsable(folder / "HDR_PQ.cube");
   }
   if (!loaded.usable[pq]) {
-    GST_ELEMENT_ERROR(element, RESOURCE, NOT_FOUND,
-                      ("'%s' has no HDR_%s.cube that can be used", luts, pq ? "PQ" : "HLG"), (nullptr));
+    TELL_ONCE(element, RESOURCE, NOT_FOUND, ("'%s' has no HDR_%s.cube that can be used", luts, pq ? "PQ" : "HLG"),
+              (nullptr));
     return nullptr;
   }
   void* effect = CreateVideoAdjustColor(folder.u16string().c_str(), 0, !isFullRange(video->colorimetry), pq,
@@ -150,17 +186,22 @@ gboolean setInfo(GstVideoFilter* filter, GstCaps*, GstVideoInfo* in, GstCaps*, G
   GST_OBJECT_LOCK(element);
   gchar* luts = g_strdup(element->luts);
   GST_OBJECT_UNLOCK(element);
-  if (luts == nullptr) {
-    GST_ELEMENT_ERROR(element, RESOURCE, SETTINGS, ("The property luts is missing"), (nullptr));
+  if (luts == nullptr || *luts == 0) {
+    TELL_ONCE(element, RESOURCE, SETTINGS, ("The property luts names no folder"), (nullptr));
   } else {
     try {
       element->effect = createEffect(element, luts, in);
     } catch (const std::exception& error) {  // no memory, too large a frame, a name that is no UTF-8
-      GST_ELEMENT_ERROR(element, LIBRARY, INIT, ("The HDR converter cannot be made"), ("%s", error.what()));
+      TELL_ONCE(element, LIBRARY, INIT, ("The HDR converter cannot be made"), ("%s", error.what()));
     }
   }
   g_free(luts);
   return element->effect != nullptr;
+}
+
+gboolean start(GstBaseTransform* transform) {
+  self(transform)->failed = false;
+  return TRUE;
 }
 
 gboolean stop(GstBaseTransform* transform) {
@@ -236,7 +277,10 @@ void lumvane_hdr_class_init(LumvaneHdrClass* type) {
   gst_element_class_add_static_pad_template(element, &srcTemplate);
   GstBaseTransformClass* transform = GST_BASE_TRANSFORM_CLASS(type);
   transform->transform_caps = transformCaps;
+  transform->query = query;
+  transform->accept_caps = acceptCaps;
   transform->sink_event = sinkEvent;
+  transform->start = start;
   transform->stop = stop;
   GstVideoFilterClass* filter = GST_VIDEO_FILTER_CLASS(type);
   filter->set_info = setInfo;

@@ -25,6 +25,12 @@ done
 [ -e "$root/usr/lib/frei0r-1/lumvane_lut.so" ]
 [ -e "$root/usr/share/kdenlive/effects/frei0r_lumvane_lut.xml" ]
 [ -e "$root/usr/share/shotcut/qml/filters/lumvane/meta_lut.qml" ]
+# The element is left out of packages for ARM64.
+for package in "$folder"/gstreamer1.0-lumvane_*.deb; do
+  [ -e "$package" ] || continue
+  dpkg-deb --field "$package" Depends | grep -F "liblumvane0 (= $version)" | grep -q libgstreamer-plugins-base1.0-0
+  [ -e "$library/gstreamer-1.0/libgstlumvane.so" ]
+done
 [ -e "$root/usr/lib/python3/dist-packages/lumvane/farm.py" ]
 for file in liblumvane-dev/docs/embedding.md liblumvane-dev/examples/host.c lumvane-host/examples/silver.cube \
   python3-lumvane/examples/grade.py frei0r-plugins-lumvane/plugins.md; do

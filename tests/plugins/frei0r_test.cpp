@@ -5,6 +5,7 @@
 #include <inttypes.h>
 #include <sys/resource.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cmath>
 #include <limits>
@@ -177,7 +178,11 @@ TEST_F(LutPlugin, PassesThePictureThroughWithoutAUsableFile) {
     instance.set(0, path);
     EXPECT_NE(instance.update(src, 40, 30), src);
     instance.set(0, unusable);
+    testing::internal::CaptureStderr();
     EXPECT_EQ(instance.update(src, 40, 30), src) << unusable;
+    const std::string told = testing::internal::GetCapturedStderr();  // of two frames
+    EXPECT_EQ(std::count(told.begin(), told.end(), '\n'), unusable.empty() ? 0 : 1) << told;
+    EXPECT_NE(told.find(unusable), std::string::npos) << told;
   }
   f0r_param_string none = nullptr;
   plugin.f0r_set_param_value(instance.handle, &none, 0);

@@ -1,14 +1,14 @@
 #!/bin/sh
 # Each plug-in in a real host, over a short clip: the host's output must equal lumvane-host's for the same pictures,
 # byte for byte.
-#   hosts.sh ffmpeg|melt LUMVANE-HOST PLUGIN_FOLDER SAMPLES
-# Exit code 77 if the host is not installed.
+#   hosts.sh ffmpeg|melt|gst-launch-1.0 LUMVANE-HOST PLUGIN_FOLDER SAMPLES
+# Exit code 77 if the host, or its part for frei0r, is not installed.
 set -u
 host=$1
 program=$2
 export FREI0R_PATH=$3
 lut=$4/teal_orange.cube
-for needed in "$host" ffmpeg; do  # FFmpeg also packs clips for melt
+for needed in "$host" ffmpeg; do  # FFmpeg also packs the clips
   command -v "$needed" >/dev/null || { echo "skipped: $needed is not installed"; exit 77; }
 done
 folder=$(mktemp -d)
@@ -21,6 +21,11 @@ height=96
 case $host in
   ffmpeg) width=160 ;;
   melt) width=150 ;;
+  gst-launch-1.0)
+    width=150
+    export GST_REGISTRY="$folder/registry"  # it has the plug-ins of the last FREI0R_PATH in it
+    gst-inspect-1.0 --exists frei0r-filter-lumvane-lut || { echo "skipped: GStreamer has no frei0r"; exit 77; }
+    ;;
   *) exit 2 ;;
 esac
 raw='-f rawvideo -pix_fmt bgra'
@@ -45,6 +50,16 @@ run_melt() {  # run_melt PLUGIN FIRST SECOND [PROPERTY]
   ffmpeg -nostdin -v error -y -i out.mkv $raw out.raw
 }
 
+run_gst() {  # run_gst PLUGIN FIRST SECOND
+  case $1 in
+    lumvane_lut) set -- lut path "$2" strength "$3" ;;
+    lumvane_clarity) set -- clarity intensity "$2" saturation "$3" ;;
+    lumvane_whitebalance) set -- white-balance temperature "$2" tint "$3" ;;
+  esac
+  gst-launch-1.0 -q filesrc location=clip.raw ! rawvideoparse format=bgra width=$width height=$height ! \
+    "frei0r-filter-lumvane-$1" "$2=$3" "$4=$5" ! filesink location=out.raw
+}
+
 # expect COMMAND...: the frames that lumvane-host produces
 expect() {
   rm -rf graded
@@ -56,7 +71,7 @@ expect() {
 # gives PLUGIN FIRST SECOND [PROPERTY]: the host's frames equal those in expected.raw
 gives() {
   rm -f out.raw
-  "run_$host" "$@" && cmp out.raw expected.raw || { echo "failed: $host, $*"; failed=1; }
+  "run_${host%%-*}" "$@" && cmp out.raw expected.raw || { echo "failed: $host, $*"; failed=1; }
 }
 
 # Gradients under noise, all channels different, opaque on the left and of every alpha on the right.
