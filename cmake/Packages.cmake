@@ -18,18 +18,11 @@ if(CMAKE_INSTALL_PREFIX STREQUAL "/usr")
   install(DIRECTORY python/lumvane DESTINATION lib/python3/dist-packages COMPONENT python  # elsewhere pip installs it
     FILES_MATCHING PATTERN *.py PATTERN py.typed PATTERN __pycache__ EXCLUDE)
 
-  # Pages and examples. The programs in docs/embedding.md are files of their own here.
-  file(MAKE_DIRECTORY ${packaging})
-  foreach(program "host:c" "runtime:c dlopen")
-    string(REGEX MATCH "^(.*):(.*)$" program ${program})
-    execute_process(COMMAND sed -n "/^```${CMAKE_MATCH_2}$/,/^```$/p" ${PROJECT_SOURCE_DIR}/docs/embedding.md
-      COMMAND grep -v "^```"
-      OUTPUT_FILE ${packaging}/${CMAKE_MATCH_1}.c COMMAND_ERROR_IS_FATAL ANY)
-  endforeach()
+  # Pages and examples.
   set(doc ${CMAKE_INSTALL_DATADIR}/doc)
   install(FILES README.md SECURITY.md DESTINATION ${doc}/${packages_dev} COMPONENT dev)
   install(DIRECTORY docs DESTINATION ${doc}/${packages_dev} COMPONENT dev PATTERN windows-readme.txt EXCLUDE)
-  install(FILES ${packaging}/host.c ${packaging}/runtime.c DESTINATION ${doc}/${packages_dev}/examples COMPONENT dev)
+  install(FILES examples/host.c examples/runtime.c DESTINATION ${doc}/${packages_dev}/examples COMPONENT dev)
   if(TARGET frei0r_lumvane_lut)
     install(FILES docs/plugins.md DESTINATION ${doc}/${packages_plugins} COMPONENT plugins)
   endif()
@@ -38,6 +31,7 @@ if(CMAKE_INSTALL_PREFIX STREQUAL "/usr")
 
   find_program(PYTHON3 python3 HINTS /usr/bin)
   if(PYTHON3)
+    file(MAKE_DIRECTORY ${packaging})
     execute_process(
       COMMAND ${PYTHON3} scripts/debian-changelog CHANGELOG.md ${PROJECT_VERSION} ${CPACK_PACKAGE_CONTACT}
       COMMAND gzip -9n

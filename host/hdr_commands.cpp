@@ -32,13 +32,11 @@ struct Options {
   bool isPq() const { return transfer == "pq"; }
 };
 
-// Codes of 10 bits, as broadcasters' cubes have them, from 0 to 1: with narrow ones black is 64 and white 940.
-Colour toCodes(const Colour& signal, bool narrow) {
-  return narrow ? (signal * 876.0 + Colour::all(64)) / 1023.0 : signal;
-}
-Colour fromCodes(const Colour& codes, bool narrow) {
-  return narrow ? (codes * 1023.0 - Colour::all(64)) / 876.0 : codes;
-}
+// Codes of 10 bits, as broadcasters' cubes have them: narrow ones have black at 64 and white at 940.
+struct Codes {
+  explicit Codes(bool narrow) : black(narrow ? 64 / 1023.0 : 0.0), width(narrow ? 876 / 1023.0 : 1.0) {}
+  double black, width;
+};
 
 // A cube of somebody else's in the form that the library takes: without a domain, without values that wrap.
 std::string resampled(const std::string& name, const Options& options) {
@@ -47,12 +45,12 @@ std::string resampled(const std::string& name, const Options& options) {
     throw Error(ExitCode::kInput, "cannot resample", toPath(name),
                 cube.remarks.empty() ? "it is no .cube file of a 3D table with all its rows" : cube.remarks);
   }
-  const bool narrowIn = options.codes == "narrow",
-             narrowOut = (options.codesOut.empty() ? options.codes : options.codesOut) == "narrow";
+  const Codes in(options.codes == "narrow");
+  const Codes out((options.codesOut.empty() ? options.codes : options.codesOut) == "narrow");
   return cubeText("resampled by lumvane-host", options.size, [&](const Colour& signal) {
-    Colour out = fromCodes(cube.colourAt(toCodes(signal, narrowIn)), narrowOut);
-    for (double& value : out.val) value = value > 0.0 ? std::min(value, 1.0) : 0.0;
-    return out;
+    Colour result = (cube.colourAt(signal * in.width + Colour::all(in.black)) - Colour::all(out.black)) / out.width;
+    for (double& value : result.val) value = value > 0.0 ? std::min(value, 1.0) : 0.0;
+    return result;
   });
 }
 
@@ -177,16 +175,13 @@ void addHdrCommands(CLI::App& app) {
                    writeLuts);
   addPath(luts, "folder", options->luts, "Folder to write HDR_HLG.cube and HDR_PQ.cube to");
   luts->add_option("--size", options->size, "Points per axis")->check(CLI::Range(2, 65));
-  luts->add_option("--hlg", options->hlgCube,
-                   "Published cube to make HDR_HLG.cube of, instead of a conversion of the program's own")
+  luts->add_option("--hlg", options->hlgCube, "Published cube to make HDR_HLG.cube of; by default the program's own")
       ->type_name("PATH");
   luts->add_option("--pq", options->pqCube, "Published cube to make HDR_PQ.cube of")->type_name("PATH");
   luts->add_option("--codes", options->codes,
-                   "Codes of these cubes, in and out: black and white are 64 and 940 of 1023 in narrow ones, 0 and 1 "
-                   "in full ones")
+                   "Codes of the cubes: black and white are 0 and 1, or, narrow, 64 and 940 of 1023")
       ->check(CLI::IsMember({"narrow", "full"}));
-  luts->add_option("--codes-out", options->codesOut,
-                   "Codes that the cubes give, where they differ from those that they take")
+  luts->add_option("--codes-out", options->codesOut, "Codes that the cubes give; by default those that they take")
       ->check(CLI::IsMember({"narrow", "full"}));
 
   auto* hdr = add("hdr", "Convert HDR video (BT.2020, 8-bit 4:2:0 YUV4MPEG2, chroma sited left) to BT.709",

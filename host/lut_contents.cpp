@@ -8,7 +8,6 @@
 #include <cmath>
 #include <fstream>
 #include <iterator>
-#include <sstream>
 #include <string_view>
 
 #include "host/files.h"
@@ -32,16 +31,6 @@ int readNumbers(std::string_view line, float* values, int most) {
     next = after;
   }
   return most;
-}
-
-std::string number(double value) {
-  std::ostringstream text;
-  text << value;
-  return text.str();
-}
-
-std::string numbers(const cv::Vec3d& values) {
-  return number(values[0]) + ' ' + number(values[1]) + ' ' + number(values[2]);
 }
 
 void remark(LutContents& lut, const std::string& text) { lut.remarks += (lut.remarks.empty() ? "" : "; ") + text; }
@@ -81,23 +70,22 @@ void remarkOnValues(LutContents& lut) {
   } else if (lacksMesh) {
     remark(lut, "it has no mesh line: its first row is taken for one, and it is read as a table of 3 points per axis");
   } else if (lut.rows != cubeOf(lut.size)) {
-    remark(lut, "it has " + std::to_string(lut.rows) + " rows, and " + std::to_string(lut.size) +
-                    " points per axis take " + std::to_string(cubeOf(lut.size)) +
-                    (lut.rows > cubeOf(lut.size) ? "; the others are not read" : ""));
+    remark(lut, cv::format("it has %zu rows, and %d points per axis take %zu", lut.rows, lut.size, cubeOf(lut.size)));
   }
   if (lut.shortRows != 0) {
-    remark(lut, std::to_string(lut.shortRows) + " of its rows lack numbers, and repeat those of the row before");
+    remark(lut, cv::format("%zu of its rows lack numbers, and repeat those of the row before", lut.shortRows));
   }
   if (isCube && (lut.domainMin != cv::Vec3d::all(0) || lut.domainMax != cv::Vec3d::all(1))) {
-    remark(lut, "its domain is " + numbers(lut.domainMin) + " to " + numbers(lut.domainMax) +
-                    ", and inputs here run from 0 to 1: " +
-                    (lut.hasInputRange ? "it is ignored" : "results are multiplied by the difference"));
+    const cv::Vec3d &from = lut.domainMin, &to = lut.domainMax;
+    remark(lut, cv::format("its domain is %g %g %g to %g %g %g, and inputs run from 0 to 1 here: %s", from[0], from[1],
+                           from[2], to[0], to[1], to[2],
+                           lut.hasInputRange ? "it is ignored" : "results are multiplied by the difference"));
   }
   const char* const outcome = isCube && lut.most >= 16.0      ? "1 is full scale: it comes out white"
                               : !isCube && lut.most > 4095.0  ? "4095 is full scale: a table of 16 bits comes out white"
                               : !isCube && lut.most <= 1023.0 ? "4095 is full scale: a table of 10 bits comes out dark"
                                                               : nullptr;
-  if (outcome && lut.rows != 0) remark(lut, "its values go up to " + number(lut.most) + ", and " + outcome);
+  if (outcome && lut.rows != 0) remark(lut, cv::format("its values go up to %g, and %s", lut.most, outcome));
 }
 
 }  // namespace
@@ -142,11 +130,12 @@ LutContents readLut(const std::filesystem::path& path) {
 }
 
 std::string LutContents::description() const {
-  if (format != ".cube" && format != ".3dl")
-    return "format   unknown: only .cube and .3dl are read, by the name of the file";
-  return "format   " + format + "\nsize     " + std::to_string(size) + " points per axis, " + std::to_string(rows) +
-         " rows\nvalues   " + number(least) + " to " + number(most) + ", full scale " +
-         (format == ".cube" ? "1\ndomain   " + numbers(domainMin) + " to " + numbers(domainMax) : "4095");
+  std::string text = "format   " + format;
+  if (format != ".cube" && format != ".3dl") return text + ", by the name, which is not read";
+  text += cv::format("\nsize     %d points per axis, %zu rows\nvalues   %g to %g", size, rows, least, most);
+  if (format == ".3dl") return text + ", full scale 4095";
+  return text + cv::format(", full scale 1\ndomain   %g %g %g to %g %g %g", domainMin[0], domainMin[1], domainMin[2],
+                           domainMax[0], domainMax[1], domainMax[2]);
 }
 
 bool LutContents::isWholeCube() const {
@@ -185,9 +174,11 @@ std::string LutContents::wrappingValues() const {
     if (count++ == 0) first = i;
   }
   if (count == 0) return "";
-  return std::to_string(count) + " of its " + std::to_string(rows) +
-         " rows hold values below 0 that wrap around to white, first row " + std::to_string(first + 1) + ": " +
-         numbers(points[first]) + "; the lowest value is " + number(least);
+  const cv::Vec3f& row = points[first];
+  return cv::format(
+      "%zu of its %zu rows hold values below 0 that wrap around to white, first row %zu: %g %g %g; the lowest value is "
+      "%g",
+      count, rows, first + 1, row[0], row[1], row[2], least);
 }
 
 }  // namespace host

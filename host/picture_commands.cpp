@@ -92,10 +92,10 @@ CLI::Validator takes(const std::string& what) {
 CLI::App* addPictureCommand(CLI::App& app, const char* name, const char* description, const std::string& examples,
                             const std::shared_ptr<Options>& options, Edit (*open)(const Options&)) {
   auto* command = app.add_subcommand(name, description);
-  command->footer(
-      "Reads and writes PNG, JPEG, TIFF, WebP, BMP, PPM and PGM, by the name of the file; 8 and 16 bits in, 8 out.\n"
-      "Pictures with a colour profile are converted to sRGB.\n\n" +
-      examples);
+  std::string formats;
+  for (const std::string& extension : pictureExtensions()) formats += ' ' + extension;
+  command->footer("Reads and writes" + formats + ", 8 and 16 bits in, 8 out. Colours of ICC profiles become sRGB.\n\n" +
+                  examples);
   command
       ->add_option("--quality", options->quality,
                    "Quality of JPEG files, 1 to 100; by default that of the input, or 95")
@@ -123,15 +123,12 @@ std::shared_ptr<void> openLut(const std::string& name) {
   const LutContents contents = readLut(toPath(name));
   std::shared_ptr<void> effect(Create3DLutColorAdjustEffect(libraryPath(name).c_str(), 0, 0),
                                Destory3DLutColorAdjustEffect);
-  std::string text = contents.remarks;
   if (!effect || contents.hasCurve) {
-    if (text.empty()) {
-      text =
-          "a LUT is a .cube file of 2 to 65 points per axis or a .3dl file of 3 to 65, by its name, with all its rows";
-    }
-    throw Error(ExitCode::kInput, "cannot use LUT file", toPath(name), text);
+    throw Error(ExitCode::kInput, "cannot use LUT file", toPath(name),
+                contents.remarks + (contents.remarks.empty() ? "" : "; ") +
+                    "a LUT is a .cube file of 2 to 65 points per axis or a .3dl file of 3 to 65, with all its rows");
   }
-  if (!text.empty()) note("LUT file '" + name + "': " + text);
+  if (!contents.remarks.empty()) note("LUT file '" + name + "': " + contents.remarks);
   return effect;
 }
 

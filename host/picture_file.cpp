@@ -9,10 +9,8 @@
 
 #ifdef LUMVANE_HOST_PROFILES
 #include <lcms2.h>
-#include <zlib.h>
-#endif
-#ifdef LUMVANE_HOST_TURBOJPEG
 #include <turbojpeg.h>
+#include <zlib.h>
 #endif
 
 namespace host {
@@ -67,17 +65,16 @@ std::string_view partOf(std::string_view bytes, std::string_view name, bool isPn
   }
 }
 
-std::string unpacked([[maybe_unused]] std::string_view packed) {
-  std::string out;
 #ifdef LUMVANE_HOST_PROFILES
+std::string unpacked(std::string_view packed) {
   uLongf size = 1 << 22;  // profiles of displays and cameras take a few KB
-  out.resize(size);
+  std::string out(size, '\0');
   const auto* const source = reinterpret_cast<const Bytef*>(packed.data());
   const int result = uncompress(reinterpret_cast<Bytef*>(out.data()), &size, source, packed.size());
   out.resize(result == Z_OK ? size : 0);
-#endif
   return out;
 }
+#endif
 
 std::string_view tiffProfile(std::string_view bytes) {
   const bool highFirst = bytes[0] == 'M';
@@ -98,10 +95,12 @@ PictureFile lookInto(std::string_view bytes) {
     if (bytes.starts_with("\xff\xd8\xff")) lookIntoJpeg(bytes, file);
     if (bytes.starts_with("RIFF")) file.profile = partOf(bytes, "ICCP", false);
     if (bytes.starts_with("II*\0"sv) || bytes.starts_with("MM\0*"sv)) file.profile = tiffProfile(bytes);
+#ifdef LUMVANE_HOST_PROFILES
     if (bytes.starts_with("\x89PNG")) {  // a name, a zero and a byte for the way of packing
       const std::string_view part = partOf(bytes, "iCCP", true);
       file.profile = unpacked(part.substr(part.find('\0') + 2));
     }
+#endif
   } catch (const std::out_of_range&) {
     return file;
   }
@@ -110,10 +109,9 @@ PictureFile lookInto(std::string_view bytes) {
 
 #ifdef LUMVANE_HOST_PROFILES
 void convertToSrgb(cv::Mat& bgra, const std::string& profile) {
-  const auto close = [](void* opened) { cmsCloseProfile(opened); };
   const auto size = static_cast<cmsUInt32Number>(profile.size());
-  const std::unique_ptr<void, decltype(close)> source(cmsOpenProfileFromMem(profile.data(), size), close);
-  const std::unique_ptr<void, decltype(close)> target(cmsCreate_sRGBProfile(), close);
+  const std::shared_ptr<void> source(cmsOpenProfileFromMem(profile.data(), size), cmsCloseProfile);
+  const std::shared_ptr<void> target(cmsCreate_sRGBProfile(), cmsCloseProfile);
   if (!source || cmsGetColorSpace(source.get()) != cmsSigRgbData) return;
   const std::unique_ptr<void, decltype(&cmsDeleteTransform)> transform(
       cmsCreateTransform(source.get(), TYPE_BGRA_8, target.get(), TYPE_BGRA_8, INTENT_RELATIVE_COLORIMETRIC,
@@ -122,20 +120,14 @@ void convertToSrgb(cv::Mat& bgra, const std::string& profile) {
   if (!transform) return;
   const auto convert = [&](const cv::Mat& from) {
     cv::Mat to(from.size(), from.type());
-    for (int y = 0; y < from.rows; ++y) {
-      cmsDoTransform(transform.get(), from.ptr(y), to.ptr(y), static_cast<cmsUInt32Number>(from.cols));
-    }
+    cmsDoTransform(transform.get(), from.data, to.data, static_cast<cmsUInt32Number>(from.total()));
     return to;
   };
   cv::Mat sample(16, 64, CV_8UC4);
   cv::RNG(1).fill(sample, cv::RNG::UNIFORM, 0, 256);
   if (cv::norm(sample, convert(sample), cv::NORM_INF) > 1.0) bgra = convert(bgra);
 }
-#else
-void convertToSrgb(cv::Mat&, const std::string&) {}
-#endif
 
-#ifdef LUMVANE_HOST_TURBOJPEG
 std::vector<uint8_t> encodeJpeg(const cv::Mat& bgr, int quality, int sampling) {
   const int chroma = sampling == 0x22   ? TJSAMP_420
                      : sampling == 0x21 ? TJSAMP_422
@@ -145,13 +137,15 @@ std::vector<uint8_t> encodeJpeg(const cv::Mat& bgr, int quality, int sampling) {
   const std::unique_ptr<void, decltype(&tjDestroy)> encoder(tjInitCompress(), tjDestroy);
   unsigned char* bytes = nullptr;
   unsigned long size = 0;
-  const int result = tjCompress2(encoder.get(), bgr.data, bgr.cols, static_cast<int>(bgr.step[0]), bgr.rows, TJPF_BGR,
-                                 &bytes, &size, chroma, quality, TJFLAG_ACCURATEDCT);
+  const int result = tjCompress2(encoder.get(), bgr.data, bgr.cols, 0, bgr.rows, TJPF_BGR, &bytes, &size, chroma,
+                                 quality, TJFLAG_ACCURATEDCT);
   const std::unique_ptr<unsigned char, decltype(&tjFree)> owner(bytes, tjFree);
   if (result != 0) return {};
   return {bytes, bytes + size};
 }
 #else
+void convertToSrgb(cv::Mat&, const std::string&) {}
+
 std::vector<uint8_t> encodeJpeg(const cv::Mat& bgr, int quality, int) {
   std::vector<uint8_t> bytes;
   if (!cv::imencode(".jpg", bgr, bytes, {cv::IMWRITE_JPEG_QUALITY, quality})) bytes.clear();

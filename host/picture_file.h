@@ -18,11 +18,11 @@ struct PictureFile {
 /// Looks into a JPEG, PNG, TIFF or WebP file. Of what is damaged or of another format, nothing is told.
 PictureFile lookInto(std::string_view bytes);
 
-/// Converts 8-bit BGRA pixels from the colours of an ICC profile of RGB to sRGB, which the effects and viewers take
+/// Converts 8-bit BGRA pixels, rows packed, from the colours of an ICC profile of RGB to sRGB, which the effects and viewers take
 /// pictures for. Profiles that are sRGB, within a step of rounding, and those that cannot be used change nothing.
 void convertToSrgb(cv::Mat& bgra, const std::string& profile);
 
-/// A JPEG file of BGR pixels; empty when it cannot hold them.
+/// A JPEG file of BGR pixels, rows packed; empty when it cannot hold them.
 std::vector<uint8_t> encodeJpeg(const cv::Mat& bgr, int quality, int sampling);
 
 }  // namespace host

@@ -90,8 +90,14 @@ void writePicture(const fs::path& path, const Picture& picture) {
   file.finish();
 }
 
+std::vector<std::string> pictureExtensions() {
+  std::vector<std::string> known = {".png", ".jpg", ".jpeg", ".tif", ".tiff", ".webp", ".bmp", ".ppm", ".pgm"};
+  std::erase_if(known, [](const std::string& extension) { return !cv::haveImageWriter(extension); });
+  return known;
+}
+
 std::vector<fs::path> picturesIn(const fs::path& folder) {
-  const std::set<std::string> known = {".png", ".jpg", ".jpeg", ".tif", ".tiff", ".webp", ".bmp"};
+  const std::vector<std::string> known = pictureExtensions();
   std::error_code error;
   std::vector<fs::path> pictures;
   size_t others = 0;
@@ -100,7 +106,7 @@ std::vector<fs::path> picturesIn(const fs::path& folder) {
   for (const auto& entry : entries) {
     // What is hidden belongs to systems and programs, as ._photo.jpg beside photo.jpg does.
     if (!entry.is_regular_file(error) || toName(entry.path().filename())[0] == '.') continue;
-    if (known.count(lowerCaseExtension(entry.path())) != 0) {
+    if (std::count(known.begin(), known.end(), lowerCaseExtension(entry.path())) != 0) {
       pictures.push_back(entry.path());
     } else {
       ++others;

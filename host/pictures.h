@@ -21,6 +21,9 @@ Picture readPicture(const std::filesystem::path& path);
 /// no alpha. Throws an Error with the file's name when that fails.
 void writePicture(const std::filesystem::path& path, const Picture& picture);
 
+/// Of the formats that are read and written, as ".png".
+std::vector<std::string> pictureExtensions();
+
 /// The pictures in a folder, by their extensions and sorted by name; hidden files are left out. Tells how many others
 /// there are.
 std::vector<std::filesystem::path> picturesIn(const std::filesystem::path& folder);

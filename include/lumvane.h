@@ -20,7 +20,9 @@
  *          processors: on Linux, those that the main thread may use (taskset, sched_setaffinity) at the first frame or
  *          HDR object. The environment variable OPENCV_FOR_THREADS_NUM sets their number on Windows, where OpenCV is
  *          inside the DLL; with Debian's OpenCV it has no effect. If threads cannot be started, all work is done on
- *          the calling threads. exit() may be called during calls; unloading the library may not.
+ *          the calling threads; to find that out, the first frame or HDR object makes a few threads for a moment.
+ *          exit() may be called during calls: it waits, for a second at most, until their loops are done, and what goes
+ *          on after that runs on the calling threads. Unloading the library during calls is not allowed.
  * Bytes    The same input gives the same bytes on every processor and system, with any number of threads, in any locale
  *          and in any floating-point mode of the calling thread (rounding, flushed denormals, traps). The mode is
  *          restored before the call returns.

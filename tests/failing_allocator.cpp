@@ -24,7 +24,7 @@ std::atomic<bool> threadsRefused = false;
 std::atomic<long> live = 0;
 std::atomic<size_t> inUse = 0, mostInUse = 0;  // bytes
 
-// Whether the allocation at hand is to fail.
+// Whether the current allocation has to fail.
 bool fails() {
   if (countdown == 0) return false;
   if (countdown > 1) {
@@ -115,7 +115,7 @@ int pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*
 
 #else
 
-// The forms of operator new that are not replaced call these.
+// The default forms of all other operators call these.
 void* operator new(size_t bytes) {
   void* const block = fails() ? nullptr : std::malloc(bytes == 0 ? 1 : bytes);
   if (block == nullptr) throw std::bad_alloc();

@@ -23,6 +23,8 @@ for file in liblumvane.so cmake/Lumvane/LumvaneConfig.cmake pkgconfig/lumvane.pc
 done
 [ -e "$root/usr/include/lumvane.h" ]
 [ -e "$root/usr/lib/frei0r-1/lumvane_lut.so" ]
+[ -e "$root/usr/share/kdenlive/effects/frei0r_lumvane_lut.xml" ]
+[ -e "$root/usr/share/shotcut/qml/filters/lumvane/meta_lut.qml" ]
 # The element is left out of packages for ARM64.
 for package in "$folder"/gstreamer1.0-lumvane_*.deb; do
   [ -e "$package" ] || continue
