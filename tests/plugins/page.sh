@@ -31,6 +31,8 @@ average() { ffmpeg -i "$1" -vf "$from_bt709,format=rgb24,scale=20:12:flags=area"
 
 # clips WIDTH: in.mp4 with its marks, unmarked.mp4 without, and their frames in folder frames
 clips() {
+  [ "$1" != "${width:-}" ] || return 0
+  width=$1
   rm -rf frames
   mkdir frames
   "$host" scene --width "$1" --height 360 scene.png
@@ -90,7 +92,7 @@ for line in *.sh; do
     *lumvane?white*balance*0.6*0.48*) effect='whitebalance --temperature 0.2 --tint -0.04' ;;
     *) echo "no colours are known for: $(cat "$line")"; exit 1 ;;
   esac
-  clips $(grep -q 854 "$line" && echo 854 || echo 640)
+  if grep -q 854 "$line"; then clips 854; else clips 640; fi
   rm -rf graded
   # shellcheck disable=SC2086  # a list of words
   "$host" $effect frames graded
