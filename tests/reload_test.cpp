@@ -21,15 +21,12 @@ namespace {
 
 constexpr const char* kLibrary = LUMVANE_TEST_LIBRARY;
 
-#ifdef LUMVANE_SANITIZED  // memory is not measured then: a sanitizer keeps what is freed for a while
-constexpr int kRounds = 30;
+#if !defined(__OPTIMIZE__)  // HDR takes seconds to load then
+constexpr int kRounds = 20, kExits = 10;
+#elif defined(LUMVANE_SANITIZED)  // memory is not measured then: a sanitizer keeps what is freed for a while
+constexpr int kRounds = 30, kExits = 60;
 #else
-constexpr int kRounds = 40;
-#endif
-#ifdef __OPTIMIZE__
-constexpr int kExits = 60;
-#else
-constexpr int kExits = 10;  // HDR takes seconds to load
+constexpr int kRounds = 40, kExits = 60;
 #endif
 
 test::Library functionsOf(void* library) {
