@@ -28,7 +28,7 @@ class PlatformDistribution(Distribution):
 
 setup(
     name="lumvane",
-    version=re.search(r"VERSION ([\d.]+)", (project / "CMakeLists.txt").read_text().split("project(")[1])[1],
+    version=".".join(re.findall(r"define LUMVANE_VERSION_[A-Z]+ (\d+)", (project / "include/lumvane.h").read_text())),
     description="Per-frame colour effects on NumPy pictures",
     license="MIT",
     packages=["lumvane"],
