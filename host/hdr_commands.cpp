@@ -91,7 +91,8 @@ void convert(const Options& options) {
   openLut(toName(lut));
   const std::string wrapping = readLut(lut).wrappingValues();
   if (!wrapping.empty()) {
-    throw Error(ExitCode::kInput, "cannot use LUT file", lut, wrapping + "; hdr-luts makes one that holds none of it");
+    throw Error(ExitCode::kInput, "cannot use LUT file", lut,
+                wrapping + "; hdr-luts --hlg and --pq make LUTs without such values");
   }
   VideoReader reader(toPath(options.input));
   VideoFormat format = reader.format();

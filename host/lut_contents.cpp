@@ -37,12 +37,12 @@ void remark(LutContents& lut, const std::string& text) { lut.remarks += (lut.rem
 
 void readCubeKeyword(LutContents& lut, std::string_view word, std::string_view rest) {
   cv::Vec3f values;
-  const int count = readNumbers(rest, values.val, 3);
+  readNumbers(rest, values.val, 3);
   if (word == "LUT_1D_SIZE") {
     lut.hasCurve = true;
     remark(lut, "it holds a one-dimensional table, and only 3D tables are read");
-  } else if (word == "LUT_3D_SIZE" && count > 0) {
-    lut.size = static_cast<int>(std::clamp(values[0], 0.0f, kLargestSize + 1.0f));
+  } else if (word == "LUT_3D_SIZE" && values[0] > 0.0f) {
+    lut.size = static_cast<int>(std::min(values[0], kLargestSize + 1.0f));
   } else if (word == "DOMAIN_MIN") {
     lut.domainMin = values;
   } else if (word == "DOMAIN_MAX") {

@@ -118,14 +118,14 @@ void convertToSrgb(cv::Mat& bgra, const std::string& profile) {
                          cmsFLAGS_COPY_ALPHA | cmsFLAGS_BLACKPOINTCOMPENSATION),
       cmsDeleteTransform);
   if (!transform) return;
-  const auto convert = [&](const cv::Mat& from) {
-    cv::Mat to(from.size(), from.type());
-    cmsDoTransform(transform.get(), from.data, to.data, static_cast<cmsUInt32Number>(from.total()));
-    return to;
+  const auto convert = [&](cv::Mat& pixels) {
+    cmsDoTransform(transform.get(), pixels.data, pixels.data, static_cast<cmsUInt32Number>(pixels.total()));
   };
   cv::Mat sample(16, 64, CV_8UC4);
   cv::RNG(1).fill(sample, cv::RNG::UNIFORM, 0, 256);
-  if (cv::norm(sample, convert(sample), cv::NORM_INF) > 1.0) bgra = convert(bgra);
+  const cv::Mat before = sample.clone();
+  convert(sample);
+  if (cv::norm(before, sample, cv::NORM_INF) > 1.0) convert(bgra);
 }
 
 std::vector<uint8_t> encodeJpeg(const cv::Mat& bgr, int quality, int sampling) {

@@ -112,8 +112,10 @@ std::vector<fs::path> picturesIn(const fs::path& folder) {
       ++others;
     }
   }
-  if (others != 0)
-    note(std::to_string(others) + " files that are no pictures are left out of '" + toName(folder) + "'");
+  if (others != 0) {
+    note(std::to_string(others) + (others == 1 ? " other file" : " other files") + " left out of '" + toName(folder) +
+         "'");
+  }
   std::sort(pictures.begin(), pictures.end());
   return pictures;
 }

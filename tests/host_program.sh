@@ -135,7 +135,7 @@ done <<CASES
 3|plug-ins|: >clip.mov|clarity clip.mov x.png
 0|laid on white||clarity many/one.png y.jpg
 0|not a .mp4 file||hdr-clip --transfer pq --frames 1 --width 8 --height 8 y.mp4
-0|1 files that are no pictures|mkdir more; cp many/*.* more; : >more/text; : >more/._one.png|clarity more done
+0|1 other file left out of 'more'|mkdir more; cp many/*.* more; : >more/text; : >more/._one.png|clarity more done
 4|not begun|ln -sf /dev/full done/link.png|clarity more done
 2|two pictures|cp graded-compare.png one-compare.png|clarity --compare many/one.png one-compare.png x
 CASES
