@@ -4,16 +4,16 @@
 
 namespace Lumvane {
 
-/// Set once the process has begun to end. exit() does not wait for other threads, and frames may be in work on them: what
-/// they read is released when the library is unloaded, and then alone.
+/// Set once the process has begun to end. exit() waits for the loops of frames, but not for the frames: what they read is
+/// released only when the library is unloaded.
 inline std::atomic<bool> processEnds = false;
 inline const struct ProcessEnd {
   ~ProcessEnd() { processEnds = true; }
 } processEnd;
 
-/// For a function that is to run when the library is unloaded: it runs ahead of the destructors of objects then, and behind
-/// them where the process ends. So that `processEnds` tells it which of the two it is. On Windows nothing is unloaded
-/// that has anything to release: see base/keep_loaded.h.
+/// For a function that is to run when the library is unloaded. It runs before the destructors of objects then, but after
+/// them when the process ends, so that `processEnds` tells the two apart. On Windows the library is not unloaded once it
+/// has anything to release: see base/keep_loaded.h.
 #ifdef _WIN32
 #define LUMVANE_WHEN_UNLOADED [[maybe_unused]]
 #else
