@@ -14,22 +14,23 @@
  *            clarity         packed rows     packed rows: a bottom-up frame has to be flipped first
  *            HDR             always the real distance, also for packed rows
  *            white balance   has no strides: rows are always packed
- * Threads  A handle serves one thread at a time. Different handles can be used concurrently. Large frames are divided
- *          among OpenCV's worker threads; a call returns when all its work is done. cv::setNumThreads sets their number
- *          at any time; C finds it by dlsym(library, "_ZN2cv13setNumThreadsEi"). Without it there are as many as
- *          processors: on Linux, those that the main thread may use (taskset, sched_setaffinity) at the first frame or
- *          HDR object. The environment variable OPENCV_FOR_THREADS_NUM sets their number on Windows, where OpenCV is
- *          inside the DLL; with Debian's OpenCV it has no effect. If threads cannot be started, all work is done on
- *          the calling threads; to find that out, the first frame or HDR object makes a few threads for a moment.
- *          exit() may be called during calls: it waits, for a second at most, until their loops are done, and what goes
- *          on after that runs on the calling threads. Unloading the library during calls is not allowed.
+ * Threads  A handle serves one thread at a time, any thread. Different handles can be used concurrently. Large frames
+ *          are divided among OpenCV's worker threads; a call returns when all its work is done. cv::setNumThreads sets
+ *          their number at any time; on Linux a host in C gets its address with dlsym(RTLD_DEFAULT,
+ *          "_ZN2cv13setNumThreadsEi"), or with the handle from dlopen. By default there are as many as processors: on
+ *          Linux, those that the main thread may use (taskset, sched_setaffinity) at the first frame or HDR object. The
+ *          environment variable OPENCV_FOR_THREADS_NUM sets their number on Windows, where OpenCV is inside the DLL;
+ *          with Debian's OpenCV it has no effect. If threads cannot be started, all work is done on the calling
+ *          threads; to test for that, the first frame or HDR handle briefly starts as many threads. On Linux, exit()
+ *          may be called while other threads are in a call: it waits up to one second for their worker threads, and the
+ *          rest of those calls runs on the calling threads. Never unload the library during a call.
  * Bytes    The same input gives the same bytes on every processor and system, with any number of threads, in any locale
  *          and in any floating-point mode of the calling thread (rounding, flushed denormals, traps). The mode is
  *          restored before the call returns.
- * Failures Nothing is printed or logged. When memory runs out, a C++ exception leaves the call: std::bad_alloc, or
+ * Failures Lumvane prints and logs nothing. When memory runs out, the call throws a C++ exception: std::bad_alloc, or
  *          cv::Exception from OpenCV. On Windows these are GCC exceptions: a host built with another compiler cannot
  *          catch them and terminates.
- * Names    Are exact, "Destory" included: hosts look them up by these letters.
+ * Names    The spelling "Destory" is part of the interface and will not change: hosts look functions up by name.
  */
 #ifndef LUMVANE_H
 #define LUMVANE_H
@@ -187,7 +188,7 @@ LUMVANE_API bool WhiteBalanceFun(const uint8_t* src, uint8_t* dst, float reserve
 
 /* ---- HDR to BT.709: turns BT.2020 video with an HLG or PQ transfer into BT.709 video ----------------------------- */
 
-/* Creates an HDR converter for frames of one size. The first call of the process loads two LUT files for all objects,
+/* Creates an HDR converter for frames of one size. The first call of the process loads two LUT files for all handles,
  * "HDR_HLG.cube" and "HDR_PQ.cube", and computes their results for each of the 2^24 colours. Later calls read no file,
  * even with another directory.
  *
@@ -199,20 +200,21 @@ LUMVANE_API bool WhiteBalanceFun(const uint8_t* src, uint8_t* dst, float reserve
  * usePq          Not 0: PQ, through "HDR_PQ.cube"; 0: HLG, through "HDR_HLG.cube".
  * width, height  Frame size in pixels; may be odd.
  * Returns        A handle for the functions below, or null for a null directory. A LUT file that is missing or cannot
- *                be used is not reported. Without a file, or with one whose header is refused, the frames that need it
- *                come out black. Of one that is damaged further on, the rows before the damage count, and all other
+ *                be used is not reported. If the file is missing or its header is refused, the frames that need it
+ *                come out black. If it is damaged after the header, the rows before the damage are used, and all other
  *                points of the table are black. Create3DLutColorAdjustEffect gives null for such files.
- * Caution        Results below 0 wrap around: the low 8 bits of a byte's value are kept, so that table values of -1.5 / 255
- *                and less turn shadows white or coloured. Many published cubes hold such values, for codes below black;
- *                others expect narrow-range codes, or a domain other than 0 to 1, which here scales the output. So clamp
- *                and resample a cube before use: "lumvane-host hdr-luts --hlg X.cube --pq Y.cube FOLDER" does both.
+ * Caution        Results below 0 wrap around: only the low 8 bits of a result are kept, so that table values of -1.5 /
+ *                255 or less turn shadows white or coloured. Many published cubes have such values for codes below
+ *                black; others expect narrow-range codes, or a domain other than 0 to 1, which here scales the output.
+ *                So clamp and resample a cube before use: "lumvane-host hdr-luts --hlg X.cube --pq Y.cube FOLDER" does
+ *                both.
  * Owner          The caller, who destroys the object with DestroyVideoAdjustColor.
  * Threads        Calls can run concurrently; the first ones wait until the files are loaded.
- * Failures       Throws std::bad_alloc when memory runs out, when a LUT file cannot be opened because the process or the
- *                system has too many files open, for a negative size, and for frames of 2^31 bytes and more at four
- *                bytes per pixel. If the first call fails so, the next one loads the files.
+ * Failures       Throws std::bad_alloc when memory runs out, when a LUT file cannot be opened because the process or
+ *                the system has too many files open, for a negative width or height, and for frames of 2^29 pixels or
+ *                more. If the first call throws, the next one tries to load the files again.
  * Cost           The first call reads both files: about 0.1 s for two of 65 points. The results and tables, 108 MB,
- *                stay until the library is unloaded. Every object: 8 bytes per pixel.
+ *                stay until the library is unloaded. Each handle takes 8 bytes per pixel (17 MB at 1920 x 1080).
  */
 LUMVANE_API void* CreateVideoAdjustColor(const char16_t* lutDirectory, int32_t reservedMode, int32_t limitedRange,
                                          int32_t usePq, int32_t width, int32_t height);
