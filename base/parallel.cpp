@@ -93,7 +93,7 @@ int startPool() {
   std::future<int> threads = promise.get_future();
   std::thread helper([promise = std::move(promise)]() mutable {
     try {
-      tryThreads(1);  // ahead of the first question to OpenCV, which makes the pool
+      tryThreads(1);  // before the first question to OpenCV, which makes the pool
       const int count = threadsToStart();
       tryThreads(count - 1);
       cv::parallel_for_(cv::Range(0, count), Meeting(count), count);

@@ -1,5 +1,5 @@
 // The vectors that all kernels use, and the few operations for which x86 has one instruction that means just what is
-// wanted, where portable code would take several. To be included behind <hwy/foreach_target.h>.
+// wanted, where portable code would take several. To be included after <hwy/foreach_target.h>.
 
 #if defined(LUMVANE_BASE_VECTORS_INL_H) == defined(HWY_TARGET_TOGGLE)
 #ifdef LUMVANE_BASE_VECTORS_INL_H

@@ -8,12 +8,12 @@ endif()
 add_compile_options(-ffp-contract=off)
 # Without errno the rounding conversions are single instructions; their values are the same.
 add_compile_options(-fno-math-errno)
-# With what GCC knows of the registers that functions of the same file use, it leaves out vzeroupper ahead of a jump to a
+# With what GCC knows of the registers that functions of the same file use, it leaves out vzeroupper before a jump to a
 # kernel's plain form. Older SIMD code that runs next, OpenCV's, then takes a third longer.
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   add_compile_options(-fno-ipa-ra)
 endif()
-# What an overflow that nobody has found yet can be made to do. tests/hardening.sh looks at what comes of it.
+# Limits what an undiscovered overflow can be used for. tests/hardening.sh checks the result.
 if(NOT LUMVANE_SANITIZE AND NOT LUMVANE_SANITIZE_THREADS)
   add_compile_options(-fstack-protector-strong)
   add_compile_definitions(_GLIBCXX_ASSERTIONS)

@@ -15,7 +15,7 @@ struct Transfer {
 };
 constinit Lasting<Transfer[2]> transfers;  // HLG and PQ
 
-// The rows lie one behind the other, with a float behind the last of them, so that kernels can take the lattice for a
+// The rows lie one after the other, with a float after the last of them, so that kernels can take the lattice for a
 // LatticeView.
 HdrLattice allocateLattice() {
   constexpr size_t kRowFloats = kLatticeStride * 3, kRows = kLatticeStride * kLatticeStride;

@@ -170,7 +170,7 @@ void OutputFile::fail(const std::error_code& error) const {
 
 #ifdef _WIN32
 void removeUnfinishedFileOnSignals() {
-  // Called in a thread of its own; the program ends behind it.
+  // Called in a thread of its own; the program ends after it.
   SetConsoleCtrlHandler(
       [](DWORD) -> BOOL {
         if (const wchar_t* const name = unfinishedName.exchange(nullptr)) {

@@ -106,7 +106,7 @@ void convert(const Options& options) {
   VideoFrame src(width, format.height), dst(width, format.height);
   Progress progress("frames", reader.framesAhead(src));
   while (reader.read(src)) {
-    // The library takes V ahead of U, the stream has U ahead of V.
+    // The library takes V before U, the stream has U before V.
     VideoAdjustColorProcess(effect.get(), src.planes[0].data, src.planes[2].data, src.planes[1].data, width,
                             chromaWidth, chromaWidth, 0, 0, dst.planes[0].data, dst.planes[2].data, dst.planes[1].data);
     writeVideoFrame(file, dst);

@@ -11,7 +11,7 @@ namespace host {
 struct LutContents {
   std::string format;              ///< ".cube" or ".3dl"; otherwise nothing more is known
   int size = 0;                    ///< points per axis, as the library counts them; 0: it finds none
-  bool hasCurve = false;           ///< a one-dimensional table, alone or ahead of the 3D table
+  bool hasCurve = false;           ///< a one-dimensional table, alone or before the 3D table
   bool hasInputRange = false;      ///< the domain is that of LUT_3D_INPUT_RANGE, which the library does not know
   size_t rows = 0, shortRows = 0;  ///< all rows; those with fewer than three numbers
   cv::Vec3d domainMin = {0, 0, 0}, domainMax = {1, 1, 1};

@@ -33,7 +33,7 @@ int main(int argc, char** argv) {
       "Exit codes: 0 done, 2 wrong arguments, 3 an input that is missing or cannot be used,\n"
       "4 an output that cannot be written, 1 anything else.");
   host::limitMemory(2.0);
-  app.fallthrough();  // behind the subcommand, too
+  app.fallthrough();  // after the subcommand, too
   app.add_option_function<double>("--memory", host::limitMemory, "Most memory to use, in GB: for larger inputs")
       ->check(CLI::Range(0.1, 1e6))
       ->default_str("2");
@@ -43,7 +43,7 @@ int main(int argc, char** argv) {
   try {
     const std::vector<std::string> arguments = host::utf8Arguments(argc, argv);
     app.parse(std::vector(arguments.rbegin(), arguments.rend() - 1));  // the last one first, no name of the program
-    // Demanded here: the parser would say so ahead of naming a word that is no subcommand.
+    // Demanded here: the parser would report this before a word that is not a subcommand.
     if (app.get_subcommands().empty()) throw CLI::RequiredError("a subcommand");
     return 0;
   } catch (const CLI::ParseError& error) {

@@ -145,7 +145,7 @@ void addPictureCommands(CLI::App& app) {
                                 "  lumvane-host lut --check look.cube",
                                 options, grading);
   lut->add_option("--lut", options->lut, "LUT file, .cube or .3dl")->required()->type_name("PATH");
-  lut->add_option_function<std::string>("--check", checkLut, "Only tell what a LUT file is and what becomes of it")
+  lut->add_option_function<std::string>("--check", checkLut, "Only print what a LUT file is and how it is read")
       ->trigger_on_parse()
       ->type_name("PATH");
   lut->add_option("--strength", options->strength, "Strength in percent, 0 to 100, clamped")->check(percent);

@@ -10,7 +10,7 @@ namespace host {
 /// What a picture file says that its decoder does not tell.
 struct PictureFile {
   std::string profile;  ///< ICC profile of its colours; empty without one
-  bool cutOff = false;  ///< JPEG: it ends ahead of the picture, which the decoder makes up
+  bool cutOff = false;  ///< JPEG: it ends before the picture does, and the decoder fills the rest
   int quality = 95;     ///< JPEG: 1 to 100, as the usual encoders count it
   int sampling = 0x11;  ///< JPEG: pixels across and down for one of chroma, a digit each; 0x22 for 4:2:0
 };

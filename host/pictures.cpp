@@ -41,7 +41,7 @@ Picture readPicture(const fs::path& path) {
   const std::vector<uint8_t> bytes{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
   if (bytes.empty()) refuse("it is empty");
   const PictureFile facts = lookInto({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
-  if (facts.cutOff) refuse("it is cut off, the file ends ahead of the picture");
+  if (facts.cutOff) refuse("it is cut off: the file ends before the picture does");
   cv::Mat picture;
   try {
     picture = cv::imdecode(bytes, cv::IMREAD_UNCHANGED);

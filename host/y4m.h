@@ -51,7 +51,7 @@ class VideoReader {
   VideoFormat format_;
 };
 
-/// Writes the head of a stream, and its frames behind it.
+/// Writes the header of a stream, and its frames after it.
 void writeVideoHead(OutputFile& file, const VideoFormat& format);
 void writeVideoFrame(OutputFile& file, const VideoFrame& frame);
 

@@ -176,6 +176,6 @@ for signal in INT TERM QUIT; do
 done
 [ -z "$(find . -name 'x*' -o -name '*.part')" ]
 
-if command -v script; then
+if script -qec true /dev/null >/dev/null 2>&1; then
   script -qec "'$host' hdr-clip --transfer hlg --frames 40 seen.y4m" /dev/null | grep '/40 frames, .* a second, .* left'
 fi

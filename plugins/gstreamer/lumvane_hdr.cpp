@@ -220,7 +220,7 @@ GstFlowReturn transformFrame(GstVideoFilter* filter, GstVideoFrame* in, GstVideo
   const auto from = [&](int i) { return static_cast<const uint8_t*>(GST_VIDEO_FRAME_COMP_DATA(src, i)); };
   const auto to = [&](int i) { return static_cast<uint8_t*>(GST_VIDEO_FRAME_COMP_DATA(out, i)); };
   const auto stride = [&](int i) { return GST_VIDEO_FRAME_COMP_STRIDE(out, i); };
-  // Components are Y, U, V in both formats; the library takes V ahead of U.
+  // Components are Y, U, V in both formats; the library takes V before U.
   VideoAdjustColorProcess(self(filter)->effect, from(0), from(2), from(1), stride(0), stride(2), stride(1), 0, 0, to(0),
                           to(2), to(1));
   return GST_FLOW_OK;

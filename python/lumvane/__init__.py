@@ -3,7 +3,7 @@
 A picture is an array of uint8 of shape (height, width, channels). `order` names its channels, "BGRA" by default, or
 "RGBA", "BGR" or "RGB"; pictures without alpha count as opaque. The result is a new array, or `out` where one is given:
 of the same shape, and the picture itself if you like. Pictures in the order BGRA are read and written where they are,
-also those whose rows have padding behind them; all others go through a copy, with the same result.
+also those with padded rows; all others go through a copy, with the same result.
 
 The bytes are those of the library, the same on every processor and with any number of threads. During a call other
 threads of the interpreter run. An effect may be called from several threads, which then wait for one another: give each
@@ -170,7 +170,7 @@ class Lut(_Effect):
         super().__init__()
         name = os.fsdecode(path)
         with open(name, "rb") as file:
-            for line in file:  # a table is announced ahead of its first row
+            for line in file:  # a table is announced before its first row
                 if line.startswith(b"LUT_1D_SIZE"):
                     raise ValueError(f"'{name}' holds a one-dimensional table, and only 3D tables are read")
                 if line[:1].isdigit():
@@ -283,7 +283,7 @@ class HdrToBt709(_Effect):
 
     def __call__(self, y: Picture, v: Picture, u: Picture, *, out: Optional[Planes] = None) -> Planes:
         """The planes Y, V (Cr) and U (Cb) of the converted frame. Those given are uint8, (height, width) and twice
-        ((height + 1) // 2, (width + 1) // 2), chroma on the left of each pair of pixels; YUV formats have U ahead of V.
+        ((height + 1) // 2, (width + 1) // 2), chroma on the left of each pair of pixels; YUV formats have U before V.
         Rows may have padding, without a copy when those of `out` have as much."""
         planes = []
         targets = (None, None, None) if out is None else out

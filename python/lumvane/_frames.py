@@ -68,7 +68,7 @@ def picture_edit(effect: Effect) -> Edit:
 
 
 def is_cut_off_jpeg(data: bytes) -> bool:
-    """OpenCV makes up what is missing of a JPEG file. One that was cut off has no end marker behind its header, a row
+    """OpenCV makes up what is missing of a JPEG file. One that was cut off has no end marker after its header, a row
     of segments (ITU-T T.81, annex B): a marker, and a length that counts itself. Marker 0xda begins the picture."""
     if data[:3] != b"\xff\xd8\xff":
         return False
@@ -84,7 +84,7 @@ def read_picture(path: str) -> lumvane.Picture:
         data = file.read()
     coded = np.frombuffer(data, np.uint8)
     if is_cut_off_jpeg(data):
-        raise ValueError("it is cut off, the file ends ahead of the picture")
+        raise ValueError("it is cut off: the file ends before the picture does")
     # Only the colour mode heeds the orientation that cameras note in a file; only the unchanged one keeps alpha. Most
     # pictures tell beforehand that they have none, and decoding is half of the work: those are decoded once.
     jpeg, png = data[:2] == b"\xff\xd8", data[:4] == b"\x89PNG"
@@ -157,7 +157,7 @@ def render_pictures(effect: Effect, pictures: List[Tuple[str, str]], run: str, o
 
 
 class Clip(NamedTuple):
-    """A YUV4MPEG2 file of 8 bits and 4:2:0, and what becomes of it."""
+    """A YUV4MPEG2 file of 8 bits and 4:2:0, and its output."""
 
     source: str
     part: str  # is written, and then takes the name of the target

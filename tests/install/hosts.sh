@@ -20,7 +20,7 @@ library=$(dirname "$(find "$folder/installed" -name 'liblumvane.so')")
 
 if [ "$way" = cmake ]; then
   # The library's own libraries are not to be asked for.
-  cmake -S "$sources" -B "$folder/hosts" -DCMAKE_PREFIX_PATH="$folder/installed" \
+  cmake -G Ninja -S "$sources" -B "$folder/hosts" -DCMAKE_PREFIX_PATH="$folder/installed" \
     -DCMAKE_DISABLE_FIND_PACKAGE_OpenCV=ON -DCMAKE_DISABLE_FIND_PACKAGE_hwy=ON
   cmake --build "$folder/hosts"
 else
