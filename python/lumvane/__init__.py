@@ -208,7 +208,7 @@ class Clarity(_Effect):
         self._shape: Optional[Tuple[int, ...]] = None
 
     def __call__(self, picture: Picture, *, order: str = "BGRA", out: Optional[Picture] = None) -> Picture:
-        """The clearer picture; alpha stays. An effect keeps memory for pictures of one size, about 3 bytes per pixel."""
+        """The clearer picture; alpha stays. Keeps memory for pictures of one size, about 3 bytes per pixel."""
 
         def call(target: Picture, source: Picture) -> None:
             library = _library()

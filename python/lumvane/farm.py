@@ -112,7 +112,8 @@ def planned(options: argparse.Namespace, kinds: Tuple[str, ...]) -> Pairs:
         raise Unusable(f"cannot write to '{options.output}': {error.strerror}", 4) from None
     todo = [pair for pair in zip(files, targets) if os.path.basename(pair[1]) not in done]
     if len(todo) < len(files):
-        print(f"{len(files) - len(todo)} of {len(files)} are there already, and stay; --overwrite does them again", flush=True)
+        print(f"{len(files) - len(todo)} of {len(files)} are there already, and stay; --overwrite does them again",
+              flush=True)
     return todo
 
 
