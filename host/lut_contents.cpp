@@ -17,6 +17,7 @@ namespace host {
 namespace {
 
 constexpr int kLargestSize = 256;
+constexpr uintmax_t kLargestFile = uintmax_t{1} << 30;  // bytes; 256 points per axis take half of that
 
 size_t cubeOf(int size) { return size_t(1) * size * size * size; }
 
@@ -97,6 +98,8 @@ LutContents readLut(const std::filesystem::path& path) {
   if (std::filesystem::exists(path, error) && !std::filesystem::is_regular_file(path, error)) {
     throw Error(ExitCode::kInput, failed, path, "it is no ordinary file");
   }
+  const uintmax_t bytes = std::filesystem::file_size(path, error);
+  if (!error && bytes > kLargestFile) throw Error(ExitCode::kInput, failed, path, "it is larger than any LUT");
   LutContents lut;
   std::ifstream file = openInput(failed, path);
   lut.format = lowerCaseExtension(path);

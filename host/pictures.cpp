@@ -36,7 +36,7 @@ Picture readPicture(const fs::path& path) {
   std::ifstream file = openInput(failed, path);
   if (std::set<std::string>{".mp4", ".m4v", ".mov", ".mkv", ".webm", ".avi", ".mxf", ".y4m"}.count(
           lowerCaseExtension(path)) != 0) {
-    refuse("it is a video; the plug-ins take those, as in: ffmpeg -i in.mp4 -vf frei0r=lumvane_lut:look.cube out.mp4");
+    refuse("it is a video; the plug-ins take those: see docs/plugins.md");
   }
   const std::vector<uint8_t> bytes{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
   if (bytes.empty()) refuse("it is empty");

@@ -109,6 +109,7 @@ done <<CASES
 3|--memory||clarity huge.ppm x.png
 3|no ordinary file||lut --lut pipe.cube many/one.png x.png
 3|no ordinary file||lut --lut /dev/zero many/one.png x.png
+3|larger than any LUT|truncate -s 2G big.cube|lut --lut big.cube many/one.png x.png
 3|'damaged/HDR_HLG.cube': it has 97 rows||$hdr damaged hlg.y4m x.y4m
 3|wrap around to white, first row 5: -0.07 0 0;|sed '7s/.*/-0.07 0 0/' luts/HDR_HLG.cube >made/HDR_HLG.cube|$hdr made hlg.y4m x.y4m
 3|one-dimensional|echo LUT_1D_SIZE 2 >curve.cube|hdr-luts --hlg curve.cube x
