@@ -61,7 +61,7 @@ int main(int argc, char** argv) {
   void* const clarity = CreateNLEPureCClarity(kWidth, kHeight, 0, 20, 70);
   check(lut != NULL, "the LUT cannot be used");
 
-  /* For each frame. At 60 % from the source to a top-down frame with padded rows, since fading takes two buffers. */
+  /* For each frame. 60 % needs two buffers: from the source to a top-down frame with padded rows. */
   Lut3DColorAdjustEffectProcess(lut, dst, kWidth, kHeight, kPadded, top, kWidth, kHeight, -kPacked, 60);
   write_ppm("graded.ppm", dst);
   /* In place. */

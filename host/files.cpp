@@ -71,7 +71,7 @@ std::u16string libraryPath(const std::string& name) {
   try {
     return toPath(name).u16string();
   } catch (const std::system_error&) {
-    throw Error(ExitCode::kInput, "cannot use", toPath(name), "its name is no UTF-8");
+    throw Error(ExitCode::kInput, "cannot use", toPath(name), "its name is not valid UTF-8");
   }
 }
 

@@ -43,7 +43,7 @@ std::string resampled(const std::string& name, const Options& options) {
   const LutContents cube = readLut(toPath(name));
   if (!cube.isWholeCube()) {
     throw Error(ExitCode::kInput, "cannot resample", toPath(name),
-                cube.remarks.empty() ? "it is no .cube file of a 3D table with all its rows" : cube.remarks);
+                cube.remarks.empty() ? "it is not a .cube file with a complete 3D table" : cube.remarks);
   }
   const Codes in(options.codes == "narrow");
   const Codes out((options.codesOut.empty() ? options.codes : options.codesOut) == "narrow");
@@ -84,7 +84,7 @@ void tellFormat(const std::string& output) {
 void convert(const Options& options) {
   std::error_code notThere;
   if (fs::equivalent(toPath(options.input), toPath(options.output), notThere)) {
-    throw Error(ExitCode::kUsage, "'" + options.output + "' would be written over, and it is to be read");
+    throw Error(ExitCode::kUsage, "'" + options.output + "' is both the input and the output");
   }
   // The library does not tell of an HDR LUT that is missing, damaged or wraps. As one for grading it has to be whole.
   const fs::path lut = toPath(options.luts) / (options.isPq() ? kPqLut : kHlgLut);
@@ -176,13 +176,16 @@ void addHdrCommands(CLI::App& app) {
                    writeLuts);
   addPath(luts, "folder", options->luts, "Folder to write HDR_HLG.cube and HDR_PQ.cube to");
   luts->add_option("--size", options->size, "Points per axis")->check(CLI::Range(2, 65));
-  luts->add_option("--hlg", options->hlgCube, "Published cube to make HDR_HLG.cube of; by default the program's own")
+  luts->add_option("--hlg", options->hlgCube,
+                   "Published cube to make HDR_HLG.cube from; by default the built-in conversion")
       ->type_name("PATH");
-  luts->add_option("--pq", options->pqCube, "Published cube to make HDR_PQ.cube of")->type_name("PATH");
+  luts->add_option("--pq", options->pqCube,
+                   "Published cube to make HDR_PQ.cube from; by default the built-in conversion")
+      ->type_name("PATH");
   luts->add_option("--codes", options->codes,
-                   "Codes of the cubes: black and white are 0 and 1, or, narrow, 64 and 940 of 1023")
+                   "Range of the cubes' input and output: black and white at 0 and 1 (full), or at 64 and 940 of 1023")
       ->check(CLI::IsMember({"narrow", "full"}));
-  luts->add_option("--codes-out", options->codesOut, "Codes that the cubes give; by default those that they take")
+  luts->add_option("--codes-out", options->codesOut, "Range of the cubes' output, where it is not that of --codes")
       ->check(CLI::IsMember({"narrow", "full"}));
 
   auto* hdr = add("hdr", "Convert HDR video (BT.2020, 8-bit 4:2:0 YUV4MPEG2, chroma sited left) to BT.709",
@@ -194,7 +197,7 @@ void addHdrCommands(CLI::App& app) {
   addPath(hdr, "--luts", options->luts, "Folder with HDR_HLG.cube and HDR_PQ.cube; hdr-luts makes them");
   addTransfer(hdr, options->transfer);
   hdr->add_option("--range", options->range,
-                  "Range of the code values, in and out; by default what the video says of itself, or limited")
+                  "Range of the code values, in and out; by default as the video is tagged, or limited")
       ->check(CLI::IsMember({"limited", "full"}));
   addPath(hdr, "input", options->input, kInput);
   addPath(hdr, "output", options->output, kOutput);
@@ -202,12 +205,12 @@ void addHdrCommands(CLI::App& app) {
   auto* clip = add("hdr-clip", "Draw a short HDR video to try the conversion on",
                    "Example:\n  lumvane-host hdr-clip --transfer hlg clip.y4m", drawClip);
   addTransfer(clip, options->transfer);
-  clip->add_option("--frames", options->frames, "Length")->check(CLI::Range(1, 100000));
+  clip->add_option("--frames", options->frames, "Length in frames")->check(CLI::Range(1, 100000));
   clip->add_option("--width", options->width, "Width in pixels")->check(CLI::Range(1, 16384));
   clip->add_option("--height", options->height, "Height in pixels")->check(CLI::Range(1, 16384));
   addPath(clip, "output", options->output, kOutput);
 
-  auto* still = add("still", "Take a picture from a limited-range video, shown as BT.709",
+  auto* still = add("still", "Save a frame of a limited-range video as a picture, decoded as BT.709",
                     "Example:\n  lumvane-host still --frame 12 sdr.y4m still.png", takeStill);
   still->add_option("--frame", options->frame, "Number of the frame, from 0");
   addPath(still, "input", options->input, kInput);

@@ -3,7 +3,7 @@
 // 1. Signal to light on an HDR display in cd/m2, BT.2020 primaries. PQ: the EOTF of SMPTE ST 2084. HLG: the inverse
 //    OETF and the OOTF for a nominal peak of 1000 cd/m2, system gamma 1.2 (both ITU-R BT.2100-2, tables 4 and 5).
 // 2. Primaries: BT.2020 to BT.709 (ITU-R BT.2087-0, inverted).
-// 3. Gamut: a colour that BT.709 cannot show, with less than nothing of red, green or blue, is moved towards the grey
+// 3. Gamut: a colour outside BT.709, with a negative red, green or blue, is moved towards the grey
 //    of its own luminance until it can.
 // 4. Tone curve: the EETF of ITU-R BT.2390, from a peak of 1000 cd/m2 to 203 cd/m2, the reference white of
 //    ITU-R BT.2408: light up to about 88 cd/m2 is kept, what is above is bent down, and 1000 cd/m2 become white. It is

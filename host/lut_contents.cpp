@@ -59,7 +59,7 @@ void readMesh(LutContents& lut, std::string_view line) {
   lut.size = static_cast<int>(std::min<ptrdiff_t>(std::count(line.begin(), line.end(), ' '), kLargestSize)) + 1;
   if (line.find('\t') != line.npos) remark(lut, "tabs do not separate the entries of its mesh line");
   if (line.front() == ' ' || line.back() == ' ' || line.find("  ") != line.npos) {
-    remark(lut, "its mesh line has a blank too many, at its end or in a row, which counts as an entry");
+    remark(lut, "its mesh line begins or ends with a blank, or has two together, which counts as an extra entry");
   }
 }
 
@@ -96,7 +96,7 @@ LutContents readLut(const std::filesystem::path& path) {
   std::error_code error;
   // A pipe or a device could be waited for without an end.
   if (std::filesystem::exists(path, error) && !std::filesystem::is_regular_file(path, error)) {
-    throw Error(ExitCode::kInput, failed, path, "it is no ordinary file");
+    throw Error(ExitCode::kInput, failed, path, "it is not a regular file");
   }
   const uintmax_t bytes = std::filesystem::file_size(path, error);
   if (!error && bytes > kLargestFile) throw Error(ExitCode::kInput, failed, path, "it is larger than any LUT");
@@ -134,7 +134,7 @@ LutContents readLut(const std::filesystem::path& path) {
 
 std::string LutContents::description() const {
   std::string text = "format   " + format;
-  if (format != ".cube" && format != ".3dl") return text + ", by the name, which is not read";
+  if (format != ".cube" && format != ".3dl") return text + " by its name, which is not supported";
   text += cv::format("\nsize     %d points per axis, %zu rows\nvalues   %g to %g", size, rows, least, most);
   if (format == ".3dl") return text + ", full scale 4095";
   return text + cv::format(", full scale 1\ndomain   %g %g %g to %g %g %g", domainMin[0], domainMin[1], domainMin[2],

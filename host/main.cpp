@@ -29,12 +29,13 @@ int main(int argc, char** argv) {
   app.get_formatter()->column_width(26);
   app.footer(
       "lumvane-host SUBCOMMAND --help tells what each takes.\n\n"
-      "A file takes its name when it is complete: an error or an interrupt leaves no half of one.\n"
+      "An output file appears under its name only once it is complete: an error or Ctrl-C leaves no partial file.\n"
       "Exit codes: 0 done, 2 wrong arguments, 3 an input that is missing or cannot be used,\n"
       "4 an output that cannot be written, 1 anything else.");
   host::limitMemory(2.0);
   app.fallthrough();  // after the subcommand, too
-  app.add_option_function<double>("--memory", host::limitMemory, "Most memory to use, in GB: for larger inputs")
+  app.add_option_function<double>("--memory", host::limitMemory,
+                                  "Memory limit in GB, on Linux; raise it for larger inputs")
       ->check(CLI::Range(0.1, 1e6))
       ->default_str("2");
   cv::utils::logging::setLogLevel(cv::utils::logging::LOG_LEVEL_SILENT);  // the program has words of its own

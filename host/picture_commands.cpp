@@ -149,7 +149,8 @@ void addPictureCommands(CLI::App& app) {
       ->trigger_on_parse()
       ->type_name("PATH");
   lut->add_option("--strength", options->strength, "Strength in percent, 0 to 100, clamped")->check(percent);
-  lut->add_flag("--premultiply", options->premultiply, "Write colours multiplied by alpha, the library's own pixels");
+  lut->add_flag("--premultiply", options->premultiply,
+                "Write colours multiplied by alpha, as the library returns them");
 
   auto* clear = addPictureCommand(app, "clarity", "Raise the local contrast of pictures",
                                   "Example:\n  lumvane-host clarity --intensity 70 --saturation 20 photo.jpg clear.png",

@@ -27,7 +27,7 @@ void refuseOverwriting(const std::vector<Job>& jobs) {
       std::error_code notThere;
       if (!output.empty() &&
           (!taken.insert(uniquePath(output)).second || fs::equivalent(job.input, output, notThere))) {
-        throw Error(ExitCode::kUsage, "cannot write", output, "it is to be read, or two pictures would go there");
+        throw Error(ExitCode::kUsage, "cannot write", output, "it is an input, or the output of two pictures");
       }
     }
   }
@@ -86,7 +86,7 @@ void editPictures(const std::vector<std::string>& paths, bool compare, int quali
           "\n  " + (expected ? "" : toName(job.input) + ": ") + (isOutOfMemory(error) ? kOutOfMemory : error.what());
       if (failed++ == 0 && expected) code = expected->code;
       if (expected && expected->isDiskFull) {
-        failures += "\n  the others were not begun";
+        failures += "\n  the others were not started";
         break;
       }
     }

@@ -50,7 +50,7 @@ Picture readPicture(const fs::path& path) {
   } catch (const cv::Exception& error) {
     refuse(isOutOfMemory(error) ? kOutOfMemory : "it is damaged or too large (" + error.err + ")");
   }
-  if (picture.empty()) refuse("it is damaged, or no picture of a format that is known here");
+  if (picture.empty()) refuse("it is damaged, or not in a known picture format");
   if (picture.depth() == CV_16U) picture.convertTo(picture, CV_8U, 1.0 / 257.0);
   if (picture.depth() != CV_8U) refuse("its pixels have neither 8 nor 16 bits");
   if (picture.channels() == 3) cv::cvtColor(picture, picture, cv::COLOR_BGR2BGRA);
@@ -68,7 +68,7 @@ void writePicture(const fs::path& path, const Picture& picture) {
   const bool isOpaque = cv::countNonZero(alpha != 255) == 0;
   const bool holdsAlpha = extension == ".png" || extension == ".webp" || extension == ".tif" || extension == ".tiff";
   if (!holdsAlpha && !isOpaque) {
-    note(extension + " holds no transparency; laid on white: '" + toName(path) + "'");
+    note(extension + " cannot hold alpha; composited over white: '" + toName(path) + "'");
     out = laidOn(out, 255, 255);
   }
   if (!holdsAlpha || isOpaque) cv::cvtColor(out, out, cv::COLOR_BGRA2BGR);
@@ -83,7 +83,7 @@ void writePicture(const fs::path& path, const Picture& picture) {
     refuse(error.err);
   }
   if (bytes.empty()) {
-    refuse(extension + " holds no " + std::to_string(out.cols) + " x " + std::to_string(out.rows) + " pixels");
+    refuse(extension + " cannot hold " + std::to_string(out.cols) + " x " + std::to_string(out.rows) + " pixels");
   }
   OutputFile file(path);
   file.write(bytes.data(), bytes.size());

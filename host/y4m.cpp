@@ -21,7 +21,7 @@ VideoReader::VideoReader(const std::filesystem::path& path)
   std::istringstream words(line);
   std::string word;
   words >> word;
-  if (word != "YUV4MPEG2" || stream_.fail()) fail("it is no YUV4MPEG2 stream; see \"lumvane-host hdr --help\"");
+  if (word != "YUV4MPEG2" || stream_.fail()) fail("it is not a YUV4MPEG2 stream; see \"lumvane-host hdr --help\"");
   while (words >> word) {
     const char tag = word[0];
     const std::string value = word.substr(1);
@@ -30,15 +30,15 @@ VideoReader::VideoReader(const std::filesystem::path& path)
     if (tag == 'F') format_.rate = value;
     if (tag == 'A') format_.aspect = value;
     if (tag == 'X' && value.rfind("COLORRANGE=", 0) == 0) format_.range = value.substr(value.find('=') + 1);
-    if (tag == 'I' && value != "p" && value != "?") fail("it is interlaced; only whole frames are taken");
+    if (tag == 'I' && value != "p" && value != "?") fail("it is interlaced; only progressive video is accepted");
     // 8 bits and 4:2:0, wherever the chroma is sited.
     if (tag == 'C' && std::set<std::string>{"420", "420jpeg", "420mpeg2", "420paldv"}.count(value) == 0) {
-      fail("it has pixels of the form C" + value + "; only 8-bit 4:2:0 is taken");
+      fail("its pixel format is C" + value + "; only 8-bit 4:2:0 is accepted");
     }
   }
   constexpr int64_t kMostPixels = int64_t{1} << 28;  // 16K frames; what is beyond is a damaged header
   if (format_.width < 1 || format_.height < 1 || int64_t{format_.width} * format_.height > kMostPixels) {
-    fail("it has no usable size: 1 to " + std::to_string(kMostPixels) + " pixels are taken");
+    fail("it has no usable size: 1 to " + std::to_string(kMostPixels) + " pixels are accepted");
   }
 }
 

@@ -17,13 +17,13 @@
  * Threads  A handle serves one thread at a time, any thread. Different handles can be used concurrently. Large frames
  *          are divided among OpenCV's worker threads; a call returns when all its work is done. cv::setNumThreads sets
  *          their number at any time; on Linux a host in C gets its address with dlsym(RTLD_DEFAULT,
- *          "_ZN2cv13setNumThreadsEi"), or with the handle from dlopen. By default there are as many as processors: on
- *          Linux, those that the main thread may use (taskset, sched_setaffinity) at the first frame or HDR object. The
+ *          "_ZN2cv13setNumThreadsEi"), or with the handle from dlopen. By default there is one per processor; on Linux
+ *          the main thread's CPU affinity (taskset, sched_setaffinity) at the first frame or HDR object counts. The
  *          environment variable OPENCV_FOR_THREADS_NUM sets their number on Windows, where OpenCV is inside the DLL;
  *          with Debian's OpenCV it has no effect. If threads cannot be started, all work is done on the calling
- *          threads; to test for that, the first frame or HDR handle briefly starts as many threads. On Linux, exit()
- *          may be called while other threads are in a call: it waits up to one second for their worker threads, and the
- *          rest of those calls runs on the calling threads. Never unload the library during a call.
+ *          threads; to find out, the first frame or HDR object briefly starts about that many threads of its own. On
+ *          Linux, exit() may be called while other threads are in a call: it waits up to one second for their worker
+ *          threads, and the rest of those calls runs on the calling threads. Never unload the library during a call.
  * Bytes    The same input gives the same bytes on every processor and system, with any number of threads, in any locale
  *          and in any floating-point mode of the calling thread (rounding, flushed denormals, traps). The mode is
  *          restored before the call returns.
@@ -70,22 +70,24 @@ extern "C" {
  *                ".cube" or ".3dl". On POSIX systems the path is converted to UTF-8; if no file can be opened under it
  *                and it contains backslashes, it is tried again with slashes instead.
  * width, height  The frame size in pixels that the host expects. Ignored: each frame has its own size.
- * Returns        A handle for the two functions below, or null: the path is null or empty, has no extension or another
- *                one, the file cannot be opened, or it is not a table of 2 (.3dl: 3) to 65 points per axis.
+ * Returns        A handle for the two functions below, or null: the path is null or empty, its extension is neither of
+ *                the two, the file cannot be opened or is not a regular file, or it is not a table of 2 (.3dl: 3) to 65
+ *                points per axis.
  * Owner          The caller, who destroys the effect with Destory3DLutColorAdjustEffect. The path is copied and the
  *                file is closed before the call returns.
  * Caution        1D LUTs and shaper curves are not supported. A .cube file with one before its 3D table loads with the
  *                curve's rows as the first rows of the table, and grades wrongly. The entries of the mesh line of a
  *                .3dl file are only counted; the mesh is always treated as evenly spaced.
- * Cost           Reads the whole table: about 10 ms for 65 points per axis. 3.3 MB of memory per handle, whatever the
+ * Cost           Reads the whole table: 5 to 10 ms for 65 points per axis. 3.3 MB of memory per handle, whatever the
  *                size of the table.
  */
 LUMVANE_API void* Create3DLutColorAdjustEffect(const char16_t* lutPath, int32_t width, int32_t height);
 
 /* Grades one frame.
  *
- * The colour bytes of a pixel are looked up in the table as they are, the result is multiplied by the pixel's alpha,
- * and then blended with the source by the strength:
+ * The colour bytes of a pixel are looked up in the table as they are. To each result, on the scale of 0 to 255, 0.5 is
+ * added, and the sum is rounded to nearest, ties to even, and clamped: 10.2 gives 11, 10 stays, 11 becomes 12. This
+ * byte is multiplied by the pixel's alpha / 255, rounded to nearest, and blended with the source by the strength:
  *   destination = (source * (255 - s) + graded * s) / 255, truncated, with s = strength * 255 / 100, truncated.
  * The alpha of the source reaches the destination unchanged.
  *
@@ -119,9 +121,9 @@ LUMVANE_API void Destory3DLutColorAdjustEffect(void* handle);
 
 /* Creates a clarity effect.
  *
- * width, height  Size of the frames in pixels. It only sets the number of pyramid levels: 8 from a shorter side of 65
- *                pixels on, fewer below. Frames of another size are rendered whole, with this number of levels. Any
- *                value; 0 or less gives one level, with which intensity has no effect.
+ * width, height  Size of the frames in pixels. It only sets the number of pyramid levels: 8 for a shorter side of 65
+ *                pixels or more, fewer below. Frames of another size are rendered whole, with this number of levels.
+ *                Any value; 0 or less gives one level, with which intensity has no effect.
  * reserved       Not read.
  * saturation     Percent, -100 to 100, clamped: the saturation of each pixel is multiplied by 0.85 to 1.15 and clamped
  *                to its range. 0 leaves it unchanged.
@@ -213,7 +215,7 @@ LUMVANE_API bool WhiteBalanceFun(const uint8_t* src, uint8_t* dst, float reserve
  * Failures       Throws std::bad_alloc when memory runs out, when a LUT file cannot be opened because the process or
  *                the system has too many files open, for a negative width or height, and for frames of 2^29 pixels or
  *                more. If the first call throws, the next one tries to load the files again.
- * Cost           The first call reads both files: about 0.1 s for two of 65 points. The results and tables, 108 MB,
+ * Cost           The first call reads both files: about 0.05 s for two of 65 points. The results and tables, 108 MB,
  *                stay until the library is unloaded. Each handle takes 8 bytes per pixel (17 MB at 1920 x 1080).
  */
 LUMVANE_API void* CreateVideoAdjustColor(const char16_t* lutDirectory, int32_t reservedMode, int32_t limitedRange,

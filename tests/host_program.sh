@@ -103,12 +103,12 @@ while IFS='|' read -r code words input arguments; do
   case $status$message in "$code"*"$words"*) ;; *) exit 1 ;; esac
 done <<CASES
 3|'none/HDR_HLG.cube': No such file||$hdr none hlg.y4m x.y4m
-3|no YUV4MPEG2|echo text|$hdr luts input.y4m x.y4m
+3|not a YUV4MPEG2|echo text|$hdr luts input.y4m x.y4m
 3|ends within a frame|cp hlg.y4m kept.y4m; head -c 9000 hlg.y4m|$hdr luts input.y4m kept.y4m
 3|--memory|echo YUV4MPEG2 W16384 H16384|$hdr luts input.y4m x.y4m
 3|--memory||clarity huge.ppm x.png
-3|no ordinary file||lut --lut pipe.cube many/one.png x.png
-3|no ordinary file||lut --lut /dev/zero many/one.png x.png
+3|not a regular file||lut --lut pipe.cube many/one.png x.png
+3|not a regular file||lut --lut /dev/zero many/one.png x.png
 3|larger than any LUT|truncate -s 2G big.cube|lut --lut big.cube many/one.png x.png
 3|'damaged/HDR_HLG.cube': it has 97 rows||$hdr damaged hlg.y4m x.y4m
 3|wrap around to white, first row 5: -0.07 0 0;|sed '7s/.*/-0.07 0 0/' luts/HDR_HLG.cube >made/HDR_HLG.cube|$hdr made hlg.y4m x.y4m
@@ -116,7 +116,7 @@ done <<CASES
 3|'?[31mred'||clarity $red x.png
 3|C444|sed 1s/C420mpeg2/C444/ hlg.y4m|$hdr luts - x.y4m
 3|is interlaced|sed 1s/Ip/It/ hlg.y4m|$hdr luts - x.y4m
-2|to be read||$hdr luts kept.y4m ./kept.y4m
+2|both the input and the output||$hdr luts kept.y4m ./kept.y4m
 4|'/dev/full': No space left||$hdr luts hlg.y4m /dev/full
 3|one-dimensional|echo LUT_1D_SIZE 2 >curve.cube|lut --lut curve.cube many/one.png x.png
 0|has 126 rows, and 5 points|(cat luts/HDR_HLG.cube; echo 1 1 1) >look.cube|lut --lut look.cube many/one.png y.png
@@ -125,19 +125,19 @@ done <<CASES
 0|16 bits comes out white|sed '9s/$/0000/' silver.3dl >look.3dl|lut --check look.3dl
 0|10 bits comes out dark|sed '4,\$s/[0-9][0-9]*/99/g' silver.3dl >look.3dl|lut --check look.3dl
 0|128 grey becomes [135, 131, 122]||lut --check silver.3dl
-3|a blank too many|sed '3s/$/ /' silver.3dl >look.3dl|lut --check look.3dl
-3|no UTF-8||lut --lut $latin.3dl many/one.png x.png
+3|counts as an extra entry|sed '3s/$/ /' silver.3dl >look.3dl|lut --check look.3dl
+3|not valid UTF-8||lut --lut $latin.3dl many/one.png x.png
 3|it is cut off|head -c 900 many/two.jpg >cut.jpg|clarity cut.jpg x.png
 3|1 of 2 pictures failed:|head -c 900 many/one.png >cut.png|clarity cut.png many/one.png $latin
 4|cannot write picture 'x.jpg'|{ echo P5 1 70000 255; head -c 70000 /dev/zero; } >tall.pgm|clarity tall.pgm x.jpg
-2|to be read||clarity many/one.png many/link.png
-2|to be read||clarity many none/../many
+2|it is an input||clarity many/one.png many/link.png
+2|it is an input||clarity many none/../many
 2|a whole number of percent, such as 60, not '0.6'; see||lut --strength 0.6
 3|plug-ins|: >clip.mov|clarity clip.mov x.png
-0|laid on white||clarity many/one.png y.jpg
+0|composited over white||clarity many/one.png y.jpg
 0|not a .mp4 file||hdr-clip --transfer pq --frames 1 --width 8 --height 8 y.mp4
 0|1 other file left out of 'more'|mkdir more; cp many/*.* more; : >more/text; : >more/._one.png|clarity more done
-4|not begun|ln -sf /dev/full done/link.png|clarity more done
+4|not started|ln -sf /dev/full done/link.png|clarity more done
 2|two pictures|cp graded-compare.png one-compare.png|clarity --compare many/one.png one-compare.png x
 CASES
 cmp kept.y4m hlg.y4m

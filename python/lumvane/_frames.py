@@ -108,11 +108,14 @@ def write_picture(path: str, picture: lumvane.Picture, run: str) -> None:
     """Writes alpha where there is any and the format has it. The file takes its name when it is complete. Until then
     its name ends in `.RUN.part`, and is another in every try: a worker that was given up may still be writing."""
     extension = os.path.splitext(path)[1].lower()
-    if extension not in WITH_ALPHA or (picture[..., 3] == 255).all():
+    if (picture[..., 3] == 255).all():
         picture = cv2.cvtColor(picture, cv2.COLOR_BGRA2BGR)
+    elif extension not in WITH_ALPHA:  # over white, as lumvane-host does it
+        alpha = picture[..., 3:].astype(np.uint16)
+        picture = ((picture[..., :3] * alpha + 255 * (255 - alpha) + 127) // 255).astype(np.uint8)
     written, coded = cv2.imencode(extension, picture, [cv2.IMWRITE_JPEG_QUALITY, 95])
     if not written:
-        raise ValueError(f"{extension} holds no {picture.shape[1]} x {picture.shape[0]} pixels")
+        raise ValueError(f"{extension} cannot hold {picture.shape[1]} x {picture.shape[0]} pixels")
     part = f"{path}.{uuid.uuid4().hex[:8]}.{run}.part"
     try:
         with open(part, "xb") as file:
