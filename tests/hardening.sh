@@ -1,5 +1,5 @@
 #!/bin/sh
-# What ships is built so that faults in it are hard to make use of: hardening.sh LIBRARY_OR_PROGRAM...
+# Shipped binaries are built with hardening against exploits: hardening.sh LIBRARY_OR_PROGRAM...
 set -eu
 for file; do
   dump=$(readelf -dlW "$file"; nm -D "$file")

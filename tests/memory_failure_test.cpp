@@ -137,7 +137,7 @@ long failEach(const Call& call, Failing failing, const Bytes& expected) {
 
 class MemoryFailure : public testing::TestWithParam<Call> {};
 
-TEST_P(MemoryFailure, PassesOutOfTheCall) {
+TEST_P(MemoryFailure, ReachesTheCaller) {
   const Call& call = GetParam();
   cv::setNumThreads(2);
   // Starts OpenCV's thread pool before anything fails.
