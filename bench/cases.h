@@ -1,4 +1,4 @@
-// The comparisons, by effect.
+// The groups of benchmark cases.
 #pragma once
 
 #include "bench/report.h"

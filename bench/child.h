@@ -9,12 +9,12 @@
 
 namespace bench {
 
-/// Starts this program for a job of child_work.cpp, with this number of OpenCV's threads, and returns the numbers that
-/// it prints. Throws std::runtime_error when it fails.
+/// Runs a job of child_work.cpp in a new process with this many OpenCV threads and returns the numbers that it prints.
+/// Throws std::runtime_error on failure.
 std::vector<double> inChild(const std::string& work, int threads, const std::filesystem::path& luts, const Size& size,
                             const std::string& effect = "-");
 
-/// The job itself; the numbers go to standard output.
+/// Runs a job in this process and prints its numbers to standard output.
 void childWork(const std::vector<std::string>& words);
 
 }  // namespace bench

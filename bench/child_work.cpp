@@ -11,7 +11,7 @@
 namespace bench {
 namespace {
 
-// A host's frame, kept in memory, with planes for BGRA and for 4:2:0.
+// A frame with planes that serve both as BGRA and as 4:2:0.
 Picture hostFrame(const Size& size) {
   Picture out = {"", size.width, size.height, std::vector<std::vector<uint8_t>>(3)};
   const size_t pixels = size_t{1} * size.width * size.height;
@@ -42,7 +42,7 @@ void memory(const std::string& effect, const std::filesystem::path& luts, const 
   std::printf("%.3f\n", peakMegabytes());
 }
 
-// The time of the first frame, and the median of the next ones.
+// Prints the time of the first frame and the median of the next ones, in ms.
 void firstFrame(const std::filesystem::path& file, const Size& size) {
   const Effect lut = lutEffect(file, size);
   const Picture src = photoLikeFrame(size);
@@ -69,7 +69,7 @@ void childWork(const std::vector<std::string>& words) {
   } else if (work == "OpenColorIO load") {
     std::printf("%.4f\n", millisecondsOf([&] { openColorIoLoad(path); }));
   } else {
-    throw std::runtime_error("no such work: " + work);
+    throw std::runtime_error("unknown job: " + work);
   }
 }
 

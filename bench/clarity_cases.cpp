@@ -36,34 +36,34 @@ void againstUnsharp(Report& report, const Case& what, const Side& ours, const Pi
   if (!peer) return report.missing(what);
   peer->run();
   Picture chroma = yuv, theirChroma = peer->output();
-  if (differenceOf(yuv, theirChroma).mean < 0.1) return report.refuse(peer->name() + ": leaves the luma as it is");
+  if (differenceOf(yuv, theirChroma).mean < 0.1) return report.refuse(peer->name() + ": leaves the luma unchanged");
   chroma.planes.erase(chroma.planes.begin());
   theirChroma.planes.erase(theirChroma.planes.begin());
   if (!report.agree(what, peer->name(), chroma, theirChroma, {})) return;
   report.compare(what, ours, frames([&] { peer->run(); }), peer->name());
 }
 
-void ofSize(Report& report, const Size& size, bool barred) {
+void compareAtSize(Report& report, const Size& size, bool withBar) {
   const std::string name = "clarity " + size.name + " photo";
   const Picture src = photoLikeFrame(size);
   Picture dst = src;
   const Effect clarity = clarityEffect(size);
-  report.comparePeer({name + ": plain form", 1, size.megapixels(), {Bar::timesAsFast, onlyIf(barred, 6.0)}},
+  report.comparePeer({name + ": plain form", 1, size.megapixels(), {Bar::timesAsFast, onlyIf(withBar, 6.0)}},
                      frames(clarity, src, dst), dst, [&] { return std::make_unique<PlainClarity>(src); }, {});
   for (const int threads : {1, 2}) {
     againstUnsharp(report,
-                   {name + ": FFmpeg unsharp", threads, size.megapixels(), {Bar::timesAsFast, onlyIf(barred, 2.0)}},
+                   {name + ": FFmpeg unsharp", threads, size.megapixels(), {Bar::timesAsFast, onlyIf(withBar, 2.0)}},
                    frames(clarity, src, dst, threads), src);
   }
-  report.compare({name, 2, size.megapixels(), {Bar::timesAsFast, onlyIf(barred, 1.93)}}, frames(clarity, src, dst, 2),
+  report.compare({name, 2, size.megapixels(), {Bar::timesAsFast, onlyIf(withBar, 1.93)}}, frames(clarity, src, dst, 2),
                  frames(clarity, src, dst), "1 thread");
 }
 
 }  // namespace
 
 void clarityCases(Report& report) {
-  ofSize(report, report.sized(k1080p), true);
-  ofSize(report, report.sized(k4K), false);
+  compareAtSize(report, report.sized(k1080p), true);
+  compareAtSize(report, report.sized(k4K), false);
 }
 
 }  // namespace bench

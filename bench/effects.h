@@ -15,15 +15,15 @@ inline constexpr int kIntensity = 70;
 /// An effect for frames of one size; destroyed with its last copy.
 using Effect = std::function<void(const Picture& src, Picture& dst)>;
 
-/// Three effects on BGRA. The first throws std::runtime_error if it cannot load its file.
+/// Effects on BGRA frames. lutEffect throws std::runtime_error if it cannot load the file.
 Effect lutEffect(const std::filesystem::path& file, const Size& size, int strength = 100);
 Effect clarityEffect(const Size& size);
 Effect whiteBalanceEffect(const Size& size);
-/// HDR of limited range with an HLG transfer, in 4:2:0. The first one of the process loads the files in `luts`; later
-/// ones accept any folder.
+/// HDR on limited-range HLG frames in 4:2:0. The first call of the process loads the files in `luts`; later calls
+/// ignore the folder.
 Effect hdrEffect(const std::filesystem::path& luts, const Size& size);
 
-/// Runs the effect from `src` to `dst`, which must outlive it, with this number of OpenCV's threads.
+/// A side that runs the effect with this many OpenCV threads. `src` and `dst` must outlive it.
 Side frames(const Effect& effect, const Picture& src, Picture& dst, int threads = 1);
 
 }  // namespace bench

@@ -4,7 +4,7 @@
 
 namespace bench {
 
-/// The setup of the measurements: processor, compiler, library versions. `commit` may be empty.
+/// Reports the test setup: processor, compiler, library versions, load. `commit` may be empty.
 void stateFacts(Report& report, const std::string& commit);
 
 }  // namespace bench

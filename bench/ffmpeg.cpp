@@ -27,7 +27,7 @@ struct Free {
 template <class T>
 using Owned = std::unique_ptr<T, Free>;
 
-// An open end of the graph, under the name by which FFmpeg joins it to a filter.
+// An open end of the graph, with the label by which FFmpeg connects it.
 Owned<AVFilterInOut> endOf(const char* name, AVFilterContext* filter) {
   Owned<AVFilterInOut> end(avfilter_inout_alloc());
   *end = {av_strdup(name), filter, 0, nullptr};
@@ -44,7 +44,7 @@ class Filters : public Peer {
         dst_(av_frame_alloc()) {
     graph_->nb_threads = threads;
     graph_->thread_type = AVFILTER_THREAD_SLICE;
-    // A filter that does not support the format fails, so that no conversion is timed with it.
+    // Filters that do not support the format fail, so that no conversion is timed.
     avfilter_graph_set_auto_convert(graph_.get(), AVFILTER_AUTO_CONVERT_NONE);
     std::ostringstream shape;
     shape << "video_size=" << src.width << 'x' << src.height << ":pix_fmt=" << src.format << ":time_base=1/25";
@@ -54,7 +54,7 @@ class Filters : public Peer {
     check(
         avfilter_graph_create_filter(&sink_, avfilter_get_by_name("buffersink"), "out", nullptr, nullptr, graph_.get()),
         "buffersink");
-    // The parser takes ownership of both ends and returns those that it could not join.
+    // The parser takes ownership of both ends and returns those that it could not connect.
     AVFilterInOut* inputs = endOf("out", sink_).release();
     AVFilterInOut* outputs = endOf("in", source_).release();
     const int parsed = avfilter_graph_parse_ptr(graph_.get(), chain.c_str(), &inputs, &outputs, nullptr);
@@ -66,8 +66,8 @@ class Filters : public Peer {
 
   void run() override {
     av_frame_unref(dst_.get());
-    check(av_buffersrc_add_frame_flags(source_, src_.get(), AV_BUFFERSRC_FLAG_KEEP_REF), "a frame in");
-    check(av_buffersink_get_frame(sink_, dst_.get()), "a frame out");
+    check(av_buffersrc_add_frame_flags(source_, src_.get(), AV_BUFFERSRC_FLAG_KEEP_REF), "sending a frame");
+    check(av_buffersink_get_frame(sink_, dst_.get()), "receiving a frame");
   }
 
   Picture output() const override {
@@ -84,7 +84,7 @@ class Filters : public Peer {
   }
 
   std::string name() const override {
-    // The path of a file does not affect how it is used.
+    // The path of the LUT file is not a setting.
     std::string shown = chain_;
     if (const size_t file = shown.find("file='"); file != std::string::npos) {
       shown.erase(file, shown.find("':", file) + 2 - file);
@@ -108,7 +108,7 @@ class Filters : public Peer {
     src_->format = av_get_pix_fmt(src.format.c_str());
     src_->width = src.width;
     src_->height = src.height;
-    check(av_frame_get_buffer(src_.get(), 0), "memory for a frame");
+    check(av_frame_get_buffer(src_.get(), 0), "allocating a frame");
     for (size_t p = 0; p < src.planes.size(); ++p) {
       const Plane plane = planeOf(*src_, static_cast<int>(p));
       av_image_copy_plane(src_->data[p], src_->linesize[p], src.planes[p].data(), static_cast<int>(plane.rowBytes),

@@ -46,7 +46,7 @@ inline Picture noiseFrame(const Size& size) {
   return {"bgra", size.width, size.height, {frame}};
 }
 
-/// The frame with every alpha from 0 to 255 side by side, and its colours multiplied by it.
+/// The frame with alpha values from 0 to 255 side by side and its colours premultiplied.
 inline Picture translucent(Picture bgra) {
   std::vector<uint8_t>& frame = bgra.planes[0];
   for (size_t i = 0; i < frame.size(); i += 4) {

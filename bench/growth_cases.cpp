@@ -8,8 +8,8 @@
 namespace bench {
 namespace {
 
-void ofEffect(Report& report, const std::string& name, const std::function<Effect(const Size&)>& make,
-              bool yuv = false) {
+void measureEffect(Report& report, const std::string& name, const std::function<Effect(const Size&)>& make,
+                   bool yuv = false) {
   for (const Size& size : {report.sized(k720p), report.sized(k1080p), report.sized(k4K), report.sized(k8K)}) {
     if (!report.wants("growth of " + name + ", " + size.name)) continue;
     const Effect effect = make(size);
@@ -28,10 +28,10 @@ void ofEffect(Report& report, const std::string& name, const std::function<Effec
 void growthCases(Report& report) {
   const LutFile file(33);
   const HdrLutFiles luts(report.settings.smoke ? 9 : 65);
-  ofEffect(report, "LUT of 33 points", [&](const Size& size) { return lutEffect(file.path(), size); });
-  ofEffect(report, "clarity", clarityEffect);
-  ofEffect(report, "white balance", whiteBalanceEffect);
-  ofEffect(
+  measureEffect(report, "LUT of 33 points", [&](const Size& size) { return lutEffect(file.path(), size); });
+  measureEffect(report, "clarity", clarityEffect);
+  measureEffect(report, "white balance", whiteBalanceEffect);
+  measureEffect(
       report, "HDR to BT.709", [&](const Size& size) { return hdrEffect(luts.folder(), size); }, true);
 }
 

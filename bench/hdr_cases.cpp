@@ -8,7 +8,7 @@
 namespace bench {
 namespace {
 
-void ofSize(Report& report, const HdrLutFiles& luts, const Size& size, bool barred) {
+void compareAtSize(Report& report, const HdrLutFiles& luts, const Size& size, bool withBar) {
   const std::string name = "hdr " + size.name + " photo HLG limited range";
   const std::string chain =
       "zscale=matrixin=2020_ncl:rangein=limited:matrix=gbr:range=full,format=gbrpf32le,lut3d=file='" +
@@ -19,11 +19,11 @@ void ofSize(Report& report, const HdrLutFiles& luts, const Size& size, bool barr
   const Effect hdr = hdrEffect(luts.folder(), size);
   for (const int threads : {1, 2}) {
     // Ours rounds to bytes in between.
-    report.comparePeer({name + ": FFmpeg chain", threads, size.megapixels(), {Bar::timesAsFast, onlyIf(barred, 5.0)}},
+    report.comparePeer({name + ": FFmpeg chain", threads, size.megapixels(), {Bar::timesAsFast, onlyIf(withBar, 5.0)}},
                        frames(hdr, src, dst, threads), dst, [&] { return ffmpegFilters(chain, src, threads); },
                        {0.5, 2});
   }
-  report.compare({name, 2, size.megapixels(), {Bar::timesAsFast, onlyIf(barred, 1.93)}}, frames(hdr, src, dst, 2),
+  report.compare({name, 2, size.megapixels(), {Bar::timesAsFast, onlyIf(withBar, 1.93)}}, frames(hdr, src, dst, 2),
                  frames(hdr, src, dst), "1 thread");
 }
 
@@ -31,8 +31,8 @@ void ofSize(Report& report, const HdrLutFiles& luts, const Size& size, bool barr
 
 void hdrCases(Report& report) {
   const HdrLutFiles luts(report.settings.smoke ? 9 : 65);
-  ofSize(report, luts, report.sized(k1080p), true);
-  ofSize(report, luts, report.sized(k4K), false);
+  compareAtSize(report, luts, report.sized(k1080p), true);
+  compareAtSize(report, luts, report.sized(k4K), false);
 }
 
 }  // namespace bench

@@ -17,7 +17,7 @@ void againstPeers(Report& report, const LutFile& file, const std::string& name, 
   Picture dst = src;
   const Side ours = frames(lutEffect(file.path(), size), src, dst, threads);
   const auto against = [&](const char* peer, std::optional<double> limit, const Report::MakePeer& make) {
-    // Ours rounds up, and integers up to the next even one.
+    // Ours rounds up, and odd integers up by one.
     report.comparePeer({name + ": " + peer, threads, size.megapixels(), {Bar::timesAsFast, limit}}, ours, dst, make,
                        {1.0, 2});
   };
@@ -28,20 +28,20 @@ void againstPeers(Report& report, const LutFile& file, const std::string& name, 
 }
 
 void againstItself(Report& report, const LutFile& file, const std::string& name, const Size& size,
-                   const Picture& opaque, bool barred) {
-  const Picture seeThrough = translucent(opaque);
+                   const Picture& opaque, bool withBar) {
+  const Picture translucentFrame = translucent(opaque);
   Picture dst = opaque;
   const Effect full = lutEffect(file.path(), size), half = lutEffect(file.path(), size, 50);
   const Side reference = frames(full, opaque, dst);
   const auto longer = [&](const char* what, std::optional<double> limit, const Side& side, const char* other) {
     report.compare({name + what, 1, size.megapixels(), {Bar::timesTheTime, limit}}, side, reference, other);
   };
-  longer(" s50", onlyIf(barred, 1.06), frames(half, opaque, dst), "strength 100");
-  longer(" s100 translucent", onlyIf(barred, 1.06), frames(full, seeThrough, dst), "opaque");
-  longer(" s50 translucent", onlyIf(barred, 1.10), frames(half, seeThrough, dst), "strength 100, opaque");
-  report.compare({name + " s100 opaque", 2, size.megapixels(), {Bar::timesAsFast, onlyIf(barred, 1.93)}},
+  longer(" s50", onlyIf(withBar, 1.06), frames(half, opaque, dst), "strength 100");
+  longer(" s100 translucent", onlyIf(withBar, 1.06), frames(full, translucentFrame, dst), "opaque");
+  longer(" s50 translucent", onlyIf(withBar, 1.10), frames(half, translucentFrame, dst), "strength 100, opaque");
+  report.compare({name + " s100 opaque", 2, size.megapixels(), {Bar::timesAsFast, onlyIf(withBar, 1.93)}},
                  frames(full, opaque, dst, 2), reference, "1 thread");
-  report.compare({name + " s50 opaque", 2, size.megapixels(), {Bar::timesAsFast, onlyIf(barred, 1.93)}},
+  report.compare({name + " s50 opaque", 2, size.megapixels(), {Bar::timesAsFast, onlyIf(withBar, 1.93)}},
                  frames(half, opaque, dst, 2), frames(half, opaque, dst), "1 thread");
 }
 

@@ -10,9 +10,9 @@
 
 namespace bench {
 
-/// A .cube file of the given size in its own temporary folder, removed with the object. The look is smooth, so that
-/// programs with different arithmetic agree on it, and differs between the channels, so that swapped ones show: a
-/// contrast curve, of different strength per channel, with some of the next channel mixed in.
+/// A .cube file of the given size in its own temporary folder, removed with the object. The look is a contrast curve of
+/// different strength per channel with some of the next channel mixed in: smooth, so that programs with different
+/// arithmetic agree, and different per channel, so that swapped channels show.
 class LutFile {
  public:
   explicit LutFile(int size, const std::string& name = "bench.cube") : path_(folder_ / name) {
@@ -44,7 +44,7 @@ class LutFile {
   std::filesystem::path path_;
 };
 
-/// The two files that HDR loads, with one look, in their own folder.
+/// The two files that HDR loads, with the same look, in their own folder.
 class HdrLutFiles {
  public:
   explicit HdrLutFiles(int size) : hlg_(size, "HDR_HLG.cube") {

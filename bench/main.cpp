@@ -23,7 +23,7 @@ void measure(const bench::Settings& settings, const std::string& tsv, const std:
       report.refuse(error.what());
     }
   }
-  if (report.refusals() > 0) throw std::runtime_error("something could not be compared, see above");
+  if (report.refusals() > 0) throw std::runtime_error("some cases could not be compared, see above");
 }
 
 }  // namespace
@@ -33,14 +33,13 @@ int main(int argc, char** argv) {
   bench::Settings settings;
   std::string tsv, commit;
   std::vector<std::string> child;
-  app.add_option("--repeats", settings.repeats, "Blocks of calls of each side")
+  app.add_option("--repeats", settings.repeats, "Timed blocks of calls per side")
       ->check(CLI::PositiveNumber)
       ->capture_default_str();
-  app.add_option("--only", settings.only,
-                 "The cases in whose names this shell pattern is found, such as '1080p*FFmpeg'");
+  app.add_option("--only", settings.only, "Only cases whose names contain this shell pattern, such as '1080p*FFmpeg'");
   app.add_option("--tsv", tsv, "Tab-separated output file");
   app.add_option("--commit", commit, "The commit, recorded with the results");
-  app.add_flag("--smoke", settings.smoke, "Small frames, once: whether everything runs, not how fast");
+  app.add_flag("--smoke", settings.smoke, "Small frames, once: checks that everything runs, not how fast");
   app.add_option("--child", child)->group("");  // hidden: see child.h
   CLI11_PARSE(app, argc, argv);
   if (settings.smoke) {

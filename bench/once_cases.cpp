@@ -54,7 +54,7 @@ void loadCases(Report& report) {
     }
     const LutFile file(points);
     report.compare(what, {[&] { lutEffect(file.path(), k1080p); }},
-                   {[&] { openColorIoLoad(file.path()); }, openColorIoForget, true}, openColorIoLoadName());
+                   {[&] { openColorIoLoad(file.path()); }, openColorIoClearCache, true}, openColorIoLoadName());
   }
 }
 

@@ -47,6 +47,6 @@ std::string openColorIoVersion() { return ocio::GetVersion(); }
 
 void openColorIoLoad(const std::filesystem::path& lut) { load(lut); }
 
-void openColorIoForget() { ocio::ClearAllCaches(); }
+void openColorIoClearCache() { ocio::ClearAllCaches(); }
 
 }  // namespace bench

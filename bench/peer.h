@@ -1,5 +1,5 @@
-// Other programs' work on a frame, behind one interface. Each library has two implementations, of which the build uses
-// one: with the library, or, when it is not installed, without it.
+// Other libraries that process frames, behind one interface. Each has an implementation and a stub, which the build uses
+// when the library is not installed.
 #pragma once
 
 #include <filesystem>
@@ -18,20 +18,20 @@ class Peer {
   virtual std::string name() const = 0;  ///< library, version, options
 };
 
-// The first two return null if the library, or a part that the job needs, is missing, and throw std::runtime_error if
-// the library refuses the job.
+// The next two functions return null if the library, or a part that the job needs, is missing, and throw
+// std::runtime_error if the library rejects the job.
 
-/// FFmpeg's filters in command-line syntax, each with slices on `threads` threads.
+/// FFmpeg filters in command-line syntax, slice-threaded on `threads` threads.
 std::unique_ptr<Peer> ffmpegFilters(const std::string& chain, const Picture& src, int threads);
-/// OpenColorIO's processor for a LUT file and BGRA pixels, on the calling thread.
+/// OpenColorIO's CPU processor for a LUT file and BGRA pixels, on the calling thread.
 std::unique_ptr<Peer> openColorIo(const std::filesystem::path& lut, const Picture& src);
 
-/// Empty if the library is missing.
+/// Return an empty string if the library is missing.
 std::string ffmpegVersion();
 std::string openColorIoVersion();
 
-/// Loads a LUT file into a processor for 8-bit pixels. OpenColorIO caches files: the second function clears that cache.
+/// Loads a LUT file into a processor for 8-bit pixels. OpenColorIO caches files; the second function clears that cache.
 void openColorIoLoad(const std::filesystem::path& lut);
-void openColorIoForget();
+void openColorIoClearCache();
 
 }  // namespace bench

@@ -25,14 +25,14 @@ struct Picture {
   std::vector<std::vector<uint8_t>> planes;
 };
 
-/// From BGRA pixels: floats from 0 to 1 in planes green, blue, red, and back, rounded; alpha becomes 255.
+/// Converts BGRA to float planes in the order green, blue, red, from 0 to 1; and back, rounded, with alpha 255.
 Picture toFloatPlanes(const Picture& bgra);
 Picture fromFloatPlanes(const Picture& floats);
 
-/// From BGRA pixels: Y, Cb and Cr of limited range by the BT.2020 matrix, chroma averaged over four pixels.
+/// Converts BGRA to limited-range Y, Cb and Cr by the BT.2020 matrix, with chroma averaged over four pixels.
 Picture toYuv420(const Picture& bgra);
 
-/// The difference between the bytes of two pictures of one shape, over all planes: mean and largest.
+/// The mean and largest difference between the bytes of two pictures of the same shape, over all planes.
 struct Difference {
   double mean = 0.0;
   int most = 0;

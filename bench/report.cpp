@@ -55,7 +55,7 @@ void Report::compare(const Case& what, const Side& ours, const Side& other, cons
 }
 
 void Report::comparePeer(const Case& what, const Side& ours, const Picture& dst, const MakePeer& make,
-                         const Difference& roundings) {
+                         const Difference& tolerance) {
   if (!wants(what.name)) return;
   const std::unique_ptr<Peer> peer = make();
   if (!peer) return missing(what);
@@ -63,7 +63,7 @@ void Report::comparePeer(const Case& what, const Side& ours, const Picture& dst,
   peer->run();
   const Picture theirs = peer->output();
   const bool floats = theirs.format == "gbrpf32le";
-  if (!agree(what, peer->name(), dst, floats ? fromFloatPlanes(theirs) : theirs, roundings)) return;
+  if (!agree(what, peer->name(), dst, floats ? fromFloatPlanes(theirs) : theirs, tolerance)) return;
   compare(what, ours, frames([&] { peer->run(); }), peer->name());
 }
 
@@ -107,9 +107,9 @@ void Report::missing(const Case& what) {
 }
 
 bool Report::agree(const Case& what, const std::string& otherName, const Picture& ours, const Picture& other,
-                   const Difference& roundings) {
+                   const Difference& tolerance) {
   const Difference difference = differenceOf(ours, other);
-  if (difference.mean <= roundings.mean && difference.most <= roundings.most) return true;
+  if (difference.mean <= tolerance.mean && difference.most <= tolerance.most) return true;
   char why[128];
   std::snprintf(why, sizeof why, "mean difference %.3f, largest %d", difference.mean, difference.most);
   refuse(titleOf(what) + ": " + why + " from " + otherName);

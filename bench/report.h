@@ -1,4 +1,4 @@
-// Results: a line for people, a row of tab-separated fields for the scripts that make tables.
+// Results: a line of text for people, and tab-separated fields for the scripts that make tables.
 #pragma once
 
 #include <fstream>
@@ -21,12 +21,14 @@ struct Bar {
   std::optional<double> limit = {};
 };
 
-inline std::optional<double> onlyIf(bool barred, double limit) { return barred ? std::optional(limit) : std::nullopt; }
+inline std::optional<double> onlyIf(bool withBar, double limit) {
+  return withBar ? std::optional(limit) : std::nullopt;
+}
 
 struct Case {
   std::string name;
   int threads;
-  double megapixels = 0.0;  ///< per call; 0 if it is not a frame
+  double megapixels = 0.0;  ///< per call; 0 if a call is not a frame
   Bar bar = {};
 };
 
@@ -43,24 +45,24 @@ class Report {
 
   const Settings settings;
   bool wants(const std::string& name) const;
-  /// The size, or a tenth of it both ways for `smoke`.
+  /// The size, with `smoke` a tenth of its width and height.
   Size sized(const Size& size) const;
 
-  /// "cpu", "gcc 12.2".
+  /// Reports a fact about the setup, such as "Compiler" and "gcc 12.2".
   void fact(const std::string& name, const std::string& value);
   /// Times the two sides and adds the result.
   void compare(const Case& what, const Side& ours, const Side& other, const std::string& otherName);
   using MakePeer = std::function<std::unique_ptr<Peer>()>;
-  /// Times our side, which writes `dst`, against a peer that must give the same frame up to `roundings`.
+  /// Times our side, which writes `dst`, against a peer whose frame must match within `tolerance`.
   void comparePeer(const Case& what, const Side& ours, const Picture& dst, const MakePeer& make,
-                   const Difference& roundings);
+                   const Difference& tolerance);
   void add(const Case& what, const Timing& ours, const Timing& other, const std::string& otherName);
   void growth(const std::string& effect, int threads, const Size& size, const Timing& timing);
   void memory(const std::string& effect, const std::string& size, double megabytes);
   void missing(const Case& what);
-  /// Whether two results are equal up to roundings; otherwise the case is refused.
+  /// Returns whether two results match within `tolerance`; if not, refuses the case.
   bool agree(const Case& what, const std::string& otherName, const Picture& ours, const Picture& other,
-             const Difference& roundings);
+             const Difference& tolerance);
   void refuse(const std::string& why);
   int refusals() const { return refusals_; }
 

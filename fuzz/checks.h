@@ -18,17 +18,17 @@
 
 namespace fuzz {
 
-/// A description of the result of the last input: set by the targets of readers, called on demand.
+/// Describes the result of the last input; set by the reader targets, called on demand.
 inline std::function<std::string()> result;
 
-/// Aborts with a message if a requirement does not hold: fuzzers then keep the input.
+/// Aborts with a message if a requirement does not hold, so that the fuzzer keeps the input.
 inline void require(bool holds, const char* what) {
   if (holds) return;
-  std::fprintf(stderr, "does not hold: %s\n", what);
+  std::fprintf(stderr, "requirement failed: %s\n", what);
   std::abort();
 }
 
-/// 64-bit FNV-1a, continued from `digest`. All NaNs are equal.
+/// 64-bit FNV-1a, continued from `digest`. All NaNs give the same digest.
 template <class T>
 uint64_t digestOf(const T* values, size_t count, uint64_t digest = 14695981039346656037u) {
   for (size_t i = 0; i < count; ++i) {
@@ -40,7 +40,7 @@ uint64_t digestOf(const T* values, size_t count, uint64_t digest = 1469598103934
   return digest;
 }
 
-/// Runs `run` with the kernels of vector instruction set number `which` among those of this processor.
+/// Calls `run` with the kernels of one of this processor's vector instruction sets, selected by `which`.
 template <class Run>
 void onTarget(size_t which, const Run& run) {
   const auto choose = [](int64_t target) {
@@ -53,21 +53,21 @@ void onTarget(size_t which, const Run& run) {
   choose(0);
 }
 
-/// Every point with a row must hold it, and every other one zeros; refused sizes are not checked. `pointAt` gives the
-/// three floats of a point by the index that changes slowest in the rows, the middle one, and the fastest.
+/// Checks that each point has the values of its row, and zeros if it has none; rejected sizes are not checked. `pointAt`
+/// returns the three floats of a point, given its slowest, middle and fastest index in the order of the rows.
 template <class PointAt>
 void checkPoints(const PlainTable& expected, const PointAt& pointAt) {
-  if (!expected.rowsCertain || expected.size > 65) return;
+  if (!expected.rowsExact || expected.size > 65) return;
   const auto same = [](float a, float b) { return a == b || (std::isnan(a) && std::isnan(b)); };
   const int size = expected.size;
   for (int i = 0; i < size * size * size; ++i) {
     const float* point = pointAt(i / (size * size), i / size % size, i % size);
     const auto row = static_cast<size_t>(i) < expected.rows.size() ? expected.rows[i] : std::array{0.0f, 0.0f, 0.0f};
-    require(std::equal(row.begin(), row.end(), point, same), "a point holds its row");
+    require(std::equal(row.begin(), row.end(), point, same), "a point has the values of its row");
   }
 }
 
-/// The whole target of a grading reader, given the plain reader, and `pointAt` as for checkPoints.
+/// The whole target of a grading reader: compares it with the plain reader. `pointAt` as for checkPoints.
 template <class PointAt>
 int checkReader(const uint8_t* data, size_t size, int32_t (Lumvane::CubeLut::*read)(std::istream&),
                 PlainTable (*readPlain)(const std::string&), const PointAt& pointAt) {
@@ -87,10 +87,10 @@ int checkReader(const uint8_t* data, size_t size, int32_t (Lumvane::CubeLut::*re
   };
 
   std::istringstream stream(text);
-  require(((*lut).*read)(stream) == expected.status && lut->status == expected.status, "the status");
-  require(lut->latticeSize == expected.size, "the size");
+  require(((*lut).*read)(stream) == expected.status && lut->status == expected.status, "the status is as expected");
+  require(lut->latticeSize == expected.size, "the size is as expected");
   checkPoints(expected, [&](int slow, int middle, int fast) { return pointAt(*lut, slow, middle, fast); });
-  require(expected.status != 0 || lut->cell[255] == expected.size - 1, "the tables are those of the size");
+  require(expected.status != 0 || lut->cell[255] == expected.size - 1, "the tables match the size");
   return 0;
 }
 

@@ -1,5 +1,5 @@
-// The input is a frame to grade: its shape, the table, the strength and the vector instruction set, then the values of
-// table and pixels. It is graded through the export and by the plain kernels.
+// The input is a frame to grade: the vector instruction set, the shape of the frame, the strength, the size of the
+// table, then the values of table and pixels. The export must give the bytes that the plain kernels give.
 
 #include <cstring>
 #include <memory>
@@ -23,7 +23,7 @@ int32_t stride(int32_t form, int32_t width, int32_t bytes) {
   return (form & 3) == 0 ? 0 : form & 4 ? -magnitude : magnitude;
 }
 
-// Repeated single-precision values: raw bit patterns, or bytes on the scale of colours.
+// Fills the lattice with repeated floats: raw bit patterns, or bytes scaled to -20.5 to 298.25.
 void fillLattice(CubeLut& lut, bool bitPatterns, const Bytes& bytes) {
   std::vector<float> values(std::clamp<size_t>(bitPatterns ? bytes.size() / 4 : bytes.size(), 1, 1021));
   for (size_t i = 0; i < values.size() && i < bytes.size(); ++i) values[i] = bytes[i] * 1.25f - 20.5f;
@@ -43,11 +43,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   fuzz::Input input(data, size);
   const auto take = [&] { return input.take(); };
   const auto target = static_cast<size_t>(take());
-  const int32_t forms = take(), moreForms = take(), width = 1 + take(), height = 1 + take() % 80;
-  const int32_t dstStride = stride(forms, width, take());
-  const int32_t srcStride = stride(forms >> 3, width, take());
+  const int32_t flags = take(), moreFlags = take(), width = 1 + take(), height = 1 + take() % 80;
+  const int32_t dstStride = stride(flags, width, take());
+  const int32_t srcStride = stride(flags >> 3, width, take());
   const int32_t strength = take() - 20;
-  const bool inPlace = forms >> 6 & 1;  // dst with its stride is also the source
+  const bool inPlace = flags >> 6 & 1;  // the source is dst, with its stride
   static ColorLut3dAdjustEffect effect(u"", 0, 0);
   if (effect.cubeLut == nullptr) effect.cubeLut = std::make_unique<CubeLut>();
   CubeLut& lut = *effect.cubeLut;
@@ -55,9 +55,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   lut.status = statusOk;
   lut.fillInterpolationTables();
   const Bytes pixels = input.rest();
-  fillLattice(lut, moreForms & 1, pixels);
+  fillLattice(lut, moreFlags & 1, pixels);
 
-  // Larger frames are graded in concurrent bands: if rows of two bands overlap, the result is undefined.
+  // Larger frames are graded in parallel bands: the result is undefined if rows of two bands overlap.
   if (width * height > 10000 && dstStride != 0 && std::abs(dstStride) < 4 * width) return 0;
 
   Plane src(4 * width, height, srcStride, pixels);
@@ -77,7 +77,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     Lut3DColorAdjustEffectProcess(&effect, dst.row(0), width, height, dstStride, (inPlace ? dst : src).row(0), -1, -1,
                                   inPlace ? dstStride : srcStride, strength);
   });
-  // Padding included.
-  fuzz::require(dst.bytes == expected.bytes, "all bytes are those that the plain kernels make");
+  fuzz::require(dst.bytes == expected.bytes, "all bytes, padding included, are those of the plain kernels");
   return 0;
 }

@@ -1,4 +1,4 @@
-// Shared by the fuzz targets of frames.
+// Shared by the fuzz targets that process frames.
 #pragma once
 
 #include <bit>
@@ -10,7 +10,7 @@ namespace fuzz {
 
 using Bytes = std::vector<uint8_t>;
 
-/// The input as numbers, one byte each. Missing input reads as zeros.
+/// Reads the input as numbers of one byte each. Past the end it returns zeros.
 class Input {
  public:
   Input(const uint8_t* data, size_t size) : at_(data), end_(data + size) {}
@@ -26,8 +26,8 @@ class Input {
   const uint8_t *at_, *end_;
 };
 
-/// Rows that fill their memory from the first byte to the last, so that the address sanitizer detects any access outside.
-/// The bytes, padding included, repeat `pattern`. Stride 0 means packed rows.
+/// Rows in a buffer of exactly their size, so that the address sanitizer detects any access outside. The bytes, padding
+/// included, repeat `pattern`. Stride 0 means packed rows.
 struct Plane {
   Plane(int32_t rowBytes, int32_t rows, int32_t stride, const Bytes& pattern)
       : height(rows),

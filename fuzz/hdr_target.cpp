@@ -1,5 +1,5 @@
-// The input is a .cube file for HDR. Its last byte also sets what the object has read before: the points per axis in
-// the low 7 bits, and the transfer in the high one.
+// The input is a .cube file for HDR. Its last byte also sets the points per axis that the object has read before, in the
+// low 7 bits, and the transfer, in the high bit.
 
 #include <sstream>
 
@@ -36,17 +36,16 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     return (std::ostringstream() << ok << ' ' << ownSize << ' ' << sharedSize << ' ' << std::hex << digest).str();
   };
   const bool refused = expectedSize > kLatticeStride;
-  fuzz::require(ok == (expected.status == statusOk && !refused) && ok == object.loadOk, "the result");
-  fuzz::require(object.latticeSize == expectedSize, "the size");
-  fuzz::require(shared.latticeSize == (expected.hasLines ? expectedSize : 0), "the shared size");
+  fuzz::require(ok == (expected.status == statusOk && !refused) && ok == object.loadOk, "the result is as expected");
+  fuzz::require(object.latticeSize == expectedSize, "the size is as expected");
+  fuzz::require(shared.latticeSize == (expected.hasLines ? expectedSize : 0), "the shared size is as expected");
   if (refused) return 0;
   fuzz::checkPoints(expected, [&](int b, int g, int r) { return shared.lattice[r][g] + b * 3; });
-  fuzz::require(!ok || object.cell[255] == expectedSize - 1, "the tables are those of the size");
+  fuzz::require(!ok || object.cell[255] == expectedSize - 1, "the tables match the size");
   if (object.latticeSize == 0) return 0;
 
-  // The colours of one red take a hundred times as long as a small file. So they are computed for one input in 8, with
-  // one vector instruction set. A hash of the bytes selects these inputs and the red, so that no fuzzer can aim at
-  // them.
+  // The colours of one red take a hundred times as long as a small file, so they are checked for one input in 8, with
+  // one vector instruction set. A hash of the bytes selects input, red and set, so that the fuzzer cannot steer them.
   const uint64_t hash = fuzz::digestOf(data, size);
   if (hash >> 13 & 7) return 0;
   const auto red = static_cast<uint8_t>(hash >> 24);
@@ -63,7 +62,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const auto green = static_cast<uint8_t>(i >> 8), blue = static_cast<uint8_t>(i);
     const RGB8 expectedColour = hdrColour(view, red, green, blue);
     const RGB8& found = shared.cache[cacheEntry(red, green, blue)];
-    fuzz::require(std::equal(found.component, found.component + 3, expectedColour.component), "a colour");
+    fuzz::require(std::equal(found.component, found.component + 3, expectedColour.component),
+                  "the cache has the colour of the lattice");
   }
   return 0;
 }

@@ -1,5 +1,5 @@
-// Both LUT text formats, read from a whole text in memory with the simplest means of the standard library: the
-// reference for the library's readers, row by row and bit by bit.
+// Simple readers of both LUT text formats, for a text in memory and by the standard library alone: the reference that
+// the library's readers must match row by row and bit by bit.
 #pragma once
 
 #include <algorithm>
@@ -20,29 +20,29 @@ namespace fuzz {
 /// The expected result for a text.
 struct PlainTable {
   int32_t status = Lumvane::statusOk;
-  int32_t size = 0;                        ///< 0 when the header gives none
+  int32_t size = 0;                        ///< 0 when the header has none
   bool hasLines = false;                   ///< .cube: there was a valid header line
   std::vector<std::array<float, 3>> rows;  ///< all rows before an error, on the scale of 0.0 to 255.0
-  bool rowsCertain = true;  ///< false with numbers that the C library does not round to the nearest float
+  bool rowsExact = true;  ///< false if the C library may not have rounded a number to the nearest float
 };
 
-/// All lines that are not skipped. Throws the status if one is missing.
+/// All lines but comments and empty ones. front() throws the status if no line is left.
 struct PlainLines {
   explicit PlainLines(const std::string& text) {
     const size_t end = text.find_first_of("\r\n");
     if (end > 251) throw Lumvane::statusLineTooLong;
     const char separator = text[end] == '\r' && text.substr(end + 1, 1) != "\n" ? '\r' : '\n';
-    behindLast = text.back() == separator ? Lumvane::statusReadFailed : Lumvane::statusEndOfFile;
+    statusAtEnd = text.back() == separator ? Lumvane::statusReadFailed : Lumvane::statusEndOfFile;
     std::istringstream stream(text);
     for (std::string line; std::getline(stream, line, separator);) {
       line.resize(std::min(line.size(), size_t{65536}));
       if (!line.empty() && line[0] != '#' && line != "\r") lines.push(line);
     }
   }
-  const std::string& front() const { return lines.empty() ? throw behindLast : lines.front(); }
+  const std::string& front() const { return lines.empty() ? throw statusAtEnd : lines.front(); }
 
   std::queue<std::string> lines;
-  Lumvane::LutStatus behindLast;
+  Lumvane::LutStatus statusAtEnd;
 };
 
 inline bool opensTable(const std::string& token) { return token > "+" && token < ":"; }
@@ -52,9 +52,9 @@ void readPlainRows(PlainLines& text, PlainTable& table, const Scale& scale) {
   std::array<float, 3> row = {};
   for (int32_t i = 0; i < table.size * table.size * table.size; ++i, text.lines.pop()) {
     std::sscanf(text.front().c_str(), "%f %f %f", &row[0], &row[1], &row[2]);
-    // glibc 2.36 rounds hexadecimal numbers below the normal floats down.
+    // glibc 2.36 rounds hexadecimal subnormal numbers down.
     const bool hex = text.front().find_first_of("xX") != std::string::npos;
-    table.rowsCertain &= !hex || std::none_of(row.begin(), row.end(), [](float v) { return std::abs(v) < 0x1p-126f; });
+    table.rowsExact &= !hex || std::none_of(row.begin(), row.end(), [](float v) { return std::abs(v) < 0x1p-126f; });
     table.rows.push_back({scale(row[0], 0), scale(row[1], 1), scale(row[2], 2)});
   }
 }

@@ -5,7 +5,7 @@
 #include "lumvane.h"
 
 #if LUMVANE_VERSION < 200 || LUMVANE_VERSION >= 10000 * (LUMVANE_VERSION_MAJOR + 1)
-#error "no version for the preprocessor"
+#error "LUMVANE_VERSION is missing or wrong"
 #endif
 
 int main(int argc, char** argv) {

@@ -38,7 +38,7 @@ Frame noiseFrame(int width, int height) {
 TEST(Clarity, DoesNotDependOnEarlierFrames) {
   const Clarity clarity(640, 360, 40, 80);
   for (const auto& [width, height] : {std::pair{64, 48}, {48, 64}, {48, 90}, {200, 100}, {1, 1}, {64, 48}}) {
-    // As after a frame whose planes were only partly allocated.
+    // The state after a frame whose planes were only partly allocated.
     if (!clarity.effect().pyramid.rebuilt.empty()) clarity.effect().pyramid.rebuilt[2].release();
     clarity.effect().pyramid.scratch.clear();
     clarity.effect().pyramid.gaussian.resize(2);
@@ -54,17 +54,17 @@ TEST(Clarity, ReadsItsNamedParameters) {
   effect->levels = 5;
   Frame src = noiseFrame(40, 30), dst(40, 30), expected(40, 30);
   EXPECT_EQ(effect->Process({}, {src.data(), 40, 30, 0}, {dst.data(), 40, 30, 0}, 40, 30, 0), 0);
-  const Clarity full(40, 9, 100, 100);  // of five levels as well
+  const Clarity full(40, 9, 100, 100);  // has five levels too
   EXPECT_EQ(full.effect().levels, 5);
   full.process(expected, src);
-  EXPECT_EQ(dst.bytes, expected.bytes) << "a missing parameter counts as 100";
+  EXPECT_EQ(dst.bytes, expected.bytes) << "a missing parameter means 100";
   effect->Init(40, 30, 0, -7, -1);
   Lumvane::NLEFilterValue value;
   EXPECT_TRUE(effect->GetParameter("saturation", value));
   EXPECT_EQ(value.number, 0xFFFFFFF9u) << "the high half is 0";
 }
 
-// For uniform frames the definition of hue, saturation and value gives the colours.
+// For uniform frames the colours follow from the definition of hue, saturation and value.
 TEST(Clarity, GivesKnownColoursForUniformFrames) {
   struct Case {
     int saturation;
@@ -118,7 +118,7 @@ TEST(Clarity, RejectsInvalidFramesAndKeepsTheDestination) {
   EXPECT_EQ(clarity.process(dst, src), 1);
 }
 
-// The source is what the buffer held before the call, however the two frames overlap.
+// The result is that of the original source, however the two frames overlap.
 TEST(Clarity, RendersTheOriginalSourceOfOverlappingFrames) {
   constexpr int kWidth = 300, kHeight = 200, kRow = 4 * kWidth;
   const Bytes src = noiseFrame(kWidth, kHeight).packed();
@@ -154,7 +154,7 @@ TEST(Clarity, RendersTheOriginalSourceOfOverlappingFrames) {
 }
 
 #ifdef __x86_64__
-// Bit for bit OpenCV's result here, where its builds do not fuse multiply and add.
+// On x86-64 OpenCV's builds do not fuse multiply and add: results are equal bit for bit.
 class Pyramid : public test::EveryTarget {};
 INSTANTIATE_TEST_SUITE_P(On, Pyramid, test::everyTarget(), test::targetName);
 
@@ -174,10 +174,10 @@ TEST_P(Pyramid, GivesTheFloatsOfOpenCv) {
     cv::pyrUp(coarse, up, size, cv::BORDER_REFLECT_101);
     std::vector<float> rows(3 * static_cast<size_t>(size.width)), buffer(static_cast<size_t>(size.width));
     for (const int first : {0, size.height / 2}) {
-      Lumvane::PyramidUp brought(coarse, size, rows.data(), Lumvane::pyramidKernels());
+      Lumvane::PyramidUp upsampled(coarse, size, rows.data(), Lumvane::pyramidKernels());
       for (int y = first; y < size.height; ++y) {
-        brought.moveTo(y);
-        const float* const found = brought.samples(0, buffer.size(), buffer.data());
+        upsampled.moveTo(y);
+        const float* const found = upsampled.samples(0, buffer.size(), buffer.data());
         ASSERT_EQ(std::memcmp(found, up.ptr(y), 4 * buffer.size()), 0) << "up to " << size << ", row " << y;
       }
     }
@@ -191,7 +191,7 @@ TEST_P(Pyramid, GivesTheFloatsOfOpenCv) {
 }
 #endif
 
-// An extra level shows in no byte.
+// No byte of a frame would reveal an extra level.
 TEST(ClarityPyramid, HasALevelForEachHalvingOfTheShorterSide) {
   for (const auto& [side, levels] :
        {std::pair{INT_MIN, 1}, {1, 1}, {2, 2}, {3, 3}, {4, 3}, {64, 7}, {65, 8}, {INT_MAX, 8}}) {
@@ -200,7 +200,7 @@ TEST(ClarityPyramid, HasALevelForEachHalvingOfTheShorterSide) {
   }
 }
 
-// The weight is the correctly rounded exponential, which C libraries do not promise. Small errors would not show in the
+// The weight is the correctly rounded exponential, which C libraries do not guarantee. Small errors would not change the
 // bytes of a frame.
 TEST(ClarityRows, WeighDetailsByTheCorrectlyRoundedExponential) {
   std::vector<float> fine(1 << 20), zeros(fine.size()), out(fine.size());

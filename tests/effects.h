@@ -1,4 +1,4 @@
-// All effects, as a host sees them: through the functions of lumvane.h alone.
+// All effects, called as by a host: only through the functions of lumvane.h.
 #pragma once
 
 #include <filesystem>
@@ -13,11 +13,11 @@
 
 namespace test {
 
-/// Renders a BGRA frame; strides as the effect defines them, one size for both frames.
+/// Renders a BGRA frame; strides as the effect defines them. Both frames have the same size.
 using Render =
     std::function<void(uint8_t* dst, int dstStride, const uint8_t* src, int srcStride, int width, int height)>;
 
-/// The functions of lumvane.h by name, linked or looked up.
+/// The functions of lumvane.h, either linked or looked up by name.
 struct Library {
 #define LUMVANE_EXPORT(name) decltype(&::name) name = nullptr;
 #include "cmake/exports.inc"
@@ -30,7 +30,7 @@ struct Library {
       process(effect.get(), dst, width, height, dstStride, src, 0, 0, srcStride, strength);
     };
   }
-  /// A new effect for each frame, made for frames of `side` by `side` pixels, or for the frame's own size.
+  /// Creates a new effect for each frame, for `side` by `side` pixels, or for the size of the frame if `side` is 0.
   Render clarity(int saturation, int intensity, int side = 0) const {
     return [=, *this](uint8_t* dst, int dstStride, const uint8_t* src, int srcStride, int width, int height) {
       void* const effect =
@@ -60,7 +60,7 @@ class LutFolder {
   LutFolder() {
     std::string threeDl = "0 512 1023\n", tiny = "LUT_3D_SIZE 2\nDOMAIN_MAX 1e36 1e36 1e36\n";
     for (int i = 0; i < 27; ++i) threeDl += std::to_string(4000 - i * 100) + " " + std::to_string(i * 151) + ".5 1e3\n";
-    // Numbers too small for a normal float, which the domain scales back to the range of colours.
+    // Subnormal numbers, which the domain scales back to the range of colours.
     for (int i = 1; i <= 8; ++i) tiny += "1e-38 " + std::to_string(i) + "e-39 2.00000000000000000000001e-39\n";
     const std::filesystem::path folder = path;
     std::ofstream(folder / "look.cube") << cube(5, "0.1");
@@ -69,7 +69,7 @@ class LutFolder {
   }
 
  private:
-  // All forms in which numbers are read: in header and rows, plain decimals, exponents, hexadecimal, long ones.
+  // Numbers of all forms in header and rows: plain decimals, exponents, hexadecimal, long ones.
   static std::string cube(int size, const std::string& lift) {
     std::string text =
         "TITLE \"a title of more letters than a short string holds\"\nDOMAIN_MIN -0.125 0 0\nLUT_3D_SIZE " +
@@ -87,25 +87,25 @@ class LutFolder {
   const std::u16string path = hdr_.folder();
 };
 
-/// The output of every effect for a frame of noise, loading included, concatenated; without HDR if its function is
+/// Loads every effect, renders a frame of noise and returns all outputs concatenated; without HDR if its functions are
 /// missing.
 inline Bytes renderAll(const Library& lib, const std::u16string& folder, int width, int height) {
   const Bytes src = noise(size_t{4} * width * height, 1);
   Bytes result;
-  const auto take = [&](const Bytes& frame) { result.insert(result.end(), frame.begin(), frame.end()); };
+  const auto append = [&](const Bytes& frame) { result.insert(result.end(), frame.begin(), frame.end()); };
   for (const Render& render :
        {lib.grading(folder + u"/look.cube", 40), lib.grading(folder + u"/look.3dl", 100),
         lib.grading(folder + u"/tiny.cube", 100), lib.clarity(30, 90), lib.whiteBalance(0.21f, -0.13f)}) {
     Bytes dst(src.size());
     render(dst.data(), 0, src.data(), 0, width, height);
-    take(dst);
+    append(dst);
   }
   for (int flags = 0; flags < 4 && lib.CreateVideoAdjustColor != nullptr; ++flags) {
     void* const hdr = lib.CreateVideoAdjustColor(folder.c_str(), 0, flags & 1, flags & 2, width, height);
     Yv12Frame frame(width, height);
     frame.fill(src);
     frame.processTo(frame, hdr, 0, lib.VideoAdjustColorProcess);
-    take(frame.packed());
+    append(frame.packed());
     lib.DestroyVideoAdjustColor(hdr);
   }
   return result;

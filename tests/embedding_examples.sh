@@ -1,5 +1,5 @@
 #!/bin/sh
-# The examples in C build and run, the C++ of docs/embedding.md compiles.
+# The C examples build and run, and the C++ code of docs/embedding.md compiles.
 #   embedding_examples.sh SOURCES LIBRARY [LUMVANE-HOST]
 set -eu
 include=$1/include
@@ -21,7 +21,7 @@ LD_LIBRARY_PATH=$(dirname "$library")
 LC_ALL=C.UTF-8
 export LD_LIBRARY_PATH LC_ALL
 
-# The LUT has a name of two, three and four bytes a letter. The upper left of the picture is red and has no blue.
+# The name of the LUT has letters of two, three and four bytes. The upper left of the picture is red, without blue.
 lut='ä€😀.cube'
 cp "$1/samples/teal_orange.cube" "$lut"
 ./host "$lut"
@@ -30,12 +30,12 @@ for name in graded clear warm; do
   tail -c +16 $name.ppm | od -An -tu1 -N3 | awk '{ exit !($1 > 150 && $3 < 60) }'
 done
 if ./host none.cube || ./host "$(printf '\377.cube')"; then
-  echo "a LUT that is not there was used"
+  echo "a missing LUT file was accepted"
   exit 1
 fi
 if [ $# -gt 2 ]; then
   "$3" hdr-luts --size 17 luts
-  # 126 is half of the HLG signal: 50 of 1000 cd/m2 at gamma 1.2, 203 being white, by a power of 1 / 2.4: 0.561
+  # Y 126 is 50 % of HLG: 50 of 1000 cd/m2 at gamma 1.2; over 203 for white, to the power of 1 / 2.4: 0.561
   ./host "$lut" luts | grep -Eq 'is 1(3[89]|40) in'
 fi
 ./runtime | grep -q 'blue 80, green 100, red 120'

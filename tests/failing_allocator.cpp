@@ -22,9 +22,9 @@ thread_local bool fromThenOn = false;
 thread_local long failures = 0;
 std::atomic<bool> threadsRefused = false;
 std::atomic<long> live = 0;
-std::atomic<size_t> inUse = 0, mostInUse = 0;  // bytes
+std::atomic<size_t> inUse = 0, peakInUse = 0;  // bytes
 
-// Whether the current allocation has to fail.
+// Returns whether the current allocation has to fail.
 bool fails() {
   if (countdown == 0) return false;
   if (countdown > 1) {
@@ -41,7 +41,7 @@ void* counted(void* block) {
   if (block == nullptr) return block;
   ++live;
   const size_t now = inUse += malloc_usable_size(block);
-  for (size_t most = mostInUse; now > most && !mostInUse.compare_exchange_weak(most, now);) continue;
+  for (size_t most = peakInUse; now > most && !peakInUse.compare_exchange_weak(most, now);) continue;
   return block;
 }
 
@@ -71,10 +71,10 @@ void refuseThreads() { threadsRefused = true; }
 
 long liveBlocks() { return live; }
 
-size_t mostMemoryOf(const std::function<void()>& run) {
-  const size_t before = mostInUse = inUse.load();
+size_t peakMemoryOf(const std::function<void()>& run) {
+  const size_t before = peakInUse = inUse.load();
   run();
-  return mostInUse - before;
+  return peakInUse - before;
 }
 
 }  // namespace test

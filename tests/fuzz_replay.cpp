@@ -1,9 +1,8 @@
-// Runs the seeds of a fuzzer, and every input that ever failed, through its target one by one, with any compiler and
-// without the fuzzer itself:
+// Runs the seeds of a fuzzer, and all inputs that once failed, through its target, with any compiler and without the
+// fuzzer itself:
 //   replay_KIND [--print] FUZZ KIND [OTHER_KIND]
-// reads all files of seeds/KIND and regressions/KIND in the folder FUZZ, and those of the other kind. The expected
-// results of readers are in seeds/results.txt, one line "KIND/FILE RESULT" each; --print prints these lines, to
-// regenerate that file.
+// The inputs are all files of seeds/KIND and regressions/KIND in the folder FUZZ, and those of the other kind. The
+// expected results of readers are the lines "KIND/FILE RESULT" of seeds/results.txt; --print prints new ones for it.
 
 #include <algorithm>
 #include <cstdint>
@@ -28,10 +27,10 @@ int main(int argc, char** argv) {
   const fs::path folder = arguments[0];
   const std::string prefix = arguments[1] + "/";
 
-  std::set<std::string> onRecord;
+  std::set<std::string> expected;
   std::ifstream record(folder / "seeds" / "results.txt", std::ios::binary);
   for (std::string line; std::getline(record, line);) {
-    if (line.starts_with(prefix)) onRecord.insert(line);
+    if (line.starts_with(prefix)) expected.insert(line);
   }
   std::set<fs::path> files;
   for (size_t i = 1; i < arguments.size(); ++i) {
@@ -41,24 +40,24 @@ int main(int argc, char** argv) {
     }
   }
 
-  bool right = !files.empty();
+  bool ok = !files.empty();
   for (const fs::path& file : files) {
     std::ifstream stream(file, std::ios::binary);
     const std::vector<char> bytes{std::istreambuf_iterator<char>(stream), {}};
-    // Of its exact size, so that the address sanitizer sees a byte read past it.
+    // A copy of exactly this size, so that the address sanitizer detects reads past the end.
     const std::vector<uint8_t> input(bytes.begin(), bytes.end());
-    std::fprintf(stderr, "%s\n", file.string().c_str());  // before its run: the last one printed is the one that failed
+    std::fprintf(stderr, "%s\n", file.string().c_str());  // before the run, to name an input that aborts
     LLVMFuzzerTestOneInput(input.data(), input.size());
     if (!fuzz::result) continue;
     const std::string line = prefix + file.filename().string() + " " + fuzz::result();
     if (print) {
       std::printf("%s\n", line.c_str());
-    } else if (onRecord.erase(line) == 0) {
-      std::fprintf(stderr, "not on record: %s\n", line.c_str());
-      right = false;
+    } else if (expected.erase(line) == 0) {
+      std::fprintf(stderr, "unexpected result: %s\n", line.c_str());
+      ok = false;
     }
   }
   if (print) return 0;
-  for (const std::string& line : onRecord) std::fprintf(stderr, "on record, but not found: %s\n", line.c_str());
-  return right && onRecord.empty() ? 0 : 1;
+  for (const std::string& line : expected) std::fprintf(stderr, "missing result: %s\n", line.c_str());
+  return ok && expected.empty() ? 0 : 1;
 }

@@ -1,5 +1,5 @@
-// Frames next to inaccessible pages, through every export and on every target: access outside the rows ends the
-// program, and changes between them are detected.
+// Frames next to inaccessible pages, through every export and on every target: access outside the rows crashes the
+// program, and changes between the rows are detected.
 
 #include <gtest/gtest.h>
 
@@ -28,8 +28,8 @@ std::vector<std::pair<int, int>> sizes() {
   return result;
 }
 
-// Renders separately and in place, in every layout, and compares with the result in ordinary memory.
-void expectRowsAlone(const std::vector<RowLayout>& layouts, const test::Render& render) {
+// Renders into a second frame and in place, in every layout, and compares with the result in ordinary memory.
+void expectAccessWithinRows(const std::vector<RowLayout>& layouts, const test::Render& render) {
   for (const auto& [width, height] : sizes()) {
     const std::vector<uint8_t> pixels = test::noise(size_t{4} * width * height, static_cast<unsigned>(width + height));
     std::vector<uint8_t> expected(pixels.size()), inPlace = pixels;
@@ -56,14 +56,14 @@ INSTANTIATE_TEST_SUITE_P(On, GuardPages, test::everyTarget(), test::targetName);
 TEST_P(GuardPages, BoundFrames) {
   const test::TemporaryFile file("negative.cube", test::negativeCube());
   for (const int strength : {50, 100}) {
-    expectRowsAlone(kDownwards, test::kLinked.grading(file.utf16(), strength));
-    expectRowsAlone(kUpwards, test::kLinked.grading(file.utf16(), strength));
+    expectAccessWithinRows(kDownwards, test::kLinked.grading(file.utf16(), strength));
+    expectAccessWithinRows(kUpwards, test::kLinked.grading(file.utf16(), strength));
   }
-  expectRowsAlone(kDownwards, test::kLinked.clarity(40, 80));
-  expectRowsAlone({kDownwards[0], kDownwards[1]}, test::kLinked.whiteBalance(0.2f, -0.1f));
+  expectAccessWithinRows(kDownwards, test::kLinked.clarity(40, 80));
+  expectAccessWithinRows({kDownwards[0], kDownwards[1]}, test::kLinked.whiteBalance(0.2f, -0.1f));
 }
 
-using Planes = test::Yv12<GuardedPlane>;  // each between its own pages
+using Planes = test::Yv12<GuardedPlane>;  // each plane between its own inaccessible pages
 
 TEST_P(GuardPages, BoundHdrFrames) {
   const test::HdrFolder folder(test::negativeCube(), "");

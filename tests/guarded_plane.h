@@ -1,4 +1,4 @@
-// Rows of bytes between inaccessible pages: one byte read or written outside them ends the program.
+// Rows of bytes between inaccessible pages: reading or writing one byte outside them crashes the program.
 #pragma once
 
 #include <sys/mman.h>
@@ -14,8 +14,8 @@ namespace test {
 /// The layout of rows in memory.
 struct RowLayout {
   enum Distance { kPacked, kPadded, kPageBetween };
-  Distance distance = kPacked;  ///< kPageBetween also puts inaccessible pages between the rows
-  bool againstEnd = false;      ///< the last byte is before an inaccessible page; otherwise the first is after one
+  Distance distance = kPacked;  ///< with kPageBetween, there are inaccessible pages between the rows too
+  bool againstEnd = false;      ///< the last byte, rather than the first, is next to an inaccessible page
   bool upwards = false;         ///< a negative stride: the first row has the highest address
 };
 inline void PrintTo(const RowLayout& layout, std::ostream* out) {
@@ -58,7 +58,7 @@ class GuardedPlane {
     for (int y = 0; y < rows_; ++y) bytes.insert(bytes.end(), row(y), row(y) + rowBytes_);
     return bytes;
   }
-  /// True when the accessible bytes outside the rows are unchanged. Overwrites the rows.
+  /// Returns whether the accessible bytes outside the rows are unchanged. Overwrites the rows.
   bool paddingIntact() {
     for (int y = 0; y < rows_; ++y) std::fill_n(row(y), rowBytes_, kPadding);
     bool intact = true;
@@ -74,7 +74,7 @@ class GuardedPlane {
   static size_t pages(size_t bytes) { return (bytes + page() - 1) / page() * page(); }
   uint8_t* row(int y) const { return first_ + static_cast<ptrdiff_t>(step_) * y; }
 
-  // The pages that contain rows, each at least once.
+  // Calls `action` at least once for each page that contains rows.
   template <class Action>
   void forEachPage(const Action& action) const {
     for (int y = 0; y < rows_; ++y) {

@@ -1,10 +1,10 @@
 #!/bin/sh
-# What ships is built so that faults in it are hard to make use of: hardening.sh LIBRARY_OR_PROGRAM...
+# Shipped binaries are built with hardening against exploits: hardening.sh LIBRARY_OR_PROGRAM...
 set -eu
 for file; do
-  looked=$(readelf -dlW "$file"; nm -D "$file")
+  dump=$(readelf -dlW "$file"; nm -D "$file")
   for word in GNU_RELRO BIND_NOW 'GNU_STACK .* RW ' __stack_chk_fail; do
-    echo "$looked" | grep -q "$word" || { echo "$file has no $word"; exit 1; }
+    echo "$dump" | grep -q "$word" || { echo "$file has no $word"; exit 1; }
   done
   objdump -d "$file" | grep -q endbr64
 done

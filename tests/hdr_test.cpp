@@ -1,5 +1,5 @@
-// The HDR LUT files are loaded once per process: ctest runs each of these tests in its own process. Run together, they
-// reset the shared data in between.
+// The HDR LUT files are loaded once per process. ctest runs each test in its own process; tests that share one drop the
+// loaded data in between.
 
 #include <gtest/gtest.h>
 
@@ -26,7 +26,7 @@ struct Object {
   ~Object() { DestroyVideoAdjustColor(handle); }
 };
 
-// A frame of this many rows of 100 pixels: a large one from 100 rows on, a small one below.
+// Converts a frame of 100 pixels by `rows`, which counts as large from 100 rows on.
 Bytes frameOf(const HdrFolder& folder, bool pq, int rows, int reserved = 0) {
   const Object object(folder.folder(), 0, pq, 100, rows);
   Yv12Frame src(100, rows), dst(100, rows);
@@ -45,8 +45,8 @@ Bytes frameOf(const HdrFolder& folder, bool pq, int rows, int reserved = 0) {
   return dst.packed();
 }
 
-// Both paths, pixel for pixel: the first rows are the same, but the last pair of the small frame depends on the rows
-// below it.
+// Checks both paths, pixel by pixel. The last row of the small frame is not compared: in the large one it depends on the
+// chroma below.
 void expectFrames(const HdrFolder& folder, bool pq, bool black) {
   const Bytes small = frameOf(folder, pq, 98), large = frameOf(folder, pq, 100, 12345);
   EXPECT_TRUE(std::equal(small.begin(), small.begin() + 9700, large.begin())) << "luma";
@@ -104,7 +104,7 @@ struct Pair {
   std::string hlg, pq;
   int hlgSize, pqSize;  // shared, used by the frames
   bool hlgBlack, pqBlack, loadOk;
-  int lastCell;  // of the object's own tables, which are only filled for a valid header
+  int lastCell;  // of the object's own tables, which are filled only after a valid header
 };
 void PrintTo(const Pair& pair, std::ostream* out) { *out << pair.name; }
 class HdrPair : public testing::TestWithParam<Pair> {};

@@ -1,7 +1,6 @@
 #!/bin/sh
-# The host program as a person uses it: pictures in, pictures out, and clear messages when that fails. The trace ends
-# with
-# the failed command.
+# The host program as a user runs it: pictures in, pictures out, and clear messages on failure. The trace ends with the
+# failed command.
 #   host_program.sh LUMVANE-HOST SAMPLES FOLDER_OF_LOCALES
 set -eux
 host=$1 samples=$2 locales=$3
@@ -25,7 +24,7 @@ cmp same.png many/one.png
 ln -s clear.png warm.png
 "$host" whitebalance --temperature 0.2 --tint -0.05 many/one.png warm.png
 [ -h warm.png ]
-# What is replaced keeps its permissions and its other names.
+# An overwritten file keeps its permissions and its hard links.
 chmod 600 clear.png
 ln clear.png other.png
 "$host" whitebalance many/one.png clear.png
@@ -35,7 +34,7 @@ rm other.png
 [ "$(stat -c %a clear.png)" = 600 ]
 
 # Greys of the HDR LUTs: 50 % and 75 % of HLG are 50.7 and 203 cd/m2, 50 % of PQ is 92.2. Light up to 88 cd/m2 is kept,
-# on a display of 203 cd/m2 and gamma 2.4. And a green outside BT.709, which is moved to its edge.
+# on a display of 203 cd/m2 and gamma 2.4. The last line is a green outside BT.709, which moves to the gamut boundary.
 "$host" hdr-luts --size 5 luts
 while read -r name line rgb; do
   [ "$(sed -n "${line}s/\(\.....\)../\1/gp" luts/HDR_"$name".cube)" = "$rgb" ]
@@ -54,8 +53,8 @@ done
 sed '1s/LIMITED/FULL/' hlg.y4m | "$host" hdr --luts luts --transfer hlg - out-full.y4m
 "$host" hdr --luts luts --transfer hlg --range full hlg.y4m - | cmp - out-full.y4m
 
-# Made of a published cube, a LUT gives what FFmpeg makes of that cube, with its codes and domain, for all but the few
-# colours beside a value below 0. The library's own rounding takes up to 1.
+# A LUT made from a third-party cube gives FFmpeg's result for that cube, with its codes and domain, except for the few
+# colours next to a negative value. The library's rounding differs by up to 1.
 # shellcheck disable=SC2016  # programs of awk
 if command -v ffmpeg; then
   "$host" scene --width 320 --height 180 in.ppm
@@ -89,14 +88,14 @@ fi
 ln -s one.png many/link.png
 mkfifo pipe.cube
 mkdir -p damaged made
-head -n 99 luts/HDR_HLG.cube >damaged/HDR_HLG.cube  # points that hold, among them a grey
+head -n 99 luts/HDR_HLG.cube >damaged/HDR_HLG.cube  # valid points, including a grey
 { printf 'P6 30000 30000 255 '; head -c 99999 /dev/zero; } >huge.ppm
-latin=$(printf 'gr\374n')  # no UTF-8
+latin=$(printf 'gr\374n')  # not UTF-8
 cp silver.3dl "$latin.3dl"
-red=$(printf '\033[31mred')  # what turns a terminal red
+red=$(printf '\033[31mred')  # turns a terminal red
 hdr='hdr --transfer hlg --luts'
 while IFS='|' read -r code words input arguments; do
-  if [ "$words" = --memory ] && ldd "$host" | grep libasan; then continue; fi  # it takes terabytes, and has no limit
+  if [ "$words" = --memory ] && ldd "$host" | grep libasan; then continue; fi  # the address sanitizer reserves terabytes
   eval "$input" >input.y4m
   # shellcheck disable=SC2015,SC2086  # a list of words
   message=$("$host" $arguments <input.y4m 2>&1) && status=0 || status=$?
@@ -141,15 +140,15 @@ done <<CASES
 2|two pictures|cp graded-compare.png one-compare.png|clarity --compare many/one.png one-compare.png x
 CASES
 cmp kept.y4m hlg.y4m
-[ -s "$latin/one.png" ]  # one bad picture keeps no other from being graded
+[ -s "$latin/one.png" ]  # one bad picture does not keep others from being graded
 
-# A picture taken in portrait orientation (EXIF orientation 6) comes out upright.
+# A picture taken in portrait orientation (EXIF orientation 6) is turned upright.
 printf '\377\330\377\341\0\042Exif\0\0MM\0\052\0\0\0\010\0\001\001\022\0\003\0\0\0\001\0\006\0\0\0\0\0\0' >turned.jpg
 tail -c +3 many/two.jpg >>turned.jpg
 "$host" whitebalance turned.jpg upright.png
 [ "$(od -An -tu1 -j16 -N8 upright.png | tr -s ' ')" = " 0 0 0 36 0 0 0 64" ]
 
-# A JPEG file keeps quality and chroma, and colours with a profile become sRGB: that of this one has red and green swapped.
+# A JPEG file keeps quality and chroma sampling. Colours with a profile become sRGB: this one swaps red and green.
 "$host" clarity --quality 40 many/one.png forty.jpg
 "$host" clarity forty.jpg again.jpg
 cmp -n 600 forty.jpg again.jpg
@@ -170,7 +169,7 @@ if ldd "$host" | grep liblcms2; then
   done
 fi
 
-# An interrupted run leaves nothing, like a failed one, also where a file may not be as large.
+# An interrupted run leaves no files, nor does a failed one, even when it reaches the limit of the file size.
 (ulimit -f 8 && "$host" scene x.png) 2>/dev/null || [ $? -eq 4 ]
 for signal in INT TERM QUIT; do
   timeout -s $signal 0.3 "$host" hdr-clip --transfer hlg --frames 100000 x.y4m || [ $? -eq 124 ]

@@ -21,10 +21,10 @@ namespace test {
 
 using Bytes = std::vector<uint8_t>;
 
-/// The step of loops over all colours and the like: 1, but larger under a sanitizer and without optimisation, which are
-/// ten times slower and find the same in each.
+/// The step of exhaustive loops, such as those over all colours: 1, but larger under a sanitizer or without
+/// optimisation, where they would take ten times as long and find nothing more.
 #if defined(LUMVANE_SANITIZED) || !defined(__OPTIMIZE__)
-constexpr int kStep = 15;  // 255 is a multiple
+constexpr int kStep = 15;  // divides 255
 #else
 constexpr int kStep = 1;
 #endif
@@ -48,7 +48,7 @@ class TemporaryFile {
   std::filesystem::path path_;
 };
 
-/// The two files that HDR objects load, in their own folder; no file for an empty text.
+/// The two files that HDR objects load, in a temporary folder; an empty text means no file.
 class HdrFolder : public TemporaryFile {
  public:
   HdrFolder(const std::string& hlg, const std::string& pq) : TemporaryFile("marker", "") {
@@ -60,11 +60,11 @@ class HdrFolder : public TemporaryFile {
 /// A .CUBE text of 2 points per axis that inverts every colour.
 inline std::string negativeCube() { return "LUT_3D_SIZE 2\n1 1 1\n0 1 1\n1 0 1\n0 0 1\n1 1 0\n0 1 0\n1 0 0\n0 0 0\n"; }
 
-/// The kind of values in a table, on the scale of 0 to 255.
+/// The kind of values in a table; colours are 0 to 255.
 enum class Values {
   kColours,  ///< random, slightly out of range on both sides, some of them integers
   kHalves,   ///< integers and halves, -300 to 300, and the floats next to them
-  kWild,     ///< one in 30 tiny, huge, infinite or NaN: reveals each point that is read at weight 0
+  kWild,     ///< one in 30 tiny, huge, infinite or NaN: reveals points that are read at weight 0
 };
 
 /// A .CUBE text of random values, the same on every system.
@@ -72,7 +72,7 @@ inline std::string randomCube(int size, Values values = Values::kColours) {
   static const char* const kOdd[] = {"1e99", "-1e99", "nan",   "1e9",    "-3e9", "3e38",       "1e6",
                                      "-1e6", "1e19",  "1e-40", "-1e-40", "-0",   "2147483520", "2147483648"};
   std::mt19937 random(static_cast<unsigned>(size));
-  // With this maximum the factor of the values is exactly 1.
+  // This maximum makes the scale of the values exactly 1.
   std::string text = "LUT_3D_SIZE " + std::to_string(size) + "\nDOMAIN_MAX 0.0039215688 0.0039215688 0.0039215688\n";
   for (int i = 0; i < size * size * size * 3; ++i) {
     const auto number = static_cast<uint32_t>(random()), kind = static_cast<uint32_t>(random());
@@ -104,7 +104,7 @@ inline Bytes harshNoise(size_t bytes, unsigned seed) {
   return result;
 }
 
-/// Every colour once, in steps of kStep, as bytes 2, 1, 0 of its number; alpha from `alphaOf`.
+/// Every colour once, in steps of kStep: the three low bytes of its number, lowest first, and alpha from `alphaOf`.
 template <class AlphaOf>
 Bytes everyColour(const AlphaOf& alphaOf) {
   Bytes pixels;
@@ -116,8 +116,8 @@ Bytes everyColour(const AlphaOf& alphaOf) {
   return pixels;
 }
 
-/// A frame, BGRA or one byte per pixel, with its rows `stride` bytes apart and known bytes before, between and after
-/// them. With a negative stride the top row is last.
+/// A frame, BGRA or one byte per pixel, with rows `stride` bytes apart and guard bytes before, between and after them.
+/// With a negative stride the top row is last.
 struct Frame {
   static constexpr uint8_t kGuard = 0xA5;
   static constexpr size_t kBorder = 256;
@@ -147,7 +147,7 @@ struct Frame {
     return result;
   }
 
-  /// True when no byte outside the rows has changed.
+  /// Returns whether no byte outside the rows has changed.
   bool guardsIntact() {
     Frame blank = *this;
     for (int y = 0; y < height; ++y) std::fill_n(blank.row(y), rowBytes, kGuard);

@@ -1,5 +1,4 @@
-// The vector forms of all row kernels, on every target, are compared with their plain forms, byte for byte and bit for
-// bit.
+// Compares the vector forms of all row kernels, on every target, with their plain forms, bit for bit.
 
 #include <gtest/gtest.h>
 
@@ -26,7 +25,7 @@ namespace {
 
 using test::Bytes;
 
-// The kernels of all groups: plain, or of the current target.
+// All groups of kernels: the plain ones, or those of the current target.
 struct Tables {
   const GradeKernels& grade;
   const HdrKernels& hdr;
@@ -43,7 +42,7 @@ Tables ofTarget() {
           pyramidKernels(), yv12Kernels(), whiteBalanceKernel()};
 }
 
-// The rows of one call.
+// The rows passed in one call.
 struct Rows {
   const uint8_t* in[5];
   uint8_t* out[4];
@@ -67,14 +66,14 @@ size_t sizeOf(Kind kind, size_t pixels) {
   }
 }
 
-// A kernel, its inputs and outputs; its other arguments follow from one number.
+// A kernel, its inputs and outputs; one number determines its other arguments.
 struct Kernel {
   const char* name;
   std::vector<Kind> in, out;
   std::vector<float> parameters;
   void (*call)(const Tables& of, const Rows& rows, size_t pixels, float parameter);
   bool inPlace = true;  // the first output row may be the first input row
-  size_t fewestPixels = 0;
+  size_t minPixels = 0;
 };
 
 template <test::Values values = test::Values::kWild>
@@ -224,9 +223,9 @@ const Kernel* const kKernels[] = {&kGrade,      &kGradeAndFade, &kFade,      &kH
                                   &kAnalysis,   &kDetail,       &kBlend,     &kSynthesis, &kToRgb,        &kFromRgb,
                                   &kHdrLattice, &kDownAcross,   &kDownAlong, &kUpAcross,  &kUpAlong};
 
-constexpr size_t kBorder = 129;  // known bytes around the output; no vector is longer
+constexpr size_t kBorder = 129;  // guard bytes around the output; no vector is longer
 
-// The output of a kernel for rows that start `start` bytes, or floats, off any alignment.
+// Returns the output of a kernel for rows that start `start` bytes, or floats, off any alignment.
 std::array<Bytes, 4> results(const Kernel& kernel, const Tables& of, const std::vector<Bytes>& in, size_t pixels,
                              float parameter, size_t start, bool inPlace) {
   Rows rows = {};
@@ -235,13 +234,13 @@ std::array<Bytes, 4> results(const Kernel& kernel, const Tables& of, const std::
   const auto isFloats = [](Kind kind) { return kind == kFloats || kind == kHalfFloats || kind == kTwiceFloats; };
   const auto startOf = [&](Kind kind) { return isFloats(kind) ? 4 * start : start; };
   for (size_t i = 0; i < kernel.in.size(); ++i) {
-    // Of its exact size, so that the address sanitizer sees a byte read past it.
+    // Of exactly the right size, so that the address sanitizer detects reads past the end.
     Bytes& row = read.emplace_back(startOf(kernel.in[i]));
     row.insert(row.end(), in[i].begin(), in[i].begin() + static_cast<ptrdiff_t>(sizeOf(kernel.in[i], pixels)));
   }
   for (size_t i = 0; i < kernel.in.size(); ++i) rows.in[i] = read[i].data() + startOf(kernel.in[i]);
   for (size_t i = 0; i < kernel.out.size(); ++i) {
-    // All kinds of bytes, because some kernels also read them. Aligned for floats as far as the start allows.
+    // Varied bytes, because some kernels also read the output. Aligned for floats as far as the start allows.
     const size_t begin = (isFloats(kernel.out[i]) ? kBorder / 4 * 4 : kBorder) + startOf(kernel.out[i]);
     written[i].resize(begin + sizeOf(kernel.out[i], pixels) + kBorder);
     for (size_t k = 0; k < written[i].size(); ++k) written[i][k] = static_cast<uint8_t>(k * k >> 3);
@@ -255,7 +254,7 @@ std::array<Bytes, 4> results(const Kernel& kernel, const Tables& of, const std::
   return written;
 }
 
-// Empty when both forms give the same bytes, separate and in place, and the same around the rows.
+// Describes the first difference between both forms, within or around the rows, separate or in place; empty if none.
 std::string differences(const Kernel& kernel, const std::vector<Bytes>& in, size_t pixels, float parameter,
                         size_t start = 0) {
   for (const bool inPlace : {false, true}) {
@@ -281,7 +280,7 @@ Bytes bytesOf(const std::vector<float>& floats) {
   return {bytes, bytes + 4 * floats.size()};
 }
 
-// From 0 to 1, one in eight of them at or next to the ends.
+// Random floats from 0 to 1, one in eight from a list of edge cases.
 std::vector<float> unitFloats(size_t count, unsigned seed) {
   constexpr float kEnds[] = {0.0f, 1e-45f, 1e-38f, 1e-7f, 0.5f, 2 / 3.0f, 0.99999994f, 1.0f};
   std::mt19937 random(seed);
@@ -296,10 +295,10 @@ std::vector<float> unitFloats(size_t count, unsigned seed) {
 class RowKernels : public test::EveryTarget {};
 INSTANTIATE_TEST_SUITE_P(On, RowKernels, test::everyTarget(), test::targetName);
 
-// Up to slightly more than three of the widest vectors of any kernel.
+// Widths up to slightly more than three of the widest vectors of any kernel.
 TEST_P(RowKernels, StayWithinTheirRowAtEveryWidth) {
   for (const Kernel* const kernel : kKernels) {
-    for (size_t pixels = kernel->fewestPixels; pixels <= 3 * 64 + 3; ++pixels) {
+    for (size_t pixels = kernel->minPixels; pixels <= 3 * 64 + 3; ++pixels) {
       for (size_t start = 0; start < 4; ++start) {
         std::vector<Bytes> in;
         const auto seed = static_cast<unsigned>(4 * pixels + start);
@@ -324,8 +323,7 @@ TEST_P(RowKernels, AgreeOnEveryColour) {
   }
 }
 
-// All pairs of bytes at all 256 weights. Above, the output starts as noise, and in place source and output are one,
-// which covers less.
+// All pairs of bytes at all 256 weights, which the noise above and frames in place do not cover.
 TEST_P(RowKernels, FadeEveryPairOfBytes) {
   Bytes src(65536), graded(65536);
   for (size_t i = 0; i < src.size(); ++i) src[i] = static_cast<uint8_t>(i >> 8), graded[i] = static_cast<uint8_t>(i);
@@ -337,8 +335,8 @@ TEST_P(RowKernels, FadeEveryPairOfBytes) {
   }
 }
 
-// Every difference of samples from 0 to 1 whose weight is not 1, and further, as far as resampling may overshoot; then
-// smaller ones of both signs, down to those whose square underflows.
+// Every difference whose weight is not 1, up to 1.1 because resampling may overshoot; then smaller ones of both signs,
+// down to those whose square underflows.
 TEST_P(RowKernels, RaiseEveryDetail) {
   constexpr uint32_t kBlock = 1 << 16;
   const std::vector<float> zeros(kBlock);

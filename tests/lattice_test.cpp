@@ -1,4 +1,4 @@
-// The result of a LUT for one colour, from the definitions: cells, tetrahedra, bytes.
+// The result of a LUT for one colour, from its definition: cells and bytes.
 
 #include <gtest/gtest.h>
 
@@ -17,8 +17,8 @@ namespace {
 
 constexpr float kInfinity = std::numeric_limits<float>::infinity();
 
-// Includes the values that 255 / (N - 1) puts right next to a lattice point. Vector forms multiply where the tables
-// divide.
+// Includes sizes where 255 / (N - 1) is rounded so that byte 255 falls just above the last point. Vector forms multiply
+// where the tables divide.
 TEST(InterpolationTables, PlaceBytesInTheirCells) {
   const auto lut = std::make_unique<CubeLut>();
   lut->status = statusOk;

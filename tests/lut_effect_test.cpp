@@ -25,7 +25,7 @@ struct Effect {
 TEST(LutEffect, IsCreatedByPathAndExtension) {
   std::string threeDl = "0 511 1023\n";
   for (int i = 0; i < 27; ++i) threeDl += "4095 0 0\n";
-  // Names by the format that gives an effect: neither, .cube, .3dl.
+  // File names by the format they are read as: none, .cube, .3dl.
   const std::vector<const char16_t*> names[] = {
       {u"grade.cube.bak", u"grade", u"grade.txt", u"dir.cube/grade"},
       {u"grade.cube", u"grade.Cube", u"grade.CUBE", u"v1.2/my.look.cube", u".cube", u"gr\u00e4de \u8272.cube",
@@ -87,7 +87,7 @@ TEST(LutEffect, FadesByStrength) {
   }
 }
 
-// The fade sees the graded pixel in source and destination alike.
+// In place, the fade finds the graded pixel in both source and destination.
 TEST(LutEffect, GradesInPlaceAtFullStrength) {
   const TemporaryFile file("random.cube", test::randomCube(9));
   const Effect effect(file.utf16());

@@ -1,6 +1,5 @@
-// The readers of both LUT text formats. Their results for whole texts, broken ones and unusual numbers are recorded
-// with the seeds of the fuzzers; here is the rest: the order of the rows, large tables, streams of all kinds, random
-// numbers.
+// The readers of both LUT text formats: the order of the rows, large tables, streams of all kinds, random numbers. The
+// results for complete, broken and unusual texts are recorded with the seeds of the fuzzers.
 
 #include <gtest/gtest.h>
 #ifndef _WIN32
@@ -31,7 +30,7 @@ std::unique_ptr<CubeLut> read(std::istream& stream, Reader reader = &CubeLut::re
   return lut;
 }
 
-// A table after the header in `text`, with its rows numbered in the first column.
+// Reads `text`, a header, followed by `count` rows with their numbers in the first column.
 std::unique_ptr<CubeLut> readNumberedRows(std::string text, int count, Reader reader) {
   for (int i = 0; i < count; ++i) text += std::to_string(i) + " 4095 0.7\n";
   std::istringstream stream(text);
@@ -82,7 +81,7 @@ TEST(LutReaders, LeaveTheStatusWithoutAFile) {
   }
 }
 
-// Gives `text` in pieces of `piece` bytes and then throws `error`, or just ends.
+// Returns `text` in pieces of `piece` bytes, then throws `error`, if any, or ends.
 class Stream : public std::streambuf {
  public:
   Stream(std::string text, size_t piece, std::exception_ptr error)
@@ -108,8 +107,8 @@ std::unique_ptr<CubeLut> readInPieces(const std::string& text, size_t piece, std
   return read(stream);
 }
 
-// Rows of all forms, over 100 kB in total. In between are comments longer than any block, and rows longer than the
-// limit, which cuts numbers at arbitrary positions.
+// Rows of all forms, over 100 kB in total, with comments longer than any block, and rows longer than the limit, which
+// cuts numbers at arbitrary positions.
 TEST(LutReaders, ReadTheSameInPiecesOfAnySize) {
   std::string text = "# " + std::string(100, 'x') + "\nLUT_3D_SIZE 29\n";
   std::mt19937 random(1);
@@ -156,7 +155,7 @@ TEST(LutReaders, KeepRowsReadBeforeAnError) {
 
 bool same(float a, float b) { return std::memcmp(&a, &b, sizeof a) == 0 || (std::isnan(a) && std::isnan(b)); }
 
-// Numbers read without the C library equal the C library's.
+// Checks that scanDecimal reads what the C library reads, or, unless `expectRead`, leaves the number to it.
 void expectNearest(const std::string& text, bool expectRead) {
   float value = -1.0f;
   const char* const end = scanDecimal(text.c_str(), value);
@@ -172,7 +171,7 @@ TEST(LutReaders, RoundDecimalsToTheNearestFloat) {
     if (decimals != 0) text.insert(text.size() - decimals, ".");
     expectNearest((random() % 2 == 0 ? "-" : "") + text, text.size() <= 7);
   }
-  // Half-way between two floats, where the even one is right, and next to it.
+  // Half-way between two floats, where the even one is correct, and close to it.
   for (int i = 0; i < 100000; ++i) {
     const float lower =
         std::ldexp(static_cast<float>(1 << 23 | random() % (1 << 23)), -static_cast<int>(random() % 40));

@@ -1,4 +1,4 @@
-// Makes each allocation of each export fail in turn: the exception leaves the call, no incomplete handle or frame is
+// Makes each allocation of each export fail in turn: the exception reaches the caller, no incomplete handle or frame is
 // returned, nothing leaks, and the next call works.
 
 #include <gtest/gtest.h>
@@ -16,7 +16,7 @@
 #include "tests/failing_allocator.h"
 
 #ifdef LUMVANE_SANITIZED
-// See Call::mayLose.
+// See Call::mayLeak.
 extern "C" const char* __lsan_default_suppressions();
 const char* __lsan_default_suppressions() { return "leak:cv::fastMalloc\n"; }
 #endif
@@ -50,7 +50,7 @@ Frames& frames() {
   return instance;
 }
 
-// An effect: creating it, rendering a frame, destroying it.
+// The calls of an effect.
 struct Effect {
   void* (*create)(Frames&);
   bool (*render)(Frames&, void* handle);  ///< false for a rejected frame
@@ -84,7 +84,7 @@ struct Call {
   const char* name;
   Effect effect;
   enum { kCreate, kFirstCreate, kFrame } fails;
-  bool mayLose = false;  ///< OpenCV leaks the pixels of a matrix if it cannot allocate the header
+  bool mayLeak = false;  ///< OpenCV leaks the pixels of a matrix if it cannot allocate the header
 };
 void PrintTo(const Call& call, std::ostream* out) { *out << call.name; }
 const Call kCalls[] = {{"CubeLoad", kCube, Call::kCreate},
@@ -99,7 +99,7 @@ const Call kCalls[] = {{"CubeLoad", kCube, Call::kCreate},
 
 enum class Outcome { kDone, kRefused, kThrew };
 
-// Creates an effect and renders a frame. In the call under test allocation `which` fails, or none for 0.
+// Creates an effect and renders a frame. Allocation `which` of the call under test fails, or none if it is 0.
 Outcome attempt(const Call& call, long which, Failing failing, long& failures) {
   Frames& f = frames();
   const Effect& effect = call.effect;
@@ -119,14 +119,14 @@ Outcome attempt(const Call& call, long which, Failing failing, long& failures) {
   return outcome;
 }
 
-// Makes one allocation after the other fail. Returns how many there are.
+// Makes each allocation of the call fail in turn. Returns their number.
 long failEach(const Call& call, Failing failing, const Bytes& expected) {
   long failures = 0;
   for (long which = 1;; ++which) {
     if (call.fails == Call::kFirstCreate) Lumvane::dropHdrData();
     const Outcome outcome = attempt(call, which, failing, failures);
     EXPECT_NE(outcome, Outcome::kRefused) << "allocation " << which;
-    // A call that recovers from the failure has to give the right bytes.
+    // A call that recovers from the failure must give the right bytes.
     EXPECT_TRUE(outcome != Outcome::kDone || frames().written() == expected) << "allocation " << which;
     if (failures == 0) return which - 1;
     long none;
@@ -137,10 +137,10 @@ long failEach(const Call& call, Failing failing, const Bytes& expected) {
 
 class MemoryFailure : public testing::TestWithParam<Call> {};
 
-TEST_P(MemoryFailure, PassesOutOfTheCall) {
+TEST_P(MemoryFailure, ReachesTheCaller) {
   const Call& call = GetParam();
   cv::setNumThreads(2);
-  // OpenCV's thread pool is started before anything fails.
+  // Starts OpenCV's thread pool before anything fails.
   cv::parallel_for_(cv::Range(0, 64), [](const cv::Range&) {});
   long none;
   attempt(call, 0, Failing::kOnce, none);
@@ -149,11 +149,11 @@ TEST_P(MemoryFailure, PassesOutOfTheCall) {
   failEach(call, Failing::kOnce, expected);
   const long live = test::liveBlocks();
   const long allocations = failEach(call, Failing::kOnce, expected);
-  EXPECT_LE(test::liveBlocks(), live + (call.mayLose ? allocations : 0));
+  EXPECT_LE(test::liveBlocks(), live + (call.mayLeak ? allocations : 0));
   std::cout << allocations << " allocations\n";
 }
 
-#ifdef LUMVANE_OWN_MALLOC  // sanitizers themselves need descriptors
+#ifdef LUMVANE_OWN_MALLOC  // sanitizers need file descriptors themselves
 TEST(HdrFirstCreate, IsTriedAgainAfterNoFileCouldBeOpened) {
   frames();
   Lumvane::dropHdrData();
@@ -167,10 +167,10 @@ TEST(HdrFirstCreate, IsTriedAgainAfterNoFileCouldBeOpened) {
   EXPECT_GT(Lumvane::hdrTransferData(true).latticeSize, 0);
 }
 
-// Renders in a new process, in which allocation `which` fails while the thread pool starts; with 0 no thread can be
-// created, below 0 nothing fails. Returns a checksum from 1 to 255, 0 if there is no such allocation, or below 0 if a
-// signal ended the process.
-int renderElsewhere(const Call& call, long which) {
+// Renders in a new process, where allocation `which` fails while the thread pool starts; 0: no thread can be created;
+// negative: nothing fails. Returns a checksum from 1 to 255, 0 if there is no such allocation, or the negative number of
+// the signal that ended the process.
+int renderInChild(const Call& call, long which) {
   const pid_t child = fork();
   if (child == 0) try {
       alarm(10);
@@ -190,19 +190,19 @@ int renderElsewhere(const Call& call, long which) {
   return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
 }
 
-// Needs a process in which no pool has been started, because fork() does not copy its threads.
-TEST(PoolOfThreads, MayFailToStart) {
+// Needs a process without a running pool, because fork() does not copy its threads.
+TEST(ThreadPool, MayFailToStart) {
   frames();
   const std::filesystem::directory_iterator tasks("/proc/self/task");
-  if (std::distance(begin(tasks), end(tasks)) > 1) GTEST_SKIP() << "the pool is running already";
+  if (std::distance(begin(tasks), end(tasks)) > 1) GTEST_SKIP() << "the pool is already running";
   const Call firstUses[] = {{"LutFrame", kCube, Call::kFrame},
                             {"ClarityFrame", kClarity, Call::kFrame},
                             {"HdrFirstCreate", kHdr, Call::kFirstCreate}};
   for (const Call& call : firstUses) {
-    const int expected = renderElsewhere(call, -1);
-    EXPECT_EQ(renderElsewhere(call, 0), expected) << call.name << " without threads";
+    const int expected = renderInChild(call, -1);
+    EXPECT_EQ(renderInChild(call, 0), expected) << call.name << " without threads";
     long which = 1;
-    for (int found; call.fails == Call::kFrame && (found = renderElsewhere(call, which)) != 0; ++which) {
+    for (int found; call.fails == Call::kFrame && (found = renderInChild(call, which)) != 0; ++which) {
       EXPECT_EQ(found, expected) << call.name << ", allocation " << which;
     }
   }

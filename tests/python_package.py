@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""The package against the library's own bytes, for arrays of every kind: python_package.py PYTHON LIBRARY SAMPLES"""
+"""Compares the package with the library for all kinds of arrays: python_package.py PYTHON LIBRARY SAMPLES"""
 
 import os
 import shutil
@@ -9,7 +9,7 @@ import tempfile
 try:
     import numpy as np
 except ImportError:
-    print("skipped: there is no NumPy")
+    print("skipped: NumPy is not installed")
     sys.exit(77)
 
 folder, os.environ["LUMVANE_LIBRARY"], samples = sys.argv[1:]
@@ -42,7 +42,7 @@ for name, (effect, raw) in table.items():
         effect(held[view], out=held[view])
         assert (held[view] == expected).all(), (name, view, "in place")
         held[view] = noise[view]
-        assert (held == noise).all(), (name, view, "what lies between")
+        assert (held == noise).all(), (name, view, "bytes in between")
         swapped = effect(picture[..., [2, 1, 0, 3]], order="RGBA")
         assert (swapped[..., [2, 1, 0, 3]] == expected).all(), (name, view, "RGBA")
     opaque = np.dstack([noise[..., :3], np.full(noise.shape[:2], 255, np.uint8)])
@@ -79,7 +79,7 @@ for error, words, call in [
                                                   lumvane.HdrToBt709(f"{hdr.name}/other", size=(2, 2))])]:
     try:
         call()
-    except error as told:
-        assert words in str(told), told
+    except error as raised:
+        assert words in str(raised), raised
     else:
         raise AssertionError(f"no error about {words}")

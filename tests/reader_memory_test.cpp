@@ -1,4 +1,4 @@
-// A reader's memory does not depend on its file: sizes that no fuzzer produces.
+// The memory of a reader does not grow with its file, here at sizes that no fuzzer produces.
 
 #include <gtest/gtest.h>
 
@@ -32,7 +32,7 @@ TEST(ReaderMemory, StaysBelowOneMebibyte) {
     for (const char* start : {"# \n", "# \nLUT_3D_SIZE 2\n", "# \nLUT_3D_SIZE 256\n"}) {
       for (const Reader& read : readers) {
         std::istringstream stream(start + text + "\n");
-        EXPECT_LE(test::mostMemoryOf([&] { read(stream); }), size_t{1} << 20) << text.substr(0, 40);
+        EXPECT_LE(test::peakMemoryOf([&] { read(stream); }), size_t{1} << 20) << text.substr(0, 40);
       }
     }
   }

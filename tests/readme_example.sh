@@ -1,5 +1,5 @@
 #!/bin/sh
-# The README's example compiles, as C and as C++: readme_example.sh README.md INCLUDE_FOLDER
+# The example in the README compiles as C and as C++: readme_example.sh README.md INCLUDE_FOLDER
 set -eu
 example=$(sed -n '/^```c$/,/^```$/p' "$1" | grep -v '^```')
 [ -n "$example" ]

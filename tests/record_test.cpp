@@ -1,5 +1,5 @@
-// The record of bytes: tests/record.txt has digests of many frames and tables. Every build must give the same, with
-// each vector instruction set and with the plain forms, on one thread and on three.
+// Compares frames and tables with their digests in tests/record.txt. They must be the same in every build, with each
+// vector instruction set and with the plain forms, on one thread and on three.
 //
 //   lumvane_record_test RECORD     compares
 //   lumvane_record_test --print    prints the list, for an intended change of bytes
@@ -29,8 +29,8 @@ using test::Render;
 using test::Values;
 using test::Yv12Frame;
 
-// FNV-1a by words of 64 bits (http://www.isthe.com/chongo/tech/comp/fnv/), with a shift after each product that moves
-// its upper bits down again.
+// FNV-1a on 64-bit words (http://www.isthe.com/chongo/tech/comp/fnv/); the shift after each product brings its upper
+// bits down.
 uint64_t digest(const void* data, size_t size) {
   uint64_t hash = 0xcbf29ce484222325 + size;
   for (size_t i = 0; i < size; i += 8) {
@@ -42,7 +42,7 @@ uint64_t digest(const void* data, size_t size) {
   return hash;
 }
 
-// Called for each line: a name and a digest.
+// Receives the name and the digest of each line.
 using Report = std::function<void(const std::string& name, uint64_t digest)>;
 
 template <class... Words>
@@ -53,7 +53,7 @@ std::string words(const Words&... all) {
 }
 
 constexpr bool kAllColours = test::kStep == 1;
-constexpr int kSide = 4096;  // of a frame with a pixel for every colour
+constexpr int kSide = 4096;  // of a frame with one pixel for every colour
 
 // Every colour once; one pixel in four is translucent.
 const Bytes& allColours() {
@@ -80,7 +80,7 @@ const Bytes& picture(int width, int height) {
 struct Size {
   int width, height;
 };
-// Around the 10000 pixels from which frames use threads, and with fewer rows than bands.
+// Around 10000 pixels, the limit for threads, and with fewer rows than bands.
 const std::vector<Size> kSizes = {{1, 1},     {3, 2},    {17, 5},   {99, 101},  {100, 100},
                                   {101, 100}, {1301, 8}, {4000, 3}, {10007, 1}, {641, 479}};
 constexpr int kWidest = 70;  // a little more than four of the widest vectors
@@ -97,8 +97,8 @@ void reportBytes(const Report& report, const std::string& name, const Bytes& byt
   report(name, digest(bytes.data(), bytes.size()));
 }
 
-// First all widths, in one digest; then frames of each size, separate, in place, and padded by these numbers of bytes
-// in source and destination; negative ones are bottom-up.
+// Reports all widths in one digest, then frames of each size: separate, in place, and with these paddings in bytes of
+// source and destination; negative ones mean bottom-up rows.
 void reportFrames(const Report& report, const std::string& name, const std::vector<Size>& sizes, const Render& render,
                   const std::vector<std::pair<int, int>>& paddings) {
   Bytes widths;
@@ -140,13 +140,13 @@ void reportLut(const Report& report, const std::string& lut, const std::u16strin
     add(all, rendered(64, 33, picture(64, 33), kLinked.grading(path, strength)));
   }
   if (inDetail) reportBytes(report, name + ", every strength", all);
-  // Two frames in one buffer, the destination one row above the source; small, because bands would race for the rows.
+  // Overlapping frames, the destination one row above the source; small, because parallel bands would race.
   Bytes both = picture(40, 31);
   kLinked.grading(path, 30)(both.data(), 0, &both[160], 0, 40, 30);
   reportBytes(report, name + ", a row apart", both);
 }
 
-// One byte per pixel, which no export uses.
+// Grading to one byte per pixel, which no export uses.
 void reportPlanes(const Report& report) {
   const auto lut = std::make_unique<Lumvane::CubeLut>();
   std::istringstream text(test::randomCube(17));
@@ -197,7 +197,7 @@ void reportClarity(const Report& report) {
     reportBytes(report, words("clarity, saturation ", saturation, ", all colours"),
                 rendered(kSide, kSide, allColours(), kLinked.clarity(saturation, 0, 64)));
   }
-  // Sides around those that add a level, and around the widths of vectors and of the chunks of a row.
+  // Sides around those that add a level, and widths around those of vectors and of the chunks of a row.
   std::vector<Size> sizes = {{640, 363}, {1920, 1080}, {1, 50},   {50, 1},   {2, 9},
                              {333, 65},  {65, 333},    {511, 70}, {513, 70}, {1025, 12}};
   for (const int side : {1, 2, 3, 4, 5, 7, 8, 9, 15, 16, 17, 31, 32, 33, 47, 63, 64, 65, 66, 129}) {
@@ -229,7 +229,7 @@ void reportWhiteBalance(const Report& report) {
     }
     reportBytes(report, words("white balance, every byte, tint ", tint), all);
   }
-  // From 16 MiB on frames are written past the caches, starting at a position that depends on the alignment.
+  // Frames from 16 MiB on are written past the caches, from a position that depends on the alignment.
   const Size large = {2053, 2050};
   reportFrames(report, "white balance", {{101, 100}, large}, kLinked.whiteBalance(0.3f, -0.1f), {});
   const Bytes& pixels = picture(large.width, large.height);
@@ -251,7 +251,7 @@ Yv12Frame converted(const std::u16string& folder, int flags, Yv12Frame src, int 
   return inPlace ? src : dst;
 }
 
-// Blocks of 16 by 16 pixels with one chroma value and each luma once: every colour, except at the edges of the blocks.
+// Blocks of 16 by 16 pixels with one chroma value and each luma once: all colours, but for the edges of the blocks.
 Yv12Frame allYv12Colours() {
   Yv12Frame frame(kSide, kSide);
   for (int y = 0; y < kSide; ++y) {
@@ -291,8 +291,8 @@ void reportHdrFrames(const Report& report, const std::u16string& folder) {
   }
 }
 
-// The caches computed by the first object of a process. A PQ file that ends in its header, after a good HLG file of
-// another size, leaves tables and a size from different files.
+// The caches that the first object of a process computes. A PQ file that ends in its header leaves the tables of the HLG
+// file with the size of the PQ file.
 void reportHdr(const Report& report) {
   const std::string endsInHeader = "LUT_3D_SIZE 9\nDOMAIN_MIN 0\n";
   for (const auto& [name, hlg, pq, frames] :
@@ -312,7 +312,7 @@ void reportHdr(const Report& report) {
   }
   Lumvane::dropHdrData();
   if (!kAllColours) return;
-  // BGRA pixels to planes directly, because few colours survive the LUTs.
+  // Converts BGRA pixels to planes directly, because few colours pass through the LUTs.
   for (const bool limited : {false, true}) {
     Yv12Frame dst(kSide, kSide);
     (limited ? imageRGBAToYV12BT709_Limited : imageRGBAToYV12BT709_Full)(allColours().data(), 4 * kSide, dst.y.data(),
@@ -350,15 +350,16 @@ TEST_P(Record, Holds) {
   test::useTarget(target);
   cv::setNumThreads(threads);
   reportAll([&](const std::string& name, uint64_t found) {
-    EXPECT_EQ(record.count(name), 1u) << name << " is not on record, or occurs twice";
+    EXPECT_EQ(record.count(name), 1u) << name << " is not in the record, or occurs twice";
     EXPECT_EQ(record[name], found) << name;
     record.erase(name);
   });
   test::useTarget(0);
-  for (const auto& [name, unused] : record) EXPECT_FALSE(kAllColours) << name << " is on record, but was not produced";
+  for (const auto& [name, unused] : record)
+    EXPECT_FALSE(kAllColours) << name << " is in the record, but was not produced";
 }
 
-// Where colours are sampled, only the newest instructions and the plain forms, which are first and last.
+// Where colours are sampled, only the newest instructions (first) and the plain forms (last).
 std::vector<int64_t> targets() {
   const std::vector<int64_t> all = hwy::SupportedAndGeneratedTargets();
   return kAllColours ? all : std::vector{all.front(), all.back()};

@@ -1,5 +1,5 @@
-// The library is loaded and unloaded again and again, with work between. OpenCV, whose pool of threads outlives that,
-// and Highway are dependencies of the test, and so stay.
+// Loads and unloads the library many times, with work in between. OpenCV, whose thread pool keeps running, and Highway
+// stay loaded, because the test itself depends on them.
 
 #include <dlfcn.h>
 #include <gtest/gtest.h>
@@ -21,9 +21,9 @@ namespace {
 
 constexpr const char* kLibrary = LUMVANE_TEST_LIBRARY;
 
-#if !defined(__OPTIMIZE__)  // HDR takes seconds to load then
+#if !defined(__OPTIMIZE__)  // here HDR takes seconds to load
 constexpr int kRounds = 20, kExits = 10;
-#elif defined(LUMVANE_SANITIZED)  // memory is not measured then: a sanitizer keeps what is freed for a while
+#elif defined(LUMVANE_SANITIZED)  // memory is not measured: sanitizers keep freed blocks for a while
 constexpr int kRounds = 30, kExits = 60;
 #else
 constexpr int kRounds = 40, kExits = 60;
@@ -42,16 +42,16 @@ long threadCount() {
   return std::distance(begin(tasks), end(tasks));
 }
 
-// The C library otherwise keeps large blocks that were freed, where what stays lies behind them.
+// Otherwise the C library keeps freed large blocks that lie below blocks in use.
 void returnLargeBlocksAtOnce() {
 #ifdef __GLIBC__
   mallopt(M_MMAP_THRESHOLD, 1 << 20);
 #endif
 }
 
-// exit() does not wait for other threads: frames on them go on while OpenCV ends its pool, and what they read must be there
-// for as long as they run. One failure is allowed: OpenCV's own data is destroyed too.
-TEST(Exit, MayComeWhileFramesAreInWork) {
+// exit() does not wait for other threads: they still render while OpenCV ends its pool, so the data that they read must
+// remain valid. One failure is allowed, because OpenCV's own data is destroyed too.
+TEST(Exit, MayHappenDuringFrames) {
   const test::LutFolder folder;
   int failures = 0;
   for (int round = 0; round < kExits; ++round) {
@@ -97,7 +97,7 @@ TEST(Reload, LeavesNothing) {
   }
   EXPECT_LE(threadCount(), threads);
   const long grown = test::residentKiB() - before;
-  std::cout << grown << " KiB more\n";
+  std::cout << grown << " KiB of growth\n";
 #ifndef LUMVANE_SANITIZED
   EXPECT_LE(grown, 2048);
 #endif

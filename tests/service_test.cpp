@@ -1,4 +1,4 @@
-// Soak test: thousands of objects created and destroyed, an hour of frames, and memory that does not grow.
+// Soak test: thousands of objects, an hour of frames, and no growth of memory.
 
 #include <gtest/gtest.h>
 
@@ -11,20 +11,20 @@ namespace {
 
 // Sanitizers keep freed memory for a while.
 #ifdef LUMVANE_SANITIZED
-constexpr long kMostGrowthKiB = 600 << 10;
+constexpr long kMaxGrowthKiB = 600 << 10;
 #else
-constexpr long kMostGrowthKiB = 1 << 10;
+constexpr long kMaxGrowthKiB = 1 << 10;
 #endif
 constexpr int kShare = test::kStep == 1 ? 1 : 10;
 
-// Runs a tenth of the rounds, so that one-time allocations are done, and compares the rest with the memory in use then.
+// Compares the memory after all rounds with that after a tenth of them, when one-time allocations are done.
 template <class Round>
 void expectFlatMemory(int rounds, const Round& round) {
   for (int i = 0; i < rounds / 10; ++i) round(i);
   const long before = test::residentKiB();
   if (before == 0) GTEST_SKIP() << "no /proc/self/statm here";
   for (int i = rounds / 10; i < rounds; ++i) round(i);
-  EXPECT_LE(test::residentKiB(), before + kMostGrowthKiB);
+  EXPECT_LE(test::residentKiB(), before + kMaxGrowthKiB);
 }
 
 TEST(Service, CreatesAndDestroysTenThousandObjectsOfEachKind) {
@@ -43,7 +43,7 @@ TEST(Service, CreatesAndDestroysTenThousandObjectsOfEachKind) {
   });
 }
 
-// Small frames for an hour at 25 a second, with now and then a size that uses threads.
+// An hour of small frames at 25 per second; one in 50 has a size that uses threads.
 TEST(Service, RendersAnHourOfFrames) {
   const test::LutFolder folder;
   test::Yv12Frame small(64, 36), large(130, 100);

@@ -8,7 +8,7 @@
 
 namespace test {
 
-/// From now on kernels use this target's instructions, in the whole process; 0 for the best available.
+/// Makes kernels use this target's instructions in the whole process; 0 means the best available.
 inline void useTarget(int64_t target) {
   hwy::SetSupportedTargetsForTest(target);
   hwy::GetChosenTarget().Update(hwy::SupportedTargets());

@@ -1,4 +1,4 @@
-// Threads that use separate objects, also for the thread sanitizer.
+// Threads that use separate objects; the thread sanitizer runs these tests too.
 
 #include <gtest/gtest.h>
 
@@ -11,7 +11,7 @@
 
 namespace {
 
-// Runs the work on `count` threads that start it nearly at once.
+// Runs the work on `count` threads that start nearly at once.
 template <class Work>
 void atOnce(int count, const Work& work) {
   std::barrier start(count);
@@ -25,13 +25,13 @@ void atOnce(int count, const Work& work) {
   for (std::thread& thread : threads) thread.join();
 }
 
-// An OpenCV built without threads would pass all other tests.
-TEST(Threads, AreThere) {
+// The other tests would pass with an OpenCV built without threads.
+TEST(Threads, AreAvailable) {
   if (std::thread::hardware_concurrency() < 2) GTEST_SKIP() << "one processor";
   EXPECT_GT(cv::getNumThreads(), 1);
 }
 
-// Loads and first frames, the load of the HDR files included; odd threads use frames that are spread over a pool.
+// Loads and first frames of every effect, HDR included; frames on odd threads are large enough for the pool.
 TEST(Threads, RenderSideBySide) {
   constexpr int kThreads = 8;
   const test::LutFolder folder;
@@ -44,7 +44,7 @@ TEST(Threads, RenderSideBySide) {
   };
   for (int round = 0; round < 4; ++round) {
     Lumvane::dropHdrData();
-    // The first of them loads, the others wait for it; in every other round nothing else runs before.
+    // The first thread loads and the others wait for it; in odd rounds this happens amid other work.
     if (round % 2 == 0) atOnce(kThreads, loadHdr);
     atOnce(kThreads, [&](int i) { results[i] = render(i); });
     Lumvane::dropHdrData();

@@ -1,6 +1,6 @@
 // A thread pool for cv::parallel_for_ under the thread sanitizer. OpenCV's own pool is not compiled with the sanitizer,
-// which therefore reports every hand-over of work as a race. Nothing is suppressed here: the sanitizer sees this pool's
-// threads created and joined, so it checks how our loop bodies affect one another.
+// which therefore reports every hand-over of work as a race. Here the sanitizer sees threads created and joined, so it
+// can check our loop bodies against one another without suppressions.
 
 #include <algorithm>
 #include <memory>

@@ -7,11 +7,11 @@
 namespace test {
 
 struct Plane : Frame {
-  /// A negative padding gives bottom-up rows, packed.
+  /// A negative padding means packed bottom-up rows.
   Plane(int width, int height, int padding = 0) : Frame(width, height, padding < 0 ? -width : width + padding, 1) {}
 };
 
-/// The planes can be any type that has data(), step(), fill() and packed().
+/// PlaneType needs data(), step(), fill() and packed().
 template <class PlaneType>
 struct Yv12 {
   PlaneType y, v, u;
@@ -25,7 +25,7 @@ struct Yv12 {
   Yv12(PlaneType planeY, PlaneType planeV, PlaneType planeU)
       : y(std::move(planeY)), v(std::move(planeV)), u(std::move(planeU)) {}
 
-  /// Fills all planes from consecutive bytes, of which there must be enough.
+  /// Fills all planes from consecutive bytes; there must be enough.
   void fill(const Bytes& bytes) {
     auto rest = bytes.begin();
     for (PlaneType* plane : {&y, &v, &u}) {
@@ -42,7 +42,7 @@ struct Yv12 {
     }
     return result;
   }
-  /// Converts with an HDR object of this size into planes of the same strides; `reserved` must have no effect.
+  /// Converts with an HDR object of this size into planes with the same strides. `reserved` must have no effect.
   bool processTo(Yv12& dst, void* handle, int reserved = 0,
                  decltype(&VideoAdjustColorProcess) process = &VideoAdjustColorProcess) {
     return process(handle, y.data(), v.data(), u.data(), y.step(), v.step(), u.step(), reserved, -reserved,
@@ -50,7 +50,7 @@ struct Yv12 {
   }
 };
 
-/// In ordinary memory. With a padding above 0 the stride of U is larger than that of V.
+/// Planes in ordinary memory. With a positive padding the stride of U is larger than that of V.
 struct Yv12Frame : Yv12<Plane> {
   Yv12Frame(int width, int height, int padding = 0)
       : Yv12{Plane(width, height, padding), Plane((width + 1) / 2, (height + 1) / 2, padding),

@@ -9,17 +9,17 @@ folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
 pkg_config=$(command -v pkg-config || command -v pkgconf || true)
 if [ "$way" = pkg-config ] && [ -z "$pkg_config" ]; then
-  echo "skipped: there is no pkg-config"
+  echo "skipped: pkg-config is not installed"
   exit 77
 fi
 
-# Staged and then moved, as packages are built and unpacked: installed files must not contain the path.
+# Staged and then moved, like packages: installed files must not contain the first path.
 DESTDIR=$folder/stage cmake --install "$build" --prefix /first/place >"$folder/log"
 mv "$folder/stage/first/place" "$folder/installed"
 library=$(dirname "$(find "$folder/installed" -name 'liblumvane.so')")
 
 if [ "$way" = cmake ]; then
-  # The library's own libraries are not to be asked for.
+  # A host must not need to find the library's dependencies.
   cmake -G Ninja -S "$sources" -B "$folder/hosts" -DCMAKE_PREFIX_PATH="$folder/installed" \
     -DCMAKE_DISABLE_FIND_PACKAGE_OpenCV=ON -DCMAKE_DISABLE_FIND_PACKAGE_hwy=ON
   cmake --build "$folder/hosts"

@@ -1,6 +1,6 @@
 #!/bin/sh
 # The Debian packages contain the right files, have the right dependencies, and work together:
-#   packages.sh FOLDER [WHAT RUNS THE PROGRAMS]
+#   packages.sh FOLDER [COMMAND_THAT_RUNS_PROGRAMS...]
 set -eu
 root=$(mktemp -d)
 trap 'rm -rf "$root"' EXIT
@@ -12,7 +12,7 @@ for need in 'liblumvane0 libopencv-core' 'liblumvane0 libc6' \
   "liblumvane-dev liblumvane0 (= $version)" "lumvane-host liblumvane0 (= $version)" \
   'lumvane-host libopencv-imgcodecs' "frei0r-plugins-lumvane liblumvane0 (= $version)" \
   "python3-lumvane liblumvane0 (= $version)" 'python3-lumvane python3-numpy'; do
-  dpkg-deb --field "$folder/${need%% *}"_*.deb Depends | grep -qF "${need#* }" || { echo "no need for ${need#* }"; exit 1; }
+  dpkg-deb --field "$folder/${need%% *}"_*.deb Depends | grep -qF "${need#* }" || { echo "not required: $need"; exit 1; }
 done
 for package in "$folder"/*.deb; do
   dpkg-deb --extract "$package" "$root"
@@ -25,7 +25,7 @@ done
 [ -e "$root/usr/lib/frei0r-1/lumvane_lut.so" ]
 [ -e "$root/usr/share/kdenlive/effects/frei0r_lumvane_lut.xml" ]
 [ -e "$root/usr/share/shotcut/qml/filters/lumvane/meta_lut.qml" ]
-# The element is left out of packages for ARM64.
+# Packages for ARM64 lack the GStreamer element.
 for package in "$folder"/gstreamer1.0-lumvane_*.deb; do
   [ -e "$package" ] || continue
   dpkg-deb --field "$package" Depends | grep -F "liblumvane0 (= $version)" | grep -q libgstreamer-plugins-base1.0-0

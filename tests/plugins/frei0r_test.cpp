@@ -1,4 +1,4 @@
-// The plug-ins as a host uses them: loaded from their files, through their exports alone.
+// The plug-ins used as by a host: loaded from their files and called through their exports.
 
 #include <dlfcn.h>
 #include <gtest/gtest.h>
@@ -55,7 +55,7 @@ struct Instance {
   void set(int index, std::string text) {
     f0r_param_string pointer = text.data();
     plugin.f0r_set_param_value(handle, &pointer, index);
-    text.assign(text.size(), '?');  // the plug-in must have its own copy
+    text.assign(text.size(), '?');  // the plug-in must have copied it
   }
   double number(int index) {
     double value = -1.0;
@@ -76,22 +76,21 @@ struct Instance {
 
 std::string pathOf(const TemporaryFile& file) { return std::filesystem::path(file.utf16()).string(); }
 
-// Copies the alpha of one frame into another.
-void takeAlpha(test::Bytes& to, const test::Bytes& from) {
+void copyAlpha(test::Bytes& to, const test::Bytes& from) {
   for (size_t i = 3; i < to.size(); i += 4) to[i] = from[i];
 }
 
-// The library's result for a frame with the values of setSome, below.
+// The library's result for a frame with the parameters that setParameters sets.
 test::Bytes expected(const std::string& name, const test::Bytes& src, int width, int height,
                      const TemporaryFile& cube) {
   const bool isLut = name == "lumvane_lut";
   test::Bytes from = src, dst(src.size());
-  if (isLut) takeAlpha(from, test::Bytes(src.size(), 255));
+  if (isLut) copyAlpha(from, test::Bytes(src.size(), 255));
   const test::Render render = isLut                       ? test::kLinked.grading(cube.utf16(), 57)
                               : name == "lumvane_clarity" ? test::kLinked.clarity(14, 70)
                                                           : test::kLinked.whiteBalance(0.4f, 0.14f);
   render(dst.data(), 0, from.data(), 0, width, height);
-  if (isLut) takeAlpha(dst, src);
+  if (isLut) copyAlpha(dst, src);
   return dst;
 }
 
@@ -100,11 +99,11 @@ class EveryPlugin : public testing::TestWithParam<std::string> {
   Plugin plugin{GetParam()};
   TemporaryFile cube{"negative.cube", test::negativeCube()};
 
-  void setSome(Instance& instance) {
+  void setParameters(Instance& instance) {
     const bool isLut = GetParam() == "lumvane_lut";
     if (isLut) instance.set(0, pathOf(cube));
     if (!isLut) instance.set(0, 0.7);
-    instance.set(1, 0.57);  // times 100 or 200 it is a little less than a whole number
+    instance.set(1, 0.57);  // times 100 or 200, this is slightly below a whole number
   }
 };
 INSTANTIATE_TEST_SUITE_P(, EveryPlugin, testing::Values("lumvane_lut", "lumvane_clarity", "lumvane_whitebalance"),
@@ -114,7 +113,7 @@ TEST_P(EveryPlugin, RefusesInvalidSizesAndNeedsNoMemoryToBeListed) {
   for (const auto& [width, height] : {std::pair{0u, 480u}, {640u, 0u}, {1u << 30, 1u}, {1u, 1u << 31}}) {
     EXPECT_EQ(plugin.f0r_construct(width, height), nullptr) << width << " x " << height;
   }
-  // The largest frame possible: its pixels could not be allocated.
+  // The largest possible size: memory for its pixels could not be allocated.
   Instance huge(plugin, (1u << 29) - 1, std::numeric_limits<int32_t>::max());
   for (const auto& [value, kept] : {std::pair{0.25, 0.25}, {-0.5, 0.0}, {1.5, 1.0}, {double{NAN}, 0.0}}) {
     huge.set(1, value);
@@ -132,7 +131,7 @@ TEST_P(EveryPlugin, GivesTheLibrarysPixelsAndNoEffectByDefault) {
       const test::Bytes src = test::noise(size_t{4} * width * height, seed);
       const test::Bytes right = expected(GetParam(), src, width, height, cube);
       EXPECT_TRUE(seed != 1 || instance.update(src, width, height) == src);
-      setSome(instance);
+      setParameters(instance);
       EXPECT_EQ(instance.update(src, width, height), right) << width << " x " << height;
       instance.set(1, 0.2);
       EXPECT_TRUE(width == 1 || instance.update(src, width, height) != right) << width << " x " << height;
@@ -142,7 +141,7 @@ TEST_P(EveryPlugin, GivesTheLibrarysPixelsAndNoEffectByDefault) {
 
 TEST_P(EveryPlugin, ServesManyThreadsOnOneInstance) {
   Instance instance(plugin, 160, 90);
-  setSome(instance);
+  setParameters(instance);
   std::atomic<int> wrong = 0;
   std::vector<std::jthread> threads;
   for (unsigned thread = 0; thread < 8; ++thread) {
@@ -150,7 +149,7 @@ TEST_P(EveryPlugin, ServesManyThreadsOnOneInstance) {
       const test::Bytes src = test::noise(size_t{4} * 160 * 90, thread);
       const test::Bytes right = expected(GetParam(), src, 160, 90, cube);
       for (int round = 0; round < 10; ++round) {
-        setSome(instance);
+        setParameters(instance);
         wrong += instance.update(src, 160, 90) != right;
       }
     });
@@ -180,9 +179,9 @@ TEST_F(LutPlugin, PassesThePictureThroughWithoutAUsableFile) {
     instance.set(0, unusable);
     testing::internal::CaptureStderr();
     EXPECT_EQ(instance.update(src, 40, 30), src) << unusable;
-    const std::string told = testing::internal::GetCapturedStderr();  // of two frames
-    EXPECT_EQ(std::count(told.begin(), told.end(), '\n'), unusable.empty() ? 0 : 1) << told;
-    EXPECT_NE(told.find(unusable), std::string::npos) << told;
+    const std::string output = testing::internal::GetCapturedStderr();  // of two frames
+    EXPECT_EQ(std::count(output.begin(), output.end(), '\n'), unusable.empty() ? 0 : 1) << output;
+    EXPECT_NE(output.find(unusable), std::string::npos) << output;
   }
   f0r_param_string none = nullptr;
   plugin.f0r_set_param_value(instance.handle, &none, 0);
@@ -193,17 +192,17 @@ TEST_F(LutPlugin, ReadsItsFileOnlyWhenThePathChanges) {
   const test::Bytes graded = instance.update(src, 40, 30);
   cube.reset();
   instance.set(0, path);
-  EXPECT_EQ(instance.update(src, 40, 30), graded) << "the same path, and the file is gone";
+  EXPECT_EQ(instance.update(src, 40, 30), graded) << "the path is the same, although the file is gone";
   instance.set(0, "other.cube");
   instance.set(2, path);
-  EXPECT_EQ(instance.update(src, 40, 30), graded) << "filename goes before path";
+  EXPECT_EQ(instance.update(src, 40, 30), graded) << "filename takes precedence over path";
   instance.set(2, "");
   instance.update(src, 40, 30);
   instance.set(0, path);
-  EXPECT_EQ(instance.update(src, 40, 30), src) << "the path anew, and the file is gone";
+  EXPECT_EQ(instance.update(src, 40, 30), src) << "the path is set again, but the file is gone";
 }
 
-#ifndef LUMVANE_SANITIZED  // sanitizers end a process that finds no memory
+#ifndef LUMVANE_SANITIZED  // sanitizers abort when memory cannot be allocated
 TEST_F(LutPlugin, LoadsWithTheNextFrameWhenMemoryWasShort) {
   instance.set(0, path);
   rlimit limit;

@@ -1,7 +1,7 @@
 #!/bin/sh
-# The element lumvanehdr gives lumvane-host's bytes, marks them, and says what it cannot use:
+# The element lumvanehdr gives lumvane-host's bytes, tags them, and reports input that it does not support:
 #   gstreamer_hdr.sh LUMVANE-HOST PLUGIN_FOLDER
-# Exit code 77 if GStreamer or a plug-in of its own is not installed.
+# Exit code 77 if FFmpeg, GStreamer, or a GStreamer plug-in that the test needs, is not installed.
 set -eu
 host=$1
 export GST_PLUGIN_PATH="$2"
@@ -18,7 +18,7 @@ done
 "$host" hdr-luts --size 17 luts
 raw='-f rawvideo -pix_fmt yuv420p'
 
-# Strides: those of a stream are the bytes of a row, those that GStreamer gives are multiples of 4.
+# Both kinds of strides: rows of a stream are packed, those that GStreamer allocates are multiples of 4 bytes.
 while read -r transfer range format width height in out tags; do
   "$host" hdr-clip --transfer "$transfer" --frames 3 --width "$width" --height "$height" clip.y4m
   "$host" hdr --luts luts --transfer "$transfer" --range "$range" clip.y4m right.y4m
@@ -41,14 +41,14 @@ CASES
 # Words of the error | format and colorimetry | properties
 mkdir none
 cp -r luts others
-# After an error gst-launch-1.0 at times waits for ever, with other elements as well.
+# After an error gst-launch-1.0 occasionally hangs, with other elements too.
 while IFS='|' read -r words caps properties; do
   code=0
   # shellcheck disable=SC2086
   timeout 10 gst-launch-1.0 videotestsrc ! "video/x-raw,$caps" ! videoconvert ! lumvanehdr $properties ! fakesink \
     >messages 2>&1 || code=$?
   if [ $code -eq 0 ] || ! grep -q "^ERROR: .*$words" messages; then
-    echo "for $caps, $properties no '$words' in:"
+    echo "$caps, $properties: no '$words' in:"
     cat messages
     exit 1
   fi

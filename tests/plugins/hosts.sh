@@ -2,7 +2,7 @@
 # Each plug-in in a real host, over a short clip: the host's output must equal lumvane-host's for the same pictures,
 # byte for byte.
 #   hosts.sh ffmpeg|melt|gst-launch-1.0 LUMVANE-HOST PLUGIN_FOLDER SAMPLES
-# Exit code 77 if the host, or its part for frei0r, is not installed.
+# Exit code 77 if the host, or its frei0r support, is not installed.
 set -u
 host=$1
 program=$2
@@ -15,15 +15,15 @@ folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
 cd "$folder" || exit 1
 failed=0
-# Clarity has all its levels from a shorter side of 65 on; MLT only cuts into slices what divides evenly. FFmpeg pads
-# rows to a multiple of 64 bytes, unknown to its plug-ins: only widths that are a multiple of 16 come out right.
+# Clarity has all its levels from a shorter side of 65 on; MLT slices only heights that divide evenly. FFmpeg pads rows
+# to a multiple of 64 bytes without telling its plug-ins, so only widths that are a multiple of 16 work.
 height=96
 case $host in
   ffmpeg) width=160 ;;
   melt) width=150 ;;
   gst-launch-1.0)
     width=150
-    export GST_REGISTRY="$folder/registry"  # it has the plug-ins of the last FREI0R_PATH in it
+    export GST_REGISTRY="$folder/registry"  # the default one lists plug-ins of an earlier FREI0R_PATH
     gst-inspect-1.0 --exists frei0r-filter-lumvane-lut || { echo "skipped: GStreamer has no frei0r"; exit 77; }
     ;;
   *) exit 2 ;;
@@ -36,8 +36,8 @@ run_ffmpeg() {  # run_ffmpeg PLUGIN FIRST SECOND
 }
 
 run_melt() {  # run_melt PLUGIN FIRST SECOND [PROPERTY]
-  # A profile of the clip's own size and RGBA throughout avoid scaling and conversion. Occasionally melt ends without
-  # output, or hangs, even without any filter: so it gets further attempts.
+  # A profile of the size of the clip, and RGBA throughout, avoid scaling and conversion. Occasionally melt ends without
+  # output, or hangs, even without any filter, so it gets three attempts.
   for _ in 1 2 3; do
     rm -f out.mkv
     timeout 30 melt -silent -profile clip.profile avformat:clip.mkv \
@@ -60,7 +60,7 @@ run_gst() {  # run_gst PLUGIN FIRST SECOND
     "frei0r-filter-lumvane-$1" "$2=$3" "$4=$5" ! filesink location=out.raw
 }
 
-# expect COMMAND...: the frames that lumvane-host produces
+# expect COMMAND...: writes the frames that lumvane-host produces to expected.raw
 expect() {
   rm -rf graded
   "$program" "$@" clip graded || exit 1
@@ -68,13 +68,13 @@ expect() {
   ffmpeg -nostdin -v error -y -i graded/%d.png $raw expected.raw || exit 1
 }
 
-# gives PLUGIN FIRST SECOND [PROPERTY]: the host's frames equal those in expected.raw
+# gives PLUGIN FIRST SECOND [PROPERTY]: checks that the host's frames equal those in expected.raw
 gives() {
   rm -f out.raw
   "run_${host%%-*}" "$@" && cmp out.raw expected.raw || { echo "failed: $host, $*"; failed=1; }
 }
 
-# Gradients under noise, all channels different, opaque on the left and of every alpha on the right.
+# Gradients with noise, different in each channel; opaque on the left, random alpha on the right.
 mkdir clip
 ffmpeg -nostdin -v error -f lavfi -i "nullsrc=s=${width}x$height:r=25,format=rgba,geq=r='60*N+40*random(1)':\
 g='220*Y/H+30*random(2)':b='220*X/W+30*random(3)':a='if(lt(2*X,W),255,255*random(4))'" -frames:v 4 clip/%d.png || exit 1

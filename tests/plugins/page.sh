@@ -1,8 +1,8 @@
 #!/bin/sh
-# Each line of docs/plugins.md that converts a file runs as it stands, changes the colours as lumvane-host does, and keeps
-# size, pixel format and marks:
+# Each command of docs/plugins.md that converts a file runs unchanged, gives the colours of lumvane-host, and keeps size,
+# pixel format and colour tags:
 #   page.sh SOURCES LUMVANE-HOST FREI0R_FOLDER [GSTREAMER_FOLDER]
-# Lines of hosts that are not installed are left out; exit code 77 if FFmpeg is one of them.
+# Commands of hosts that are not installed are skipped; exit code 77 if FFmpeg is not installed.
 set -eu
 host=$2
 export FREI0R_PATH="$3" GST_PLUGIN_PATH="${4:-}"
@@ -14,7 +14,7 @@ export GST_REGISTRY="$folder/registry" LC_ALL=C
 ln -s "$1/samples" samples
 cp samples/silver.cube look.cube
 cp samples/silver.cube a:b.cube
-# A command lasts until the next one, or until its block ends.
+# A command ends where the next one begins, or with its block.
 awk '/^```/ { inside = $0 == "```sh"; taken = 0; next } inside && /^(ffmpeg|melt|gst-launch-1.0) / { taken = ++n }
   taken { print >taken ".sh" }' "$1/docs/plugins.md"
 
@@ -26,10 +26,10 @@ marks() {
 to_bt709=scale=out_color_matrix=bt709:out_range=tv,format=yuv420p
 from_bt709=scale=in_color_matrix=bt709
 bt709=setparams=range=tv:colorspace=bt709:color_trc=bt709:color_primaries=bt709
-# average PICTURES: colours of 20 x 12 parts of each
+# average PICTURES: prints the average colours of 20 x 12 areas of each
 average() { ffmpeg -i "$1" -vf "$from_bt709,format=rgb24,scale=20:12:flags=area" -f rawvideo - | od -An -v -tu1 -w1; }
 
-# clips WIDTH: in.mp4 with its marks, unmarked.mp4 without, and their frames in folder frames
+# clips WIDTH: makes in.mp4 with colour tags, unmarked.mp4 without, and their frames in folder frames
 clips() {
   [ "$1" != "${width:-}" ] || return 0
   width=$1
@@ -42,7 +42,7 @@ clips() {
   ffmpeg -i in.mp4 -vf "$from_bt709,format=rgb24" frames/%d.png
 }
 
-# hdr_clip TRANSFER NAME: hdr.mkv, 10-bit, and what lumvane-host makes of its frames in right.mkv
+# hdr_clip TRANSFER NAME: makes hdr.mkv, 10-bit, and right.mkv, its frames converted by lumvane-host
 hdr_clip() {
   "$host" hdr-clip --transfer "$1" --frames 3 clip.y4m
   ffmpeg -i clip.y4m -pix_fmt yuv420p10le -color_primaries bt2020 -color_trc "$2" -colorspace bt2020nc \
@@ -51,12 +51,12 @@ hdr_clip() {
   ffmpeg -i right.y4m -vf "$bt709" -c:v ffv1 right.mkv
 }
 
-# check LINE MARKED RIGHT: out.mp4 has the marks of MARKED and the colours of RIGHT
+# check LINE MARKED RIGHT: out.mp4 has the colour tags of MARKED and the colours of RIGHT
 check() {
   [ "$(marks out.mp4)" = "$(marks "$2")" ] || { echo "$(cat "$1") gives $(marks out.mp4), not $(marks "$2")"; exit 1; }
   average out.mp4 >out.txt
   average "$3" >right.txt
-  # BT.601 taken for BT.709 is 24 levels off; FFmpeg's own rounding and coding takes 4, GStreamer's 9.
+  # Confusing BT.601 with BT.709 shifts colours by 24 levels; rounding and coding by 4 in FFmpeg, 9 in GStreamer.
   paste out.txt right.txt | awk -v line="$(cat "$1")" '{ d = $1 - $2; if (d < 0) d = -d; if (d > worst) worst = d }
     END { if (NR < 2160 || worst > 12) { print line " is off by " worst " in " NR " values"; exit 1 } }'
 }
@@ -90,7 +90,7 @@ for line in *.sh; do
     *lumvane?clarity*0.7*0.6*) effect='clarity --intensity 70 --saturation 20' ;;
     *lumvane_clarity:0.7,*) effect='clarity --intensity 70' ;;
     *lumvane?white*balance*0.6*0.48*) effect='whitebalance --temperature 0.2 --tint -0.04' ;;
-    *) echo "no colours are known for: $(cat "$line")"; exit 1 ;;
+    *) echo "no expected colours for: $(cat "$line")"; exit 1 ;;
   esac
   if grep -q 854 "$line"; then clips 854; else clips 640; fi
   rm -rf graded

@@ -1,6 +1,6 @@
 #!/bin/sh
-# The DLL exports the functions of lumvane.h, undecorated, and nothing else; imports only what every Windows has; may be
-# loaded anywhere in 64 bits of addresses; and its data cannot be executed.
+# The DLL exports only the functions of lumvane.h, undecorated; imports only DLLs that every Windows has; can be loaded
+# anywhere in the 64-bit address space; and its data is not executable.
 #   dll_contents.sh OBJDUMP LUMVANE.H LUMVANE.DLL
 set -eu
 contents=$("$1" -p "$3")

@@ -1,15 +1,15 @@
-/* A host for Windows, with nothing but the DLL, which it loads by name: dll_host LUMVANE.DLL FOLDER
- * FOLDER is one to write in; its name and those below it have letters beyond every code page, and a surrogate pair. */
+/* A Windows host that loads the DLL by name and links nothing else: dll_host LUMVANE.DLL FOLDER
+ * FOLDER must be writable. Names created in it have letters that no single code page has, and a surrogate pair. */
 #include <stdbool.h>
 #include <stdint.h>
 #include <stdio.h>
 #include <string.h>
 #include <windows.h>
 
-#include "lumvane.h" /* for the types: nothing of it is linked */
+#include "lumvane.h" /* for the types only */
 
 static HMODULE library;
-/* The functions of the DLL, under their names in lumvane.h and an F in front. */
+/* The functions of the DLL, by their names in lumvane.h with the prefix F. */
 #define LUMVANE_EXPORT(name) static __typeof__(&name) F##name;
 #include "cmake/exports.inc"
 #undef LUMVANE_EXPORT
@@ -17,13 +17,13 @@ static HMODULE library;
 static int errors;
 static void expect(bool holds, const char* what) {
   if (holds) return;
-  printf("not so: %s\n", what);
+  printf("failed: %s\n", what);
   ++errors;
 }
 
 static void find(void* function, const char* name) {
   FARPROC const found = GetProcAddress(library, name);
-  if (found == NULL) printf("there is no %s\n", name), ++errors;
+  if (found == NULL) printf("missing export: %s\n", name), ++errors;
   memcpy(function, &found, sizeof found);
 }
 
@@ -38,12 +38,12 @@ static bool load(const wchar_t* file) {
 
 static void write_negative(const wchar_t* name) {
   FILE* const file = _wfopen(name, L"wb");
-  if (file == NULL) return; /* noticed when it is read */
+  if (file == NULL) return; /* reading it fails then */
   fputs("LUT_3D_SIZE 2\r\n1 1 1\r\n0 1 1\r\n1 0 1\r\n0 0 1\r\n1 1 0\r\n0 1 0\r\n1 0 0\r\n0 0 0\r\n", file);
   fclose(file);
 }
 
-/* Whether there is a LUT of this name that turns black into white. */
+/* Returns whether a LUT of this name loads and inverts colours. */
 static bool is_negative(const wchar_t* name) {
   const uint8_t src[4] = {0, 0, 255, 255};
   uint8_t dst[4] = {9, 9, 9, 9};
@@ -64,8 +64,8 @@ static void try_paths(const wchar_t* folder) {
   expect(is_negative(swapped), "slashes");
   swprintf(swapped, MAX_PATH, L"\\\\?\\%ls", path);
   expect(is_negative(swapped), "a path of the \\\\?\\ form");
-  expect(SetCurrentDirectoryW(folder) && is_negative(wcsrchr(path, L'\\') + 1), "a name alone");
-  path[wcslen(path) - 6] = 0xdd1f; /* another low half */
+  expect(SetCurrentDirectoryW(folder) && is_negative(wcsrchr(path, L'\\') + 1), "a file name without a folder");
+  path[wcslen(path) - 6] = 0xdd1f; /* another low surrogate */
   expect(!is_negative(path), "a name that differs in the second half of a surrogate pair is another name");
   expect(FCreate3DLutColorAdjustEffect(u"C:\\nothing\\here.cube", 1, 1) == NULL, "a missing file gives null");
   expect(FCreate3DLutColorAdjustEffect((const char16_t*)folder, 1, 1) == NULL, "a folder gives null");
@@ -90,7 +90,7 @@ static void try_hdr(const wchar_t* folder) {
   }
 }
 
-/* Frames that are large enough for OpenCV's threads. */
+/* Renders a frame that is large enough for OpenCV's threads. */
 static DWORD WINAPI render(void* unused) {
   static uint8_t frame[640 * 480 * 4];
   void* const effect = FCreateNLEPureCClarity(640, 480, 0, 20, 50);
@@ -123,7 +123,7 @@ int wmain(int argc, wchar_t** argv) {
     FreeLibrary(library);
     expect(GetModuleHandleW(L"lumvane.dll") == NULL, "the DLL is unloaded if no effect was created");
   }
-  /* With threads waiting inside, it stays loaded. */
+  /* The waiting threads of the pool keep it loaded. */
   for (round = 0; round < 3; ++round) {
     if (!load(argv[1])) return 1;
     try_paths(folder);
@@ -132,7 +132,7 @@ int wmain(int argc, wchar_t** argv) {
     FreeLibrary(library);
     Sleep(50);
   }
-  expect(GetModuleHandleW(L"lumvane.dll") != NULL, "the DLL stays for its threads");
+  expect(GetModuleHandleW(L"lumvane.dll") != NULL, "the DLL stays loaded for its threads");
   if (errors == 0) puts("passed");
   return errors != 0;
 }

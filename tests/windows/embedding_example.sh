@@ -1,5 +1,5 @@
 #!/bin/sh
-# A program that loads the DLL when it runs: embedding_example.sh COMPILER WINE LUMVANE.DLL SOURCES
+# A program that loads the DLL at run time: embedding_example.sh COMPILER WINE LUMVANE.DLL SOURCES
 set -eu
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT

@@ -4,7 +4,7 @@
 #   host_program.sh WINE LUMVANE-HOST.EXE SAMPLES
 set -eux
 wine=$1 program=$2 samples=$3
-export LC_ALL=C.UTF-8  # by which Wine reads the arguments
+export LC_ALL=C.UTF-8  # Wine decodes the arguments by it
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
 cd "$folder"
@@ -16,7 +16,7 @@ cp "$samples/silver.cube" 'é/𝄞.CUBE'
 host lut --lut "$(echo "Z:$PWD/é/𝄞.CUBE" | tr / '\\')" 'szene ä 漢 𝄞.bmp' é/ä.ppm
 [ "$(ls é)" = "$(printf 'ä.ppm\n𝄞.CUBE')" ]
 
-# A frame with every byte, LF and the old end-of-file mark included, through standard input and output.
+# A frame with all bytes, including LF and the DOS end-of-file character, through standard input and output.
 host hdr-luts luts
 printf 'YUV4MPEG2 W16 H16 F25:1 Ip C420mpeg2\nFRAME\n' >in.y4m
 LC_ALL=C awk 'BEGIN { for (i = 0; i < 384; ++i) printf "%c", i % 256 }' >>in.y4m

@@ -1,4 +1,4 @@
-// Nothing in a host's environment changes a byte: locale, floating-point mode, threads, stack.
+// Nothing in a host's environment changes the output: locale, floating-point mode, threads, stack.
 
 #include <gtest/gtest.h>
 #include <pthread.h>
@@ -33,15 +33,15 @@ void withCommaLocale(const Work& work) {
     std::string do_grouping() const override { return "\3"; }
   };
   const std::locale before = std::locale::global(std::locale(std::locale::classic(), new CommaPunctuation));
-  // If that locale is not installed, only the C++ locale has the comma.
+  // If it is not installed, only the C++ locale has a decimal comma.
   std::setlocale(LC_ALL, "de_DE.UTF-8");
   work();
   std::setlocale(LC_ALL, "C");
   std::locale::global(before);
 }
 
-// The floating-point mode; on x86 from the register that matters, which <cfenv> does not set on every system.
-unsigned floatModes() {
+// Returns the floating-point mode; on x86 from MXCSR, which <cfenv> does not set on every system.
+unsigned currentFloatMode() {
 #ifdef __SSE__
   return _mm_getcsr() & ~0x3Fu;  // without the exception flags
 #else
@@ -49,15 +49,15 @@ unsigned floatModes() {
 #endif
 }
 
-// Runs the work in another mode, which must be unchanged afterwards.
+// Runs the work in another floating-point mode, which the work must not change.
 Environment floatMode(const char* name, void (*enter)()) {
   return {name, [enter](const Work& work) {
             std::fenv_t before;
             std::fegetenv(&before);
             enter();
-            const unsigned entered = floatModes();
+            const unsigned entered = currentFloatMode();
             work();
-            const unsigned after = floatModes();
+            const unsigned after = currentFloatMode();
             std::fesetenv(&before);
 #ifdef __SSE__
             _mm_setcsr(0x1F80);
@@ -100,8 +100,8 @@ const Environment kEnvironments[] = {
     floatMode("RoundsDown", [] { std::fesetround(FE_DOWNWARD); }),
     floatMode("RoundsTowardZero", [] { std::fesetround(FE_TOWARDZERO); }),
 #ifdef __GLIBC__
-    // As in runtimes of other languages: infinities, NaN and inexact results end the program. So would flags raised
-    // before.
+    // As in the runtimes of some languages: infinities, NaNs and inexact results end the program. Flags raised before
+    // would do so too.
     floatMode("TrapsFloatExceptions", [] { std::feclearexcept(FE_ALL_EXCEPT), feenableexcept(FE_ALL_EXCEPT); }),
 #endif
     {"NoThreads", withThreads<0>},
@@ -113,7 +113,7 @@ const Environment kEnvironments[] = {
 
 class HostEnvironment : public testing::TestWithParam<Environment> {};
 
-// Loads and frames, small (on one thread) and large (on several).
+// Loads files and renders small frames (one thread) and large ones (several).
 TEST_P(HostEnvironment, ChangesNoByte) {
   const test::LutFolder folder;
   test::Bytes found[2], expected[2];
@@ -128,9 +128,9 @@ TEST_P(HostEnvironment, ChangesNoByte) {
   EXPECT_TRUE(found[1] == expected[1]) << "large frames";
 }
 
-// OpenCV's pool keeps the mode in which the host first used it. This shows only when this test has a process of its
-// own.
-TEST(HostPool, MayStartThePoolInAnotherFloatMode) {
+// OpenCV's pool keeps the mode in which the host first used it. The test detects this only in a process of its own, as
+// under ctest.
+TEST(ThreadPool, MayStartInAnotherFloatMode) {
   const test::LutFolder folder;
   std::fesetround(FE_UPWARD);
   cv::parallel_for_(cv::Range(0, 64), [](const cv::Range&) {});
@@ -139,7 +139,7 @@ TEST(HostPool, MayStartThePoolInAnotherFloatMode) {
   const test::Bytes src = test::noise(size_t{4} * 300 * 300, 1);
   test::Bytes whole(src.size()), byRow(src.size());
   grade(whole.data(), 0, src.data(), 0, 300, 300);
-  for (size_t row = 0; row < src.size(); row += 1200) grade(&byRow[row], 0, &src[row], 0, 300, 1);  // not for the pool
+  for (size_t row = 0; row < src.size(); row += 1200) grade(&byRow[row], 0, &src[row], 0, 300, 1);  // on this thread
   EXPECT_TRUE(whole == byRow);
 }
 
