@@ -4,23 +4,23 @@ if(MSVC)
   message(FATAL_ERROR "For Windows the library is cross-built with GCC: scripts/windows")
 endif()
 
-# The bytes of a frame must not depend on the processor: no multiply and add may be fused.
+# The bytes of a frame must not depend on the processor: no fused multiply-add.
 add_compile_options(-ffp-contract=off)
-# Without errno the rounding conversions are single instructions; their values are the same.
+# Without errno the rounding conversions compile to single instructions; the values are the same.
 add_compile_options(-fno-math-errno)
-# With what GCC knows of the registers that functions of the same file use, it leaves out vzeroupper before a jump to a
-# kernel's plain form. Older SIMD code that runs next, OpenCV's, then takes a third longer.
+# With interprocedural register allocation GCC omits vzeroupper before a jump to a kernel's scalar form. SSE code that
+# runs next, such as OpenCV's, then takes a third longer.
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   add_compile_options(-fno-ipa-ra)
 endif()
-# Limits what an undiscovered overflow can be used for. tests/hardening.sh checks the result.
+# Mitigates undiscovered overflows. tests/hardening.sh checks the result.
 if(NOT LUMVANE_SANITIZE AND NOT LUMVANE_SANITIZE_THREADS)
   add_compile_options(-fstack-protector-strong)
   add_compile_definitions(_GLIBCXX_ASSERTIONS)
   if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64)$")
     add_compile_options(-fcf-protection)
   endif()
-  if(NOT CMAKE_BUILD_TYPE STREQUAL "Debug")  # it asks for optimisation
+  if(NOT CMAKE_BUILD_TYPE STREQUAL "Debug")  # needs optimisation
     add_compile_options(-U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2)
   endif()
   if(MINGW)
@@ -41,6 +41,6 @@ elseif(LUMVANE_SANITIZE_THREADS)
   add_link_options(-fsanitize=thread)
 endif()
 if(LUMVANE_FUZZ)
-  add_compile_options(-fsanitize=fuzzer-no-link)  # tells the fuzzers which way an input takes
+  add_compile_options(-fsanitize=fuzzer-no-link)  # coverage for the fuzzers
   add_compile_options(-fsanitize-ignorelist=${PROJECT_SOURCE_DIR}/fuzz/ubsan_ignored.txt)
 endif()

@@ -1,4 +1,4 @@
-# Debian packages, one for each component; scripts/package makes them.
+# Debian packages, one per component; built by scripts/package.
 
 set(packages_library liblumvane${PROJECT_VERSION_MAJOR})
 set(packages_dev liblumvane-dev)
@@ -6,7 +6,7 @@ set(packages_host lumvane-host)
 set(packages_plugins frei0r-plugins-lumvane)
 set(packages_gstreamer gstreamer1.0-lumvane)
 set(packages_python python3-lumvane)
-# Whose headers put code into a package, so that their licences go along; copies of them are found on Debian.
+# Header-only code compiled into a package, whose licences must be included; available on Debian.
 if(EXISTS /usr/share/doc/libhwy-dev/copyright AND EXISTS /usr/share/doc/libcli11-dev/copyright)
   set(inside_library libhwy-dev)
   set(inside_host libcli11-dev)
@@ -15,10 +15,10 @@ endif()
 set(CPACK_PACKAGE_CONTACT "The Lumvane authors <lumvane@users.noreply.invalid>")
 set(packaging ${PROJECT_BINARY_DIR}/packaging)
 if(CMAKE_INSTALL_PREFIX STREQUAL "/usr")
-  install(DIRECTORY python/lumvane DESTINATION lib/python3/dist-packages COMPONENT python  # elsewhere pip installs it
+  install(DIRECTORY python/lumvane DESTINATION lib/python3/dist-packages COMPONENT python  # elsewhere installed by pip
     FILES_MATCHING PATTERN *.py PATTERN py.typed PATTERN __pycache__ EXCLUDE)
 
-  # Pages and examples.
+  # Documentation and examples.
   set(doc ${CMAKE_INSTALL_DATADIR}/doc)
   install(FILES README.md SECURITY.md DESTINATION ${doc}/${packages_dev} COMPONENT dev)
   install(DIRECTORY docs DESTINATION ${doc}/${packages_dev} COMPONENT dev PATTERN windows-readme.txt EXCLUDE)
@@ -40,7 +40,7 @@ if(CMAKE_INSTALL_PREFIX STREQUAL "/usr")
 endif()
 
 get_cmake_property(CPACK_COMPONENTS_ALL COMPONENTS)
-list(REMOVE_ITEM CPACK_COMPONENTS_ALL Unspecified)  # of projects that are taken in
+list(REMOVE_ITEM CPACK_COMPONENTS_ALL Unspecified)  # from projects added by add_subdirectory
 foreach(component IN LISTS CPACK_COMPONENTS_ALL)
   string(TOUPPER ${component} upper)
   set(CPACK_DEBIAN_${upper}_PACKAGE_NAME ${packages_${component}})
@@ -48,7 +48,7 @@ foreach(component IN LISTS CPACK_COMPONENTS_ALL)
     file(READ LICENSE copyright)
     foreach(package IN LISTS inside_${component})
       file(READ /usr/share/doc/${package}/copyright text)
-      string(APPEND copyright "\n---- ${package}, of which there is code inside:\n\n${text}")
+      string(APPEND copyright "\n---- ${package}, parts of which are included:\n\n${text}")
     endforeach()
     file(WRITE ${packaging}/${component}/copyright "${copyright}")
     install(FILES ${packaging}/${component}/copyright DESTINATION ${doc}/${packages_${component}} COMPONENT ${component})
@@ -61,8 +61,8 @@ foreach(component IN LISTS CPACK_COMPONENTS_ALL)
   endif()
 endforeach()
 
-# The library's package has dpkg call ldconfig. CPack would write scripts that do, for each package with shared objects in
-# /usr/lib, unless it is told of others; there are none, which it warns of.
+# The library's package triggers ldconfig. For each package with shared objects in /usr/lib CPack would generate scripts
+# that call it, unless others are named; these do not exist, for which CPack prints a warning.
 file(WRITE ${packaging}/triggers "activate-noawait ldconfig\n")
 set(CPACK_DEBIAN_PLUGINS_PACKAGE_CONTROL_EXTRA ${packaging}/none/postinst ${packaging}/none/postrm)
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_CONTROL_EXTRA ${packaging}/triggers ${CPACK_DEBIAN_PLUGINS_PACKAGE_CONTROL_EXTRA})
@@ -92,7 +92,7 @@ set(about "LUT grading, clarity, white balance and HDR to BT.709, reproducible t
 set(CPACK_COMPONENT_LIBRARY_DESCRIPTION "per-frame colour effects for video editing hosts
 ${about} This is the shared library.")
 set(CPACK_COMPONENT_DEV_DESCRIPTION "per-frame colour effects for video editing hosts - development files
-${about} This is what hosts build with: header, CMake package, pkg-config file,\npages and examples.")
+${about} This is for building hosts: header, CMake package, pkg-config file,\ndocumentation and examples.")
 set(CPACK_COMPONENT_HOST_DESCRIPTION "grade pictures and convert HDR video on the command line
 ${about} This is a program for single pictures, folders of them, and YUV4MPEG2\nvideo.")
 set(CPACK_COMPONENT_PLUGINS_DESCRIPTION "Lumvane colour effects for programs that load frei0r plug-ins
@@ -101,7 +101,7 @@ set(CPACK_COMPONENT_GSTREAMER_DESCRIPTION "convert HDR video to BT.709 in GStrea
 HLG and PQ of BT.2020, with the same bytes as the library's own.")
 set(CPACK_COMPONENT_PYTHON_DESCRIPTION "Lumvane colour effects on NumPy pictures
 ${about} This is the Python package, with lumvane.farm for sequences of frames\non many machines.")
-# Needs of other packages are found by looking at what the files link to; the library's own file is found here.
+# Dependencies are derived from what the files link to; the library itself is found in this folder.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR})
 if(CMAKE_SYSROOT)

@@ -1,6 +1,6 @@
-# The DLL: by itself, with all that it links to inside, and with its version for the properties of the file.
+# The DLL: self-contained, statically linked, with version information.
 
-set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)  # programs find the DLL beside them
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)  # programs find the DLL in their own folder
 set_target_properties(lumvane PROPERTIES
   PREFIX ""
   IMPORT_PREFIX ""

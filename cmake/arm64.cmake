@@ -1,4 +1,4 @@
-# Toolchain for ARM64 on Linux, run under qemu. LUMVANE_ARM64_SYSTEM is the folder that scripts/arm64-system names.
+# Toolchain for ARM64 Linux, run under qemu. LUMVANE_ARM64_SYSTEM is the folder printed by scripts/arm64-system.
 
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR aarch64)

@@ -1,4 +1,4 @@
-# Toolchain for 64-bit Windows. LUMVANE_WINDOWS_LIBRARIES is the folder that scripts/windows-libraries names.
+# Toolchain for 64-bit Windows. LUMVANE_WINDOWS_LIBRARIES is the folder printed by scripts/windows-libraries.
 
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR AMD64)
@@ -13,11 +13,11 @@ set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
 
-# The run-time libraries of the compiler go into each file, and no symbols but those that are exported.
+# Links the compiler's run-time libraries statically and strips all symbols but the exports.
 set(CMAKE_EXE_LINKER_FLAGS_INIT "-static -s")
 set(CMAKE_SHARED_LINKER_FLAGS_INIT "-static -s")
 
-# Windows aligns the stack to 16 bytes, and GCC stores vectors of 32 bytes there as if it were aligned to them (GCC bug
-# 54412): every move of a vector has to be one that bears any address.
+# Windows aligns the stack to 16 bytes, but GCC stores 32-byte vectors there with aligned moves (GCC bug 54412): the
+# assembler must turn all vector moves into unaligned ones.
 set(CMAKE_C_FLAGS_INIT -Wa,-muse-unaligned-vector-move)
 set(CMAKE_CXX_FLAGS_INIT -Wa,-muse-unaligned-vector-move)

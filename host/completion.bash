@@ -1,4 +1,4 @@
-# Completion for bash: subcommands, options and their choices, as the program tells them with --help; else file names.
+# Completion for bash: subcommands, options and their choices, parsed from --help; otherwise file names.
 _lumvane_host() {
   local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]} text subcommands given candidates=
   text=$("$1" --help 2>/dev/null) || return

@@ -30,12 +30,12 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// What is being written, for the handler of signals. On Windows that runs in a thread of its own, while the program
-// goes on.
+// The file being written, for the signal handler. On Windows the handler runs in a separate thread while the program
+// continues.
 std::atomic<const fs::path::value_type*> unfinishedName = nullptr;
 std::atomic<FILE*> unfinishedFile = nullptr;
 
-// A file that nobody could know of beforehand: no link of this name is followed, and no file of this name opened.
+// Creates a file; fails if the name exists, so that no link planted under it is followed.
 FILE* openNew(const fs::path& path, int mode) {
 #ifdef _WIN32
   const int descriptor = _wopen(path.c_str(), _O_WRONLY | _O_CREAT | _O_EXCL | _O_BINARY | _O_NOINHERIT, mode);
@@ -45,9 +45,9 @@ FILE* openNew(const fs::path& path, int mode) {
   return descriptor < 0 ? nullptr : fdopen(descriptor, "wb");
 }
 
-// Gives a file the owner and the permissions of the one that it is to replace. False where it cannot take its place: it
-// may not have that owner, or that one has other names, too.
-bool resemble(FILE* file, const fs::path& replaced) {
+// Copies owner and permissions from the file to be replaced. Returns false if renaming must not replace that file: the
+// owner could not be set, or the file has further hard links.
+bool copyOwnerAndMode(FILE* file, const fs::path& replaced) {
 #ifndef _WIN32
   struct stat before, now;
   if (stat(replaced.c_str(), &before) != 0 || fstat(fileno(file), &now) != 0) return true;
@@ -76,8 +76,8 @@ std::u16string libraryPath(const std::string& name) {
 }
 
 bool isOutOfMemory(const std::exception& error) {
-  const auto* const ofOpenCv = dynamic_cast<const cv::Exception*>(&error);
-  return dynamic_cast<const std::bad_alloc*>(&error) || (ofOpenCv && ofOpenCv->code == cv::Error::StsNoMem);
+  const auto* const cvError = dynamic_cast<const cv::Exception*>(&error);
+  return dynamic_cast<const std::bad_alloc*>(&error) || (cvError && cvError->code == cv::Error::StsNoMem);
 }
 
 std::string printable(std::string text) {
@@ -93,7 +93,7 @@ void note(const std::string& text) { std::cerr << "lumvane-host: " << printable(
 
 std::ifstream openInput(const std::string& failed, const fs::path& path) {
   std::ifstream file(path, std::ios::binary);
-  if (file) file.peek();  // a folder can be opened, but not read
+  if (file) file.peek();  // a directory can be opened but not read
   if (!file.is_open() || file.bad()) throw Error(ExitCode::kInput, failed, path, std::strerror(errno));
   file.clear();
   return file;
@@ -102,7 +102,7 @@ std::ifstream openInput(const std::string& failed, const fs::path& path) {
 void makeFolder(const fs::path& folder) {
   std::error_code error;
   fs::create_directories(folder, error);
-  if (error) throw Error(ExitCode::kOutput, "cannot make the folder", folder, error.message());
+  if (error) throw Error(ExitCode::kOutput, "cannot create folder", folder, error.message());
 }
 
 OutputFile::OutputFile(const fs::path& path) : path_(path), target_(path), file_(stdout) {
@@ -123,7 +123,7 @@ OutputFile::OutputFile(const fs::path& path) : path_(path), target_(path), file_
     if (file_) {
       unfinished_ = name;
       unfinishedName = unfinished_.c_str();
-      replaces_ = !exists || resemble(file_, target_);
+      replaces_ = !exists || copyOwnerAndMode(file_, target_);
     }
   }
   unfinishedFile = file_;
@@ -142,7 +142,7 @@ void OutputFile::write(const void* data, size_t size) {
 }
 
 void OutputFile::finish() {
-  // On the disk before it has its name: a crash of the machine is to leave the old file or the new one.
+  // Flush to disk before renaming, so that a system crash leaves either the old or the new file.
   if (std::fflush(file_) != 0 || (!unfinished_.empty() && fsync(fileno(file_)) != 0)) fail(lastError());
   FILE* const file = std::exchange(file_, nullptr);
   if (file != stdout && std::fclose(file) != 0) fail(lastError());
@@ -160,9 +160,9 @@ void OutputFile::finish() {
 }
 
 void OutputFile::fail(const std::error_code& error) const {
-  // What an interrupt on Windows has taken away fails, too, and the program is about to end.
+  // On Windows this may be the result of an interrupt, whose handler closed the file: wait for the program to end.
   while (!unfinished_.empty() && !unfinishedName) std::this_thread::yield();
-  unfinishedName = nullptr;  // ends with this object
+  unfinishedName = nullptr;  // points into this object
   Error failure(ExitCode::kOutput, "cannot write", path_, error.message());
   failure.isDiskFull = error == std::errc::no_space_on_device;
   throw failure;
@@ -170,11 +170,11 @@ void OutputFile::fail(const std::error_code& error) const {
 
 #ifdef _WIN32
 void removeUnfinishedFileOnSignals() {
-  // Called in a thread of its own; the program ends after it.
+  // The handler runs in a separate thread, and the program ends after it.
   SetConsoleCtrlHandler(
       [](DWORD) -> BOOL {
         if (const wchar_t* const name = unfinishedName.exchange(nullptr)) {
-          // Nobody can remove a file that is open. What is being written goes nowhere from here on.
+          // An open file cannot be deleted. From here on, writes to it fail.
           if (FILE* const file = unfinishedFile) CloseHandle(reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(file))));
           DeleteFileW(name);
         }
@@ -184,13 +184,13 @@ void removeUnfinishedFileOnSignals() {
 }
 #else
 void removeUnfinishedFileOnSignals() {
-  std::signal(SIGXFSZ, SIG_IGN);  // the write that goes beyond a limit fails, and tells of it
+  std::signal(SIGXFSZ, SIG_IGN);  // the write that exceeds the size limit fails and is reported
   for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT}) {
-    // What the caller has the program ignore, as nohup does, it goes on ignoring.
+    // Signals that the caller set to be ignored, as nohup does, stay ignored.
     if (std::signal(signal, SIG_IGN) == SIG_IGN) continue;
     std::signal(signal, [](int number) {
       if (const char* const name = unfinishedName) unlink(name);
-      // Shells tell by the signal that the program was interrupted.
+      // Ending by the signal itself tells shells that the program was interrupted.
       std::signal(number, SIG_DFL);
       std::raise(number);
     });

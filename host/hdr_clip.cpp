@@ -7,7 +7,7 @@
 namespace host {
 namespace {
 
-// Light in cd/m2, BT.2020 primaries.
+// Returns light in cd/m2, BT.2020 primaries.
 Colour lightAt(double u, double v, double time) {
   if (v < 0.5) {  // sky and sun
     const double sunX = 0.2 + 0.6 * time;
@@ -21,7 +21,7 @@ Colour lightAt(double u, double v, double time) {
     const double place = u * 3.0;
     return kSkin[static_cast<int>(place)] * (20.0 * std::pow(30.0, place - std::floor(place)));
   }
-  if (v < 0.86) {  // saturated colours, above at 100 cd/m2, below at 600
+  if (v < 0.86) {  // saturated colours, 100 cd/m2 above, 600 below
     static const Colour kPatches[] = {{1, 0.05, 0.05}, {1, 0.5, 0.05},  {1, 1, 0.05},   {0.05, 1, 0.05},
                                       {0.05, 1, 1},    {0.05, 0.05, 1}, {0.6, 0.05, 1}, {1, 0.05, 0.6}};
     return kPatches[static_cast<int>(u * 8.0)] * (v < 0.77 ? 100.0 : 600.0);
@@ -39,7 +39,7 @@ VideoFrame drawHdrFrame(int width, int height, int index, int frames, bool pq) {
   for (int y = 0; y < height; ++y) {
     for (int x = 0; x < width; ++x) {
       const Colour s = hdrSignal(lightAt((x + 0.5) / width, (y + 0.5) / height, time), pq);
-      // BT.2020 non-constant luminance; the colour of each second pixel of each second row stands for its four.
+      // BT.2020 non-constant luminance; chroma is that of the upper left pixel of each 2 x 2 block.
       const double luma = 0.2627 * s[0] + 0.6780 * s[1] + 0.0593 * s[2];
       frame.planes[0](y, x) = code(16 + 219 * luma);
       if (x % 2 != 0 || y % 2 != 0) continue;

@@ -23,22 +23,22 @@ constexpr const char *kHlgLut = "HDR_HLG.cube", *kPqLut = "HDR_PQ.cube";
 
 struct Options {
   std::string luts, transfer, input, output;
-  std::string hlgCube, pqCube;           // empty: the program's own conversion
-  std::string codes = "full", codesOut;  // the latter empty: as the former
-  std::string range;                     // empty: what the video says of itself, or limited
+  std::string hlgCube, pqCube;           // empty: the built-in conversion
+  std::string codes = "full", codesOut;  // codesOut empty: same as codes
+  std::string range;                     // empty: as the video is tagged, or limited
   int size = 65, frames = 25, width = 640, height = 360;
   unsigned frame = 0;
 
   bool isPq() const { return transfer == "pq"; }
 };
 
-// Codes of 10 bits, as broadcasters' cubes have them: narrow ones have black at 64 and white at 940.
+// 10-bit codes, as used by broadcasters' cubes: narrow range has black at 64 and white at 940.
 struct Codes {
   explicit Codes(bool narrow) : black(narrow ? 64 / 1023.0 : 0.0), width(narrow ? 876 / 1023.0 : 1.0) {}
   double black, width;
 };
 
-// A cube of somebody else's in the form that the library takes: without a domain, without values that wrap.
+// Resamples a third-party cube for the library: domain 0 to 1, no values that wrap.
 std::string resampled(const std::string& name, const Options& options) {
   const LutContents cube = readLut(toPath(name));
   if (!cube.isWholeCube()) {
@@ -73,20 +73,20 @@ std::shared_ptr<void> openHdr(const Options& options, bool limited, int width, i
           DestroyVideoAdjustColor};
 }
 
-// People take the name of a file for a choice of its format.
-void tellFormat(const std::string& output) {
+// Users may expect the file extension to choose the format.
+void warnAboutFormat(const std::string& output) {
   const std::string extension = lowerCaseExtension(toPath(output));
   if (extension.empty() || extension == ".y4m") return;
-  note("'" + output + "' gets a YUV4MPEG2 stream, not a " + extension +
-       " file; for one, give - as the output and append: | ffmpeg -i - " + output);
+  note("'" + output + "' will be a YUV4MPEG2 stream, not a " + extension +
+       " file; to get one, write to - and append: | ffmpeg -i - " + output);
 }
 
 void convert(const Options& options) {
-  std::error_code notThere;
-  if (fs::equivalent(toPath(options.input), toPath(options.output), notThere)) {
+  std::error_code ignored;
+  if (fs::equivalent(toPath(options.input), toPath(options.output), ignored)) {
     throw Error(ExitCode::kUsage, "'" + options.output + "' is both the input and the output");
   }
-  // The library does not tell of an HDR LUT that is missing, damaged or wraps. As one for grading it has to be whole.
+  // The library does not report an HDR LUT that is missing, damaged or wraps, so it is checked as a grading LUT first.
   const fs::path lut = toPath(options.luts) / (options.isPq() ? kPqLut : kHlgLut);
   openLut(toName(lut));
   const std::string wrapping = readLut(lut).wrappingValues();
@@ -100,13 +100,13 @@ void convert(const Options& options) {
   if (format.range != "FULL") format.range = "LIMITED";
   const int width = format.width, chromaWidth = (width + 1) / 2;
   const std::shared_ptr<void> effect = openHdr(options, format.range == "LIMITED", width, format.height);
-  tellFormat(options.output);
+  warnAboutFormat(options.output);
   OutputFile file(toPath(options.output));
-  writeVideoHead(file, format);
+  writeVideoHeader(file, format);
   VideoFrame src(width, format.height), dst(width, format.height);
   Progress progress("frames", reader.framesAhead(src));
   while (reader.read(src)) {
-    // The library takes V before U, the stream has U before V.
+    // The library expects V before U, the stream has U before V.
     VideoAdjustColorProcess(effect.get(), src.planes[0].data, src.planes[2].data, src.planes[1].data, width,
                             chromaWidth, chromaWidth, 0, 0, dst.planes[0].data, dst.planes[2].data, dst.planes[1].data);
     writeVideoFrame(file, dst);
@@ -116,9 +116,9 @@ void convert(const Options& options) {
 }
 
 void drawClip(const Options& options) {
-  tellFormat(options.output);
+  warnAboutFormat(options.output);
   OutputFile file(toPath(options.output));
-  writeVideoHead(file, {options.width, options.height, "25:1", "0:0", "LIMITED"});
+  writeVideoHeader(file, {options.width, options.height, "25:1", "0:0", "LIMITED"});
   Progress progress("frames", static_cast<size_t>(options.frames));
   for (int i = 0; i < options.frames; ++i) {
     writeVideoFrame(file, drawHdrFrame(options.width, options.height, i, options.frames, options.isPq()));
@@ -127,14 +127,14 @@ void drawClip(const Options& options) {
   file.finish();
 }
 
-// A limited-range picture taken for BT.709, as a viewer that knows nothing of HDR shows it.
+// Decodes a limited-range frame as BT.709, which is what a viewer without HDR support shows.
 void takeStill(const Options& options) {
   VideoReader reader(toPath(options.input));
   const int width = reader.format().width, height = reader.format().height;
   VideoFrame frame(width, height);
   for (unsigned i = 0; i <= options.frame; ++i) {
     if (reader.read(frame)) continue;
-    throw Error(ExitCode::kInput, "'" + options.input + "' is shorter: it has " + std::to_string(i) + " frames");
+    throw Error(ExitCode::kInput, "'" + options.input + "' has only " + std::to_string(i) + " frames");
   }
   cv::Mat picture(height, width, CV_8UC4);
   picture.forEach<cv::Vec4b>([&](cv::Vec4b& pixel, const int* at) {
@@ -166,10 +166,10 @@ void addHdrCommands(CLI::App& app) {
     command->callback([options, run] { run(*options); });
     return command;
   };
-  constexpr const char* kInput = "Video to read, - for the standard input";
-  constexpr const char* kOutput = "Video to write, - for the standard output";
+  constexpr const char* kInput = "Video to read, - for standard input";
+  constexpr const char* kOutput = "Video to write, - for standard output";
 
-  auto* luts = add("hdr-luts", "Write the two LUT files that turn HLG and PQ into BT.709",
+  auto* luts = add("hdr-luts", "Write the two LUT files that convert HLG and PQ to BT.709",
                    "Examples:\n"
                    "  lumvane-host hdr-luts luts\n"
                    "  lumvane-host hdr-luts --hlg hlg-to-709.cube --pq pq-to-709.cube --codes narrow luts",
@@ -177,15 +177,14 @@ void addHdrCommands(CLI::App& app) {
   addPath(luts, "folder", options->luts, "Folder to write HDR_HLG.cube and HDR_PQ.cube to");
   luts->add_option("--size", options->size, "Points per axis")->check(CLI::Range(2, 65));
   luts->add_option("--hlg", options->hlgCube,
-                   "Published cube to make HDR_HLG.cube from; by default the built-in conversion")
+                   "Published cube to make HDR_HLG.cube from; default: the built-in conversion")
       ->type_name("PATH");
-  luts->add_option("--pq", options->pqCube,
-                   "Published cube to make HDR_PQ.cube from; by default the built-in conversion")
+  luts->add_option("--pq", options->pqCube, "Published cube to make HDR_PQ.cube from; default: the built-in conversion")
       ->type_name("PATH");
   luts->add_option("--codes", options->codes,
                    "Range of the cubes' input and output: black and white at 0 and 1 (full), or at 64 and 940 of 1023")
       ->check(CLI::IsMember({"narrow", "full"}));
-  luts->add_option("--codes-out", options->codesOut, "Range of the cubes' output, where it is not that of --codes")
+  luts->add_option("--codes-out", options->codesOut, "Range of the cubes' output, if different from --codes")
       ->check(CLI::IsMember({"narrow", "full"}));
 
   auto* hdr = add("hdr", "Convert HDR video (BT.2020, 8-bit 4:2:0 YUV4MPEG2, chroma sited left) to BT.709",
@@ -197,7 +196,7 @@ void addHdrCommands(CLI::App& app) {
   addPath(hdr, "--luts", options->luts, "Folder with HDR_HLG.cube and HDR_PQ.cube; hdr-luts makes them");
   addTransfer(hdr, options->transfer);
   hdr->add_option("--range", options->range,
-                  "Range of the code values, in and out; by default as the video is tagged, or limited")
+                  "Range of the code values, in and out; default: as the video is tagged, or limited")
       ->check(CLI::IsMember({"limited", "full"}));
   addPath(hdr, "input", options->input, kInput);
   addPath(hdr, "output", options->output, kOutput);

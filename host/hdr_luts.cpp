@@ -1,15 +1,15 @@
-// From HDR signals to BT.709 for a display of standard dynamic range, in these steps:
+// Converts HDR signals to BT.709 for a standard dynamic range display, in these steps:
 //
 // 1. Signal to light on an HDR display in cd/m2, BT.2020 primaries. PQ: the EOTF of SMPTE ST 2084. HLG: the inverse
 //    OETF and the OOTF for a nominal peak of 1000 cd/m2, system gamma 1.2 (both ITU-R BT.2100-2, tables 4 and 5).
 // 2. Primaries: BT.2020 to BT.709 (ITU-R BT.2087-0, inverted).
 // 3. Gamut: a colour outside BT.709, with a negative red, green or blue, is moved towards the grey
-//    of its own luminance until it can.
+//    of the same luminance until it is inside.
 // 4. Tone curve: the EETF of ITU-R BT.2390, from a peak of 1000 cd/m2 to 203 cd/m2, the reference white of
-//    ITU-R BT.2408: light up to about 88 cd/m2 is kept, what is above is bent down, and 1000 cd/m2 become white. It is
-//    applied to the largest of the three colours and the other two keep their proportion to it: so nothing is clipped,
-//    and highlights keep their hue.
-// 5. Light to signal: the inverse of the BT.1886 display, a power of 1 / 2.4.
+//    ITU-R BT.2408: light up to about 88 cd/m2 is kept, light above is compressed, and 1000 cd/m2 become white. It is
+//    applied to the largest component and the other two are scaled by the same factor: so nothing is clipped, and
+//    highlights keep their hue.
+// 5. Light to signal: the inverse of the BT.1886 EOTF, a power of 1 / 2.4.
 
 #include "host/hdr_luts.h"
 
@@ -20,7 +20,7 @@
 namespace host {
 namespace {
 
-constexpr double kPeak = 1000.0;           // cd/m2, of what is shown
+constexpr double kPeak = 1000.0;           // cd/m2, of the HDR display
 constexpr double kReferenceWhite = 203.0;  // cd/m2, becomes the white of BT.709
 const Colour kLuma2020 = {0.2627, 0.6780, 0.0593};
 const Colour kLuma709 = {0.2126, 0.7152, 0.0722};
@@ -66,7 +66,7 @@ Colour hlgLight(const Colour& signal) {
   return scene * (kPeak * std::pow(kLuma2020.dot(scene), kSystemGamma - 1.0));
 }
 
-// The EETF with black at 0: a Hermite spline above the knee, in PQ signal as a part of the peak's.
+// The EETF with black at 0: a Hermite spline above the knee, on PQ signals normalised to that of the peak.
 double toneCurve(double light) {
   const double peak = pqSignal(kPeak);
   const double target = pqSignal(kReferenceWhite) / peak;

@@ -8,13 +8,13 @@ namespace host {
 
 using Colour = cv::Vec3d;  ///< red, green, blue
 
-/// The transfer function, PQ or else HLG: light in cd/m2 to the signal from 0 to 1, both BT.2020.
+/// Applies the PQ or else HLG transfer function: light in cd/m2 to signal from 0 to 1, both BT.2020.
 Colour hdrSignal(const Colour& light, bool pq);
 
-/// R'G'B' of BT.709 from such a signal.
+/// Converts such a signal to BT.709 R'G'B'.
 Colour hdrToBt709(const Colour& signal, bool pq);
 
-/// The text of a .cube file of `size` points per axis; `colourAt` gives the result for an input, both from 0 to 1.
+/// Returns the text of a .cube file of `size` points per axis; `colourAt` maps input to output, both from 0 to 1.
 std::string cubeText(const std::string& title, int size, const std::function<Colour(const Colour&)>& colourAt);
 
 }  // namespace host

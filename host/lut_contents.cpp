@@ -1,4 +1,4 @@
-// LUT files, read as the library reads them: docs/formats.md has the rules.
+// Reads LUT files as the library does: docs/formats.md has the rules.
 
 #include "host/lut_contents.h"
 
@@ -21,7 +21,7 @@ constexpr uintmax_t kLargestFile = uintmax_t{1} << 30;  // bytes; 256 points per
 
 size_t cubeOf(int size) { return size_t(1) * size * size * size; }
 
-// A row, or one number. How many are read; the others stay as they are.
+// Reads up to `most` numbers and returns how many there were; the other values are unchanged.
 int readNumbers(std::string_view line, float* values, int most) {
   const char* next = line.data();
   const char* const end = next + line.size();
@@ -41,7 +41,7 @@ void readCubeKeyword(LutContents& lut, std::string_view word, std::string_view r
   readNumbers(rest, values.val, 3);
   if (word == "LUT_1D_SIZE") {
     lut.hasCurve = true;
-    remark(lut, "it holds a one-dimensional table, and only 3D tables are read");
+    remark(lut, "it contains a one-dimensional table; only 3D tables are supported");
   } else if (word == "LUT_3D_SIZE" && values[0] > 0.0f) {
     lut.size = static_cast<int>(std::min(values[0], kLargestSize + 1.0f));
   } else if (word == "DOMAIN_MIN") {
@@ -57,9 +57,9 @@ void readCubeKeyword(LutContents& lut, std::string_view word, std::string_view r
 
 void readMesh(LutContents& lut, std::string_view line) {
   lut.size = static_cast<int>(std::min<ptrdiff_t>(std::count(line.begin(), line.end(), ' '), kLargestSize)) + 1;
-  if (line.find('\t') != line.npos) remark(lut, "tabs do not separate the entries of its mesh line");
+  if (line.find('\t') != line.npos) remark(lut, "its mesh line contains tabs, which do not separate entries");
   if (line.front() == ' ' || line.back() == ' ' || line.find("  ") != line.npos) {
-    remark(lut, "its mesh line begins or ends with a blank, or has two together, which counts as an extra entry");
+    remark(lut, "its mesh line has a leading, trailing or double space, which counts as an extra entry");
   }
 }
 
@@ -67,26 +67,28 @@ void remarkOnValues(LutContents& lut) {
   const bool isCube = lut.format == ".cube";
   const bool lacksMesh = !isCube && lut.size == 3 && lut.rows > cubeOf(3);
   if (lut.size < (isCube ? 2 : 3) || lut.size > 65) {
-    remark(lut, "it has no size that can be used: 2 to 65 points per axis, in a .3dl file 3 to 65");
+    remark(lut, "its size is not supported: 2 to 65 points per axis, in a .3dl file 3 to 65");
   } else if (lacksMesh) {
-    remark(lut, "it has no mesh line: its first row is taken for one, and it is read as a table of 3 points per axis");
+    remark(lut, "it has no mesh line: its first row is read as one, and the table as one of 3 points per axis");
   } else if (lut.rows != cubeOf(lut.size)) {
-    remark(lut, cv::format("it has %zu rows, and %d points per axis take %zu", lut.rows, lut.size, cubeOf(lut.size)));
+    remark(lut, cv::format("it has %zu rows, but %d points per axis need %zu", lut.rows, lut.size, cubeOf(lut.size)));
   }
   if (lut.shortRows != 0) {
-    remark(lut, cv::format("%zu of its rows lack numbers, and repeat those of the row before", lut.shortRows));
+    remark(lut, cv::format("%zu of its rows have fewer than three numbers and repeat those of the previous row",
+                           lut.shortRows));
   }
   if (isCube && (lut.domainMin != cv::Vec3d::all(0) || lut.domainMax != cv::Vec3d::all(1))) {
     const cv::Vec3d &from = lut.domainMin, &to = lut.domainMax;
-    remark(lut, cv::format("its domain is %g %g %g to %g %g %g, and inputs run from 0 to 1 here: %s", from[0], from[1],
+    remark(lut, cv::format("its domain is %g %g %g to %g %g %g, but inputs run from 0 to 1 here: %s", from[0], from[1],
                            from[2], to[0], to[1], to[2],
                            lut.hasInputRange ? "it is ignored" : "results are multiplied by the difference"));
   }
-  const char* const outcome = isCube && lut.most >= 16.0      ? "1 is full scale: it comes out white"
-                              : !isCube && lut.most > 4095.0  ? "4095 is full scale: a table of 16 bits comes out white"
-                              : !isCube && lut.most <= 1023.0 ? "4095 is full scale: a table of 10 bits comes out dark"
-                                                              : nullptr;
-  if (outcome && lut.rows != 0) remark(lut, cv::format("its values go up to %g, and %s", lut.most, outcome));
+  const char* const outcome =
+      isCube && lut.maxValue >= 16.0      ? "1 is full scale: it comes out white"
+      : !isCube && lut.maxValue > 4095.0  ? "4095 is full scale: a table of 16 bits comes out white"
+      : !isCube && lut.maxValue <= 1023.0 ? "4095 is full scale: a table of 10 bits comes out dark"
+                                          : nullptr;
+  if (outcome && lut.rows != 0) remark(lut, cv::format("its values go up to %g, and %s", lut.maxValue, outcome));
 }
 
 }  // namespace
@@ -94,7 +96,7 @@ void remarkOnValues(LutContents& lut) {
 LutContents readLut(const std::filesystem::path& path) {
   const std::string failed = "cannot use LUT file";
   std::error_code error;
-  // A pipe or a device could be waited for without an end.
+  // Reading a pipe or a device might never end.
   if (std::filesystem::exists(path, error) && !std::filesystem::is_regular_file(path, error)) {
     throw Error(ExitCode::kInput, failed, path, "it is not a regular file");
   }
@@ -123,9 +125,9 @@ LutContents readLut(const std::filesystem::path& path) {
       if (!inTable || !isCube) continue;
     }
     if (readNumbers(line, row.val, 3) < 3) ++lut.shortRows;
-    const auto [least, most] = std::minmax_element(row.val, row.val + 3);
-    lut.least = lut.rows == 0 ? *least : std::min<double>(lut.least, *least);
-    lut.most = lut.rows == 0 ? *most : std::max<double>(lut.most, *most);
+    const auto [min, max] = std::minmax_element(row.val, row.val + 3);
+    lut.minValue = lut.rows == 0 ? *min : std::min<double>(lut.minValue, *min);
+    lut.maxValue = lut.rows == 0 ? *max : std::max<double>(lut.maxValue, *max);
     if (++lut.rows <= cubeOf(kLargestSize)) lut.points.push_back(row);
   }
   remarkOnValues(lut);
@@ -135,7 +137,7 @@ LutContents readLut(const std::filesystem::path& path) {
 std::string LutContents::description() const {
   std::string text = "format   " + format;
   if (format != ".cube" && format != ".3dl") return text + " by its name, which is not supported";
-  text += cv::format("\nsize     %d points per axis, %zu rows\nvalues   %g to %g", size, rows, least, most);
+  text += cv::format("\nsize     %d points per axis, %zu rows\nvalues   %g to %g", size, rows, minValue, maxValue);
   if (format == ".3dl") return text + ", full scale 4095";
   return text + cv::format(", full scale 1\ndomain   %g %g %g to %g %g %g", domainMin[0], domainMin[1], domainMin[2],
                            domainMax[0], domainMax[1], domainMax[2]);
@@ -179,9 +181,9 @@ std::string LutContents::wrappingValues() const {
   if (count == 0) return "";
   const cv::Vec3f& row = points[first];
   return cv::format(
-      "%zu of its %zu rows hold values below 0 that wrap around to white, first row %zu: %g %g %g; the lowest value is "
+      "%zu of its %zu rows have values below 0 that wrap around to white, first row %zu: %g %g %g; the lowest value is "
       "%g",
-      count, rows, first + 1, row[0], row[1], row[2], least);
+      count, rows, first + 1, row[0], row[1], row[2], minValue);
 }
 
 }  // namespace host

@@ -1,4 +1,4 @@
-// lumvane-host: a small editing host. It uses the library as any host does, through lumvane.h alone.
+// lumvane-host: a small editing host. Like any host, it uses the library through lumvane.h alone.
 
 #include <exception>
 #include <iostream>
@@ -28,23 +28,23 @@ int main(int argc, char** argv) {
   app.option_defaults()->always_capture_default();
   app.get_formatter()->column_width(26);
   app.footer(
-      "lumvane-host SUBCOMMAND --help tells what each takes.\n\n"
+      "lumvane-host SUBCOMMAND --help lists the arguments of each.\n\n"
       "An output file appears under its name only once it is complete: an error or Ctrl-C leaves no partial file.\n"
       "Exit codes: 0 done, 2 wrong arguments, 3 an input that is missing or cannot be used,\n"
       "4 an output that cannot be written, 1 anything else.");
   host::limitMemory(2.0);
-  app.fallthrough();  // after the subcommand, too
+  app.fallthrough();  // accepts --memory after the subcommand, too
   app.add_option_function<double>("--memory", host::limitMemory,
                                   "Memory limit in GB, on Linux; raise it for larger inputs")
       ->check(CLI::Range(0.1, 1e6))
       ->default_str("2");
-  cv::utils::logging::setLogLevel(cv::utils::logging::LOG_LEVEL_SILENT);  // the program has words of its own
+  cv::utils::logging::setLogLevel(cv::utils::logging::LOG_LEVEL_SILENT);  // the program reports errors itself
   host::addPictureCommands(app);
   host::addHdrCommands(app);
   try {
     const std::vector<std::string> arguments = host::utf8Arguments(argc, argv);
-    app.parse(std::vector(arguments.rbegin(), arguments.rend() - 1));  // the last one first, no name of the program
-    // Demanded here: the parser would report this before a word that is not a subcommand.
+    app.parse(std::vector(arguments.rbegin(), arguments.rend() - 1));  // in reverse, without the program name
+    // Checked here because the parser would report it in preference to an unknown subcommand.
     if (app.get_subcommands().empty()) throw CLI::RequiredError("a subcommand");
     return 0;
   } catch (const CLI::ParseError& error) {

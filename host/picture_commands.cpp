@@ -24,7 +24,7 @@ struct Options {
 
 int32_t stride(const cv::Mat& picture) { return static_cast<int32_t>(picture.step[0]); }
 
-// What a LUT file is, and what the library makes of it.
+// Prints the contents of a LUT file and how the library applies it, then ends the program.
 void checkLut(const std::string& name) {
   const LutContents contents = readLut(toPath(name));
   std::cout << contents.description() << std::endl;
@@ -40,13 +40,13 @@ void checkLut(const std::string& name) {
   throw CLI::Success();
 }
 
-// The library multiplies colours by alpha, picture files hold them without. So a picture is graded as an opaque one and
-// gets its alpha back, which is right at every strength; `premultiply` gives the library's own answer instead.
+// The library multiplies colours by alpha, whereas picture files store straight alpha. So a picture is graded as opaque
+// and its alpha restored, which is right at every strength; `premultiply` keeps the library's result instead.
 Edit grading(const Options& options) {
   return [&options, effect = openLut(options.lut)](const cv::Mat& picture) {
     cv::Mat src = picture.clone();
     if (!options.premultiply) cv::insertChannel(cv::Mat(src.size(), CV_8UC1, cv::Scalar(255)), src, 3);
-    cv::Mat dst = src.clone();  // strength 0 leaves the destination as it is
+    cv::Mat dst = src.clone();  // strength 0 does not write the destination
     Lut3DColorAdjustEffectProcess(effect.get(), dst.data, dst.cols, dst.rows, stride(dst), src.data, src.cols, src.rows,
                                   stride(src), options.strength);
     if (!options.premultiply) cv::mixChannels(picture, dst, {3, 3});
@@ -54,7 +54,7 @@ Edit grading(const Options& options) {
   };
 }
 
-// Pictures differ in size, and the size given at create sets the depth of the pyramid: so each gets its own effect.
+// One effect per picture: the size given at creation sets the depth of the pyramid.
 Edit clarity(const Options& options) {
   return [&options](const cv::Mat& picture) {
     const std::shared_ptr<void> effect(
@@ -78,17 +78,17 @@ Edit whiteBalance(const Options& options) {
   };
 }
 
-// Tells what an option takes, with an example, where a word cannot be read as such a number.
+// Returns a validator that describes the expected value, with an example, if the text is not a `Number`.
 template <class Number>
-CLI::Validator takes(const std::string& what) {
+CLI::Validator mustBe(const std::string& what) {
   const auto check = [what](const std::string& text) {
     Number value;
-    return CLI::detail::lexical_cast(text, value) ? "" : "takes " + what + ", not '" + text + "'";
+    return CLI::detail::lexical_cast(text, value) ? "" : "must be " + what + ", not '" + text + "'";
   };
   return {check, ""};
 }
 
-// `open` makes the edit when all options are known.
+// `open` creates the edit once all options are parsed.
 CLI::App* addPictureCommand(CLI::App& app, const char* name, const char* description, const std::string& examples,
                             const std::shared_ptr<Options>& options, Edit (*open)(const Options&)) {
   auto* command = app.add_subcommand(name, description);
@@ -97,8 +97,7 @@ CLI::App* addPictureCommand(CLI::App& app, const char* name, const char* descrip
   command->footer("Reads and writes" + formats + ", 8 and 16 bits in, 8 out. Colours of ICC profiles become sRGB.\n\n" +
                   examples);
   command
-      ->add_option("--quality", options->quality,
-                   "Quality of JPEG files, 1 to 100; by default that of the input, or 95")
+      ->add_option("--quality", options->quality, "Quality of JPEG files, 1 to 100; default: that of the input, or 95")
       ->check(CLI::Range(1, 100))
       ->default_str("");
   command->add_flag("--compare", options->compare,
@@ -117,8 +116,8 @@ CLI::App* addPictureCommand(CLI::App& app, const char* name, const char* descrip
 
 }  // namespace
 
-// The library has one answer to every file that it cannot use; people want to know why. And a shaper curve ahead of a
-// table it takes for a part of the table.
+// The library returns null for every file that it cannot use; the remarks say why. It reads a shaper curve ahead of a
+// table as part of the table, so such files are refused.
 std::shared_ptr<void> openLut(const std::string& name) {
   const LutContents contents = readLut(toPath(name));
   std::shared_ptr<void> effect(Create3DLutColorAdjustEffect(libraryPath(name).c_str(), 0, 0),
@@ -126,7 +125,7 @@ std::shared_ptr<void> openLut(const std::string& name) {
   if (!effect || contents.hasCurve) {
     throw Error(ExitCode::kInput, "cannot use LUT file", toPath(name),
                 contents.remarks + (contents.remarks.empty() ? "" : "; ") +
-                    "a LUT is a .cube file of 2 to 65 points per axis or a .3dl file of 3 to 65, with all its rows");
+                    "a usable LUT is a complete .cube file of 2 to 65 points per axis or .3dl file of 3 to 65");
   }
   if (!contents.remarks.empty()) note("LUT file '" + name + "': " + contents.remarks);
   return effect;
@@ -135,8 +134,8 @@ std::shared_ptr<void> openLut(const std::string& name) {
 void addPictureCommands(CLI::App& app) {
   const auto options = std::make_shared<Options>();
 
-  const CLI::Validator percent = takes<int>("a whole number of percent, such as 60");
-  const CLI::Validator shift = takes<float>("a number, such as 0.2");
+  const CLI::Validator percent = mustBe<int>("a whole number of percent, such as 60");
+  const CLI::Validator shift = mustBe<float>("a number, such as 0.2");
 
   auto* lut = addPictureCommand(app, "lut", "Grade pictures through a 3D LUT",
                                 "Examples:\n"
@@ -145,7 +144,7 @@ void addPictureCommands(CLI::App& app) {
                                 "  lumvane-host lut --check look.cube",
                                 options, grading);
   lut->add_option("--lut", options->lut, "LUT file, .cube or .3dl")->required()->type_name("PATH");
-  lut->add_option_function<std::string>("--check", checkLut, "Only print what a LUT file is and how it is read")
+  lut->add_option_function<std::string>("--check", checkLut, "Only print what a LUT file contains and how it is read")
       ->trigger_on_parse()
       ->type_name("PATH");
   lut->add_option("--strength", options->strength, "Strength in percent, 0 to 100, clamped")->check(percent);

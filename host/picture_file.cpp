@@ -18,29 +18,29 @@ namespace {
 
 using std::operator""sv;
 
-// Functions of this file read with at() and substr(), which throw std::out_of_range where a file ends too early.
-size_t number(std::string_view bytes, size_t at, size_t size, bool highFirst) {
+// Functions in this file read with at() and substr(), which throw std::out_of_range if a file is truncated.
+size_t number(std::string_view bytes, size_t at, size_t size, bool bigEndian) {
   size_t value = 0;
   for (size_t i = 0; i < size; ++i) {
-    value = value << 8 | static_cast<unsigned char>(bytes.at(at + (highFirst ? i : size - 1 - i)));
+    value = value << 8 | static_cast<unsigned char>(bytes.at(at + (bigEndian ? i : size - 1 - i)));
   }
   return value;
 }
 
-// 1 to 100 from a table of luma steps, of which the encoders' own for 50 add up to 3688 (ITU-T T.81, table K.1).
+// Estimates the quality, 1 to 100, from a luma quantisation table; at 50 its sum is 3688 (ITU-T T.81, table K.1).
 int jpegQuality(std::string_view steps) {
   const auto add = [](double sum, char step) { return sum + static_cast<unsigned char>(step); };
   const double scale = std::accumulate(steps.begin(), steps.end(), 0.0, add) / 36.88;
   return static_cast<int>(std::lround(std::clamp(scale <= 100.0 ? 100.4 - scale / 2 : 5000.0 / scale, 1.0, 100.0)));
 }
 
-// The header is a row of segments (ITU-T T.81, annex B): a marker, 0xff and a byte, and a length in two bytes that
-// counts itself. A thumbnail, with an end marker of its own, lies inside a segment. Marker 0xda begins the picture.
-void lookIntoJpeg(std::string_view bytes, PictureFile& file) {
+// The header is a sequence of segments (ITU-T T.81, annex B): a marker, 0xff and a byte, and a two-byte length that
+// includes itself. Thumbnails, with their own end marker, lie inside segments. Marker 0xda starts the image data.
+void readJpegMetadata(std::string_view bytes, PictureFile& file) {
   file.cutOff = true;
   size_t at = 2;
   for (size_t marker; (marker = number(bytes, at + 1, 1, true)) != 0xda;) {
-    if (marker == 0xff) {  // may be repeated
+    if (marker == 0xff) {  // fill byte
       ++at;
       continue;
     }
@@ -48,7 +48,7 @@ void lookIntoJpeg(std::string_view bytes, PictureFile& file) {
     const std::string_view segment = bytes.substr(at + 4, length - 2);
     if (marker == 0xe2 && segment.starts_with("ICC_PROFILE\0"sv)) file.profile += segment.substr(14);
     if (marker == 0xdb && segment.size() >= 65 && segment[0] == 0) file.quality = jpegQuality(segment.substr(1, 64));
-    if ((marker == 0xc0 || marker == 0xc1 || marker == 0xc2) && segment.size() >= 15) {  // with three components
+    if ((marker == 0xc0 || marker == 0xc1 || marker == 0xc2) && segment.size() >= 15) {  // three components
       file.sampling = static_cast<unsigned char>(segment[7]);
     }
     at += 2 + length;
@@ -56,8 +56,8 @@ void lookIntoJpeg(std::string_view bytes, PictureFile& file) {
   file.cutOff = bytes.find("\xff\xd9", at) == bytes.npos;
 }
 
-// The part of a PNG or WebP file that has this name, among parts with a length each.
-std::string_view partOf(std::string_view bytes, std::string_view name, bool isPng) {
+// Returns the contents of the named chunk of a PNG or WebP file.
+std::string_view findChunk(std::string_view bytes, std::string_view name, bool isPng) {
   for (size_t at = isPng ? 8 : 12;;) {
     const size_t length = number(bytes, isPng ? at : at + 4, 4, isPng);
     if (bytes.substr(isPng ? at + 4 : at, 4) == name) return bytes.substr(at + 8, length);
@@ -67,7 +67,7 @@ std::string_view partOf(std::string_view bytes, std::string_view name, bool isPn
 
 #ifdef LUMVANE_HOST_PROFILES
 std::string unpacked(std::string_view packed) {
-  uLongf size = 1 << 22;  // profiles of displays and cameras take a few KB
+  uLongf size = 1 << 22;  // display and camera profiles have a few KB
   std::string out(size, '\0');
   const auto* const source = reinterpret_cast<const Bytef*>(packed.data());
   const int result = uncompress(reinterpret_cast<Bytef*>(out.data()), &size, source, packed.size());
@@ -77,27 +77,27 @@ std::string unpacked(std::string_view packed) {
 #endif
 
 std::string_view tiffProfile(std::string_view bytes) {
-  const bool highFirst = bytes[0] == 'M';
-  const size_t directory = number(bytes, 4, 4, highFirst);
-  for (size_t i = 0; i < number(bytes, directory, 2, highFirst); ++i) {
+  const bool bigEndian = bytes[0] == 'M';
+  const size_t directory = number(bytes, 4, 4, bigEndian);
+  for (size_t i = 0; i < number(bytes, directory, 2, bigEndian); ++i) {
     const size_t entry = directory + 2 + 12 * i;
-    if (number(bytes, entry, 2, highFirst) != 34675) continue;
-    return bytes.substr(number(bytes, entry + 8, 4, highFirst), number(bytes, entry + 4, 4, highFirst));
+    if (number(bytes, entry, 2, bigEndian) != 34675) continue;
+    return bytes.substr(number(bytes, entry + 8, 4, bigEndian), number(bytes, entry + 4, 4, bigEndian));
   }
   return "";
 }
 
 }  // namespace
 
-PictureFile lookInto(std::string_view bytes) {
+PictureFile readMetadata(std::string_view bytes) {
   PictureFile file;
   try {
-    if (bytes.starts_with("\xff\xd8\xff")) lookIntoJpeg(bytes, file);
-    if (bytes.starts_with("RIFF")) file.profile = partOf(bytes, "ICCP", false);
+    if (bytes.starts_with("\xff\xd8\xff")) readJpegMetadata(bytes, file);
+    if (bytes.starts_with("RIFF")) file.profile = findChunk(bytes, "ICCP", false);
     if (bytes.starts_with("II*\0"sv) || bytes.starts_with("MM\0*"sv)) file.profile = tiffProfile(bytes);
 #ifdef LUMVANE_HOST_PROFILES
-    if (bytes.starts_with("\x89PNG")) {  // a name, a zero and a byte for the way of packing
-      const std::string_view part = partOf(bytes, "iCCP", true);
+    if (bytes.starts_with("\x89PNG")) {  // a name, a zero and the compression method
+      const std::string_view part = findChunk(bytes, "iCCP", true);
       file.profile = unpacked(part.substr(part.find('\0') + 2));
     }
 #endif

@@ -15,27 +15,26 @@ namespace fs = std::filesystem;
 struct Job {
   fs::path input;
   fs::path output;
-  fs::path comparison;  ///< empty when none is asked for
+  fs::path comparison;  ///< empty if not requested
 };
 
-// A picture must not take the place of one that is still to be read, nor of another result.
+// Throws an Error if an output would replace an input or another output.
 void refuseOverwriting(const std::vector<Job>& jobs) {
   std::set<fs::path> taken;
   for (const Job& job : jobs) taken.insert(uniquePath(job.input));
   for (const Job& job : jobs) {
     for (const fs::path& output : {job.output, job.comparison}) {
-      std::error_code notThere;
-      if (!output.empty() &&
-          (!taken.insert(uniquePath(output)).second || fs::equivalent(job.input, output, notThere))) {
+      std::error_code ignored;
+      if (!output.empty() && (!taken.insert(uniquePath(output)).second || fs::equivalent(job.input, output, ignored))) {
         throw Error(ExitCode::kUsage, "cannot write", output, "it is an input, or the output of two pictures");
       }
     }
   }
 }
 
-// One picture goes to a file; several, or the pictures of a folder, keep their names and go to a folder.
+// A single picture is written to a file; several, or those of a folder, keep their names and are written to a folder.
 std::vector<Job> planJobs(const std::vector<std::string>& paths, bool compare) {
-  std::error_code error;  // where it is looked at no further, opening the file tells what is wrong
+  std::error_code error;  // ignored: opening the file reports what is wrong
   const fs::path output = toPath(paths.back());
   std::vector<fs::path> inputs;
   for (size_t i = 0; i + 1 < paths.size(); ++i) inputs.push_back(toPath(paths[i]));
@@ -70,9 +69,9 @@ void editPicture(const Job& job, int quality, const Edit& edit) {
 
 void editPictures(const std::vector<std::string>& paths, bool compare, int quality, const Edit& edit) {
   const std::vector<Job> jobs = planJobs(paths, compare);
-  if (jobs.size() == 1) return editPicture(jobs[0], quality, edit);  // of its failures the caller tells
+  if (jobs.size() == 1) return editPicture(jobs[0], quality, edit);  // the caller reports its failure
 
-  // One bad picture does not keep the others waiting; a full disk does.
+  // A failed picture does not stop the others; a full disk does.
   std::string failures;
   size_t failed = 0;
   ExitCode code = ExitCode::kOther;
@@ -81,7 +80,7 @@ void editPictures(const std::vector<std::string>& paths, bool compare, int quali
     try {
       editPicture(job, quality, edit);
     } catch (const std::exception& error) {
-      const auto* expected = dynamic_cast<const Error*>(&error);  // such a text has the name in it
+      const auto* expected = dynamic_cast<const Error*>(&error);  // its text contains the name
       failures +=
           "\n  " + (expected ? "" : toName(job.input) + ": ") + (isOutOfMemory(error) ? kOutOfMemory : error.what());
       if (failed++ == 0 && expected) code = expected->code;

@@ -15,8 +15,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Translucent areas over squares of two greys.
-cv::Mat laidOn(const cv::Mat& picture, int light, int dark) {
+// Composites a picture over a checkerboard of two greys.
+cv::Mat overCheckerboard(const cv::Mat& picture, int light, int dark) {
   cv::Mat out = picture.clone();
   out.forEach<cv::Vec4b>([light, dark](cv::Vec4b& pixel, const int* at) {
     const int board = (at[0] / 16 + at[1] / 16) % 2 == 0 ? light : dark;
@@ -36,26 +36,26 @@ Picture readPicture(const fs::path& path) {
   std::ifstream file = openInput(failed, path);
   if (std::set<std::string>{".mp4", ".m4v", ".mov", ".mkv", ".webm", ".avi", ".mxf", ".y4m"}.count(
           lowerCaseExtension(path)) != 0) {
-    refuse("it is a video; the plug-ins take those: see docs/plugins.md");
+    refuse("it is a video; use the plug-ins for those: see docs/plugins.md");
   }
   const std::vector<uint8_t> bytes{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
   if (bytes.empty()) refuse("it is empty");
-  const PictureFile facts = lookInto({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
-  if (facts.cutOff) refuse("it is cut off: the file ends before the picture does");
+  const PictureFile metadata = readMetadata({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+  if (metadata.cutOff) refuse("it is cut off: the file ends before the picture does");
   cv::Mat picture;
   try {
     picture = cv::imdecode(bytes, cv::IMREAD_UNCHANGED);
-    // Only the colour mode heeds the orientation that cameras note in a file; only the unchanged one keeps alpha.
+    // Only IMREAD_COLOR applies the EXIF orientation; only IMREAD_UNCHANGED keeps alpha.
     if (!picture.empty() && picture.channels() != 4) picture = cv::imdecode(bytes, cv::IMREAD_COLOR);
   } catch (const cv::Exception& error) {
     refuse(isOutOfMemory(error) ? kOutOfMemory : "it is damaged or too large (" + error.err + ")");
   }
-  if (picture.empty()) refuse("it is damaged, or not in a known picture format");
+  if (picture.empty()) refuse("it is damaged, or its format is not supported");
   if (picture.depth() == CV_16U) picture.convertTo(picture, CV_8U, 1.0 / 257.0);
   if (picture.depth() != CV_8U) refuse("its pixels have neither 8 nor 16 bits");
   if (picture.channels() == 3) cv::cvtColor(picture, picture, cv::COLOR_BGR2BGRA);
-  if (!facts.profile.empty()) convertToSrgb(picture, facts.profile);
-  return {picture, facts.quality, facts.sampling};
+  if (!metadata.profile.empty()) convertToSrgb(picture, metadata.profile);
+  return {picture, metadata.quality, metadata.sampling};
 }
 
 void writePicture(const fs::path& path, const Picture& picture) {
@@ -69,7 +69,7 @@ void writePicture(const fs::path& path, const Picture& picture) {
   const bool holdsAlpha = extension == ".png" || extension == ".webp" || extension == ".tif" || extension == ".tiff";
   if (!holdsAlpha && !isOpaque) {
     note(extension + " cannot hold alpha; composited over white: '" + toName(path) + "'");
-    out = laidOn(out, 255, 255);
+    out = overCheckerboard(out, 255, 255);
   }
   if (!holdsAlpha || isOpaque) cv::cvtColor(out, out, cv::COLOR_BGRA2BGR);
   std::vector<uint8_t> bytes;
@@ -102,9 +102,9 @@ std::vector<fs::path> picturesIn(const fs::path& folder) {
   std::vector<fs::path> pictures;
   size_t others = 0;
   const fs::directory_iterator entries(folder, error);
-  if (error) throw Error(ExitCode::kInput, "cannot read the folder", folder, error.message());
+  if (error) throw Error(ExitCode::kInput, "cannot read folder", folder, error.message());
   for (const auto& entry : entries) {
-    // What is hidden belongs to systems and programs, as ._photo.jpg beside photo.jpg does.
+    // Hidden files belong to systems and programs, such as ._photo.jpg beside photo.jpg.
     if (!entry.is_regular_file(error) || toName(entry.path().filename())[0] == '.') continue;
     if (std::count(known.begin(), known.end(), lowerCaseExtension(entry.path())) != 0) {
       pictures.push_back(entry.path());
@@ -122,7 +122,7 @@ std::vector<fs::path> picturesIn(const fs::path& folder) {
 
 cv::Mat sideBySide(const cv::Mat& left, const cv::Mat& right) {
   cv::Mat out;
-  cv::hconcat(laidOn(left, 200, 150), laidOn(right, 200, 150), out);
+  cv::hconcat(overCheckerboard(left, 200, 150), overCheckerboard(right, 200, 150), out);
   cv::line(out, {left.cols, 0}, {left.cols, left.rows - 1}, cv::Scalar::all(255), 2);
   return out;
 }

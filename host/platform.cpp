@@ -39,7 +39,7 @@ std::string lowerCaseExtension(const fs::path& path) {
 
 std::vector<std::string> utf8Arguments(int /*argc*/, char** /*argv*/) {
   for (FILE* stream : {stdin, stdout}) _setmode(_fileno(stream), _O_BINARY);
-  static const UINT codePageBefore = GetConsoleOutputCP();  // of the console, which outlives the program
+  static const UINT codePageBefore = GetConsoleOutputCP();  // restored at exit: the console outlives the program
   if (SetConsoleOutputCP(CP_UTF8)) std::atexit([] { SetConsoleOutputCP(codePageBefore); });
   int count = 0;
   wchar_t** const wide = CommandLineToArgvW(GetCommandLineW(), &count);
@@ -60,7 +60,7 @@ std::vector<std::string> utf8Arguments(int argc, char** argv) { return {argv, ar
 bool errorStreamIsTerminal() { return isatty(STDERR_FILENO) != 0; }
 
 void limitMemory([[maybe_unused]] double gigabytes) {
-#ifndef __SANITIZE_ADDRESS__  // which takes terabytes, without using them
+#ifndef __SANITIZE_ADDRESS__  // it reserves terabytes without using them
   rlimit limit;
   if (getrlimit(RLIMIT_DATA, &limit) != 0) return;
   limit.rlim_cur = std::min(static_cast<rlim_t>(gigabytes * 1e9), limit.rlim_max);

@@ -1,5 +1,5 @@
-// Where Windows and other systems differ for a program on the command line. Names of files are UTF-8 in arguments and
-// messages, and on Windows UTF-16 where files are opened.
+// Differences between Windows and other systems for a command-line program. File names are UTF-8 in arguments and
+// messages, and UTF-16 on Windows when files are opened.
 #pragma once
 
 #include <filesystem>
@@ -8,23 +8,23 @@
 
 namespace host {
 
-/// The arguments of the program in UTF-8, which Windows gives to main in the code page of its language. There, what the
-/// program prints becomes UTF-8 as well, and the ends of lines on the standard input and output are left as they are.
+/// Returns the program's arguments in UTF-8; Windows passes them to main in the system code page. There it also sets
+/// console output to UTF-8 and standard input and output to binary mode.
 std::vector<std::string> utf8Arguments(int argc, char** argv);
 
 std::filesystem::path toPath(const std::string& name);
 std::string toName(const std::filesystem::path& path);
 
-/// As ".png", for "photo.PNG".
+/// Returns ".png" for "photo.PNG".
 std::string lowerCaseExtension(const std::filesystem::path& path);
 
-/// A path that is the same for names that the system takes for the same, and for symbolic links to one file.
+/// Returns the same path for all names of one file: resolves symbolic links and, on Windows, folds case.
 std::filesystem::path uniquePath(const std::filesystem::path& path);
 
 bool errorStreamIsTerminal();
 
-/// The most memory that the program may use from now on, so that a small file which claims to be a large picture cannot
-/// take all that the machine has: what would go beyond it fails as if there were no more. Not on Windows.
+/// Limits the memory of the program, so that a small file that claims to be a large picture cannot exhaust the
+/// machine's: allocations beyond the limit fail. Does nothing on Windows.
 void limitMemory(double gigabytes);
 
 }  // namespace host

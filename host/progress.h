@@ -8,11 +8,11 @@
 
 namespace host {
 
-/// A line on the standard error stream, redrawn in place: how much is done, at what rate, how much time is left. Silent
-/// when that is no terminal, and for work of one step.
+/// A progress line on standard error, redrawn in place: steps done, rate, time left. Silent if that is not a terminal,
+/// and for work of one step.
 class Progress {
  public:
-  /// `total` is 0 when it is not known; `unit` is what is counted, such as "frames".
+  /// `total` is 0 if unknown; `unit` is what is counted, such as "frames".
   Progress(const char* unit, size_t total)
       : unit_(unit), total_(total), visible_(total != 1 && errorStreamIsTerminal()) {}
   ~Progress() {
@@ -30,7 +30,7 @@ class Progress {
     if (total_ == 0) {
       std::fprintf(stderr, "\r%.0f %s, %.1f a second  ", done_, unit_, rate);
     } else {
-      // The blanks cover what a longer line left behind.
+      // The trailing blanks overwrite the rest of a longer line.
       std::fprintf(stderr, "\r%.0f/%.0f %s, %.1f a second, %.0f s left     ", done_, total_, unit_, rate,
                    (total_ - done_) / rate);
     }

@@ -9,8 +9,8 @@ namespace {
 
 using Bgr = cv::Vec3f;  // from 0 to 1
 
-// Paint(u, v) gives the colour at a place within the area, u and v from 0 to 1. The area is laid out in fractions of
-// the picture's width and height.
+// Fills an area, in fractions of the picture's width and height. Paint(u, v) returns the colour at a place in it,
+// u and v from 0 to 1.
 template <class Paint>
 void fill(cv::Mat& picture, const cv::Rect2d& area, const Paint& paint) {
   const auto pixels = [](double place, int size) { return static_cast<int>(std::lround(place * size)); };
@@ -42,7 +42,7 @@ Bgr ball(const Bgr& colour, float u, float v) {
   return colour * (0.25f + 0.85f * lit) + Bgr::all(0.18f * std::pow(lit, 24.0f));
 }
 
-// Clumps upon clumps, from coarse to fine, between 0 and 1: something with detail at every scale.
+// Returns noise with detail at every scale, roughly between 0 and 1.
 cv::Mat fractalNoise(cv::Size size) {
   cv::RNG random(20);
   cv::Mat sum(size, CV_32FC1, cv::Scalar(0.5)), octave;
@@ -92,7 +92,7 @@ cv::Mat drawScene(int width, int height) {
     return v < 0.5f ? hue(u) * (2.0f * v) : hue(u) * (2.0f - 2.0f * v) + Bgr::all(2.0f * v - 1.0f);
   });
 
-  // A disc whose colours run from white to red and whose alpha falls from its centre to its rim.
+  // A disc from white to red, with alpha falling towards the rim.
   const int side = std::min(static_cast<int>(0.26 * width), static_cast<int>(0.5 * height));
   const cv::Point corner(static_cast<int>(0.85 * width) - side / 2, static_cast<int>(0.28 * height) - side / 2);
   picture(cv::Rect(corner, cv::Size(side, side))).forEach<cv::Vec4b>([side](cv::Vec4b& pixel, const int* at) {

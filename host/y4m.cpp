@@ -31,14 +31,14 @@ VideoReader::VideoReader(const std::filesystem::path& path)
     if (tag == 'A') format_.aspect = value;
     if (tag == 'X' && value.rfind("COLORRANGE=", 0) == 0) format_.range = value.substr(value.find('=') + 1);
     if (tag == 'I' && value != "p" && value != "?") fail("it is interlaced; only progressive video is accepted");
-    // 8 bits and 4:2:0, wherever the chroma is sited.
+    // 8-bit 4:2:0 with any chroma siting.
     if (tag == 'C' && std::set<std::string>{"420", "420jpeg", "420mpeg2", "420paldv"}.count(value) == 0) {
       fail("its pixel format is C" + value + "; only 8-bit 4:2:0 is accepted");
     }
   }
-  constexpr int64_t kMostPixels = int64_t{1} << 28;  // 16K frames; what is beyond is a damaged header
-  if (format_.width < 1 || format_.height < 1 || int64_t{format_.width} * format_.height > kMostPixels) {
-    fail("it has no usable size: 1 to " + std::to_string(kMostPixels) + " pixels are accepted");
+  constexpr int64_t kMaxPixels = int64_t{1} << 28;  // 16K frames; more means a damaged header
+  if (format_.width < 1 || format_.height < 1 || int64_t{format_.width} * format_.height > kMaxPixels) {
+    fail("it has no usable size: 1 to " + std::to_string(kMaxPixels) + " pixels are accepted");
   }
 }
 
@@ -47,7 +47,7 @@ bool VideoReader::read(VideoFrame& frame) {
   stream_.getline(line, sizeof line);
   if (stream_.bad()) fail(std::strerror(errno));
   if (stream_.gcount() == 0) return false;
-  if (std::string(line).rfind("FRAME", 0) != 0) fail("it has no frame where one should begin");
+  if (std::string(line).rfind("FRAME", 0) != 0) fail("it has no frame header where one is expected");
   for (auto& plane : frame.planes) {
     const auto size = static_cast<std::streamsize>(plane.total());
     if (!stream_.read(reinterpret_cast<char*>(plane.data), size)) fail("it ends within a frame");
@@ -65,11 +65,11 @@ size_t VideoReader::framesAhead(const VideoFrame& frame) {
 
 void VideoReader::fail(const std::string& reason) const { throw Error(ExitCode::kInput, "cannot read", path_, reason); }
 
-void writeVideoHead(OutputFile& file, const VideoFormat& format) {
-  const std::string head = "YUV4MPEG2 W" + std::to_string(format.width) + " H" + std::to_string(format.height) + " F" +
-                           format.rate + " Ip A" + format.aspect +
-                           " C420mpeg2 XYSCSS=420MPEG2 XCOLORRANGE=" + format.range + "\n";
-  file.write(head.data(), head.size());
+void writeVideoHeader(OutputFile& file, const VideoFormat& format) {
+  const std::string header = "YUV4MPEG2 W" + std::to_string(format.width) + " H" + std::to_string(format.height) +
+                             " F" + format.rate + " Ip A" + format.aspect +
+                             " C420mpeg2 XYSCSS=420MPEG2 XCOLORRANGE=" + format.range + "\n";
+  file.write(header.data(), header.size());
 }
 
 void writeVideoFrame(OutputFile& file, const VideoFrame& frame) {

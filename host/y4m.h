@@ -1,4 +1,4 @@
-// YUV4MPEG2 streams of 8 bits and 4:2:0, not interlaced: the form in which programs pipe raw frames to one another.
+// Progressive 8-bit 4:2:0 YUV4MPEG2 streams, the usual format for piping raw frames between programs.
 #pragma once
 
 #include <cstdint>
@@ -11,7 +11,7 @@ namespace host {
 
 class OutputFile;
 
-/// One frame: planes Y, Cb (U), Cr (V), in this order, the latter two (width + 1) / 2 x (height + 1) / 2, rows packed.
+/// A frame: planes Y, Cb (U), Cr (V), in this order, chroma (width + 1) / 2 x (height + 1) / 2, rows packed.
 struct VideoFrame {
   using Plane = cv::Mat_<uint8_t>;
 
@@ -21,25 +21,25 @@ struct VideoFrame {
   Plane planes[3];
 };
 
-/// What the head of a stream says.
+/// The header of a stream.
 struct VideoFormat {
   int width = 0;
   int height = 0;
   std::string rate = "25:1";   ///< frames per second
-  std::string aspect = "0:0";  ///< of a pixel
-  std::string range;           ///< "FULL", "LIMITED", or empty when the stream does not say
+  std::string aspect = "0:0";  ///< pixel aspect ratio
+  std::string range;           ///< "FULL", "LIMITED", or empty if not tagged
 };
 
-/// Reads a stream from a file, or from the standard input for "-". All throw an Error with the file's name.
+/// Reads a stream from a file, or from standard input for "-". All members throw an Error with the file's name.
 class VideoReader {
  public:
   explicit VideoReader(const std::filesystem::path& path);
   const VideoFormat& format() const { return format_; }
 
-  /// False at the end of the stream.
+  /// Returns false at the end of the stream.
   bool read(VideoFrame& frame);
 
-  /// How many frames like this there are to come; 0 when that cannot be told, as for a pipe.
+  /// Returns the number of remaining frames of this size; 0 if unknown, as for a pipe.
   size_t framesAhead(const VideoFrame& frame);
 
  private:
@@ -51,8 +51,8 @@ class VideoReader {
   VideoFormat format_;
 };
 
-/// Writes the header of a stream, and its frames after it.
-void writeVideoHead(OutputFile& file, const VideoFormat& format);
+/// Write the header of a stream, then its frames.
+void writeVideoHeader(OutputFile& file, const VideoFormat& format);
 void writeVideoFrame(OutputFile& file, const VideoFrame& frame);
 
 }  // namespace host

@@ -1,5 +1,5 @@
-"""Builds with Debian's python3-setuptools and nothing from the network. Hence no pyproject.toml: for that pip would
-fetch setuptools anew."""
+"""Builds with Debian's python3-setuptools, without network access. There is no pyproject.toml because pip would then
+download setuptools."""
 
 import re
 import shutil
@@ -13,7 +13,7 @@ library = project / "build/release/liblumvane.so.0"
 
 
 class BuildWithLibrary(build_py):
-    """Takes the library along when it has been built, so that nobody has to say where it is."""
+    """Bundles the library if it has been built, so that LUMVANE_LIBRARY need not be set."""
 
     def run(self):
         super().run()

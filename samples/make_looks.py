@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
-"""Writes the sample looks beside this file: made-up grades, free to use.
+"""Writes the sample looks to this folder: original grades, free to use.
 
-Each look is a function of red, green and blue from 0 to 1, sampled on a lattice and written as a .CUBE table: red runs
-fastest, blue slowest.
+Each look is a function of red, green and blue from 0 to 1, sampled on a lattice and written as a .cube table: red
+varies fastest, blue slowest.
 """
 import pathlib
 

@@ -118,7 +118,7 @@ done <<CASES
 2|both the input and the output||$hdr luts kept.y4m ./kept.y4m
 4|'/dev/full': No space left||$hdr luts hlg.y4m /dev/full
 3|one-dimensional|echo LUT_1D_SIZE 2 >curve.cube|lut --lut curve.cube many/one.png x.png
-0|has 126 rows, and 5 points|(cat luts/HDR_HLG.cube; echo 1 1 1) >look.cube|lut --lut look.cube many/one.png y.png
+0|has 126 rows, but 5 points|(cat luts/HDR_HLG.cube; echo 1 1 1) >look.cube|lut --lut look.cube many/one.png y.png
 0|domain is 0 0 0 to 2 2 2|sed '2iDOMAIN_MAX 2 2 2' luts/HDR_HLG.cube >look.cube|lut --lut look.cube many/one.png y.png
 0|no mesh line|sed 1,3d silver.3dl >look.3dl|lut --lut look.3dl many/one.png y.png
 0|16 bits comes out white|sed '9s/$/0000/' silver.3dl >look.3dl|lut --check look.3dl

@@ -66,7 +66,7 @@ clarity.close()
 flat, read_only = noise[..., 0], np.broadcast_to(noise, noise.shape)
 for error, words, call in [
         (FileNotFoundError, "none.cube", lambda: lumvane.Lut("none.cube")),
-        (ValueError, "is no LUT", lambda: lumvane.Lut(__file__)),
+        (ValueError, "is not a usable LUT", lambda: lumvane.Lut(__file__)),
         (ValueError, "(90, 120)", lambda: lut(flat)),
         (ValueError, "float32", lambda: lut(noise.astype(np.float32))),
         (ValueError, "writable", lambda: lut(noise, out=read_only)),
@@ -75,7 +75,7 @@ for error, words, call in [
         (FileNotFoundError, "HDR_PQ.cube", lambda: lumvane.HdrToBt709(hdr.name, "pq", size=(2, 2))),
         (ValueError, "plane v", lambda: convert(planes[0], planes[0], planes[0])),
         (ValueError, "(26, 50)", lambda: convert(*planes, out=(packed[0],) * 3)),
-        (ValueError, "reads none again", lambda: [shutil.copytree(hdr.name, f"{hdr.name}/other"),
+        (ValueError, "already has its HDR LUTs", lambda: [shutil.copytree(hdr.name, f"{hdr.name}/other"),
                                                   lumvane.HdrToBt709(f"{hdr.name}/other", size=(2, 2))])]:
     try:
         call()

@@ -1,4 +1,4 @@
-// What the plug-ins have in common: each is one Effect, which entry_points.cpp offers to its host.
+// The interface between the plug-ins: each implements one Effect, which entry_points.cpp exposes to the host.
 #pragma once
 
 #include <cstdint>
@@ -11,26 +11,26 @@ struct Parameter {
   const char* name;
   const char* explanation;
   bool isText;
-  double start;  ///< of a number: its value in a new instance, 0 to 1
+  double initial;  ///< default value of a number, 0 to 1
 };
 
-constexpr int kMostParameters = 3;
+constexpr int kMaxParameters = 3;
 
-/// What a host may show of a plug-in. Plain ASCII, since not every host decodes more.
+/// What hosts show about a plug-in. Plain ASCII, since not every host decodes UTF-8.
 struct Description {
   const char* name;
   const char* explanation;
   int parameterCount;
-  Parameter parameters[kMostParameters];
+  Parameter parameters[kMaxParameters];
 };
 
-/// The values of an instance's parameters, each in the member of its kind.
+/// The parameter values of an instance, each in the array for its type.
 struct Values {
-  double numbers[kMostParameters] = {};  ///< 0 to 1
-  std::string texts[kMostParameters];
+  double numbers[kMaxParameters] = {};  ///< 0 to 1
+  std::string texts[kMaxParameters];
 };
 
-/// Two pictures of packed BGRA rows, which do not overlap, or are one.
+/// Two pictures of packed BGRA rows, either disjoint or the same buffer.
 struct Frame {
   const uint8_t* src;
   uint8_t* dst;
@@ -43,15 +43,15 @@ class Effect {
  public:
   virtual ~Effect() = default;
 
-  /// Called by one thread at a time. False or an exception: nothing of use was written, and the picture is to pass
-  /// through unchanged.
+  /// Renders one frame; called by one thread at a time. If it returns false or throws, the output is invalid and the
+  /// host gets the picture unchanged.
   virtual bool render(const Values& values, const Frame& frame) = 0;
 };
 
-// Each plug-in defines these two.
+// Defined by each plug-in.
 extern const Description kDescription;
 
-/// Takes next to no time and no memory for frames: hosts make instances just to list a plug-in.
+/// Creates an effect. Must be cheap and allocate no frames: hosts create instances just to list a plug-in.
 std::unique_ptr<Effect> makeEffect();
 
 }  // namespace plugins

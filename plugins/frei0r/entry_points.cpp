@@ -1,4 +1,4 @@
-// The functions that a frei0r host looks up by name, the same for every plug-in.
+// The entry points that frei0r hosts look up by name, the same for every plug-in.
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
@@ -17,8 +17,8 @@ namespace {
 using plugins::kDescription;
 using plugins::Values;
 
-// Hosts may call update on one instance from several threads, MLT for one slice of the picture each. The effects serve
-// one thread at a time and use several of their own, so the calls queue up here.
+// Hosts may call update on one instance from several threads, as MLT does for slices of the picture. The effects are
+// not reentrant and use threads themselves, so calls are serialised here.
 struct Instance {
   std::mutex mutex;
   int32_t width, height;
@@ -26,19 +26,19 @@ struct Instance {
   std::unique_ptr<plugins::Effect> effect = plugins::makeEffect();
 
   Instance(int32_t w, int32_t h) : width(w), height(h) {
-    for (int i = 0; i < kDescription.parameterCount; ++i) values.numbers[i] = kDescription.parameters[i].start;
+    for (int i = 0; i < kDescription.parameterCount; ++i) values.numbers[i] = kDescription.parameters[i].initial;
   }
 };
 
-// A number of bytes that the effects can count as a stride.
-bool isTakenSize(unsigned width, unsigned height) {
-  constexpr unsigned kMost = std::numeric_limits<int32_t>::max();
-  return width > 0 && height > 0 && width <= kMost / 4 && height <= kMost;
+// Returns whether the height and the row size in bytes fit the effects' 32-bit arguments.
+bool isSupportedSize(unsigned width, unsigned height) {
+  constexpr unsigned kMax = std::numeric_limits<int32_t>::max();
+  return width > 0 && height > 0 && width <= kMax / 4 && height <= kMax;
 }
 
 bool isParameter(int index) { return index >= 0 && index < kDescription.parameterCount; }
 
-// What is no number counts as 0.
+// NaN becomes 0.
 double clampedNumber(double value) { return value > 0.0 ? std::min(value, 1.0) : 0.0; }
 
 }  // namespace
@@ -70,7 +70,7 @@ void f0r_get_param_info(f0r_param_info_t* info, int index) {
 }
 
 f0r_instance_t f0r_construct(unsigned width, unsigned height) try {
-  if (!isTakenSize(width, height)) return nullptr;
+  if (!isSupportedSize(width, height)) return nullptr;
   return new Instance(static_cast<int32_t>(width), static_cast<int32_t>(height));
 } catch (const std::bad_alloc&) {
   return nullptr;
@@ -78,7 +78,7 @@ f0r_instance_t f0r_construct(unsigned width, unsigned height) try {
 
 void f0r_destruct(f0r_instance_t instance) { delete static_cast<Instance*>(instance); }
 
-// A text that finds no memory leaves the one before it.
+// If memory runs out, the previous text is kept.
 void f0r_set_param_value(f0r_instance_t handle, f0r_param_t value, int index) try {
   if (!isParameter(index)) return;
   auto& instance = *static_cast<Instance*>(handle);
@@ -92,7 +92,7 @@ void f0r_set_param_value(f0r_instance_t handle, f0r_param_t value, int index) tr
 } catch (const std::bad_alloc&) {
 }
 
-// A text stays the instance's own, and lives until the next one is set.
+// The instance owns the returned text, which is valid until the next one is set.
 void f0r_get_param_value(f0r_instance_t handle, f0r_param_t value, int index) {
   if (!isParameter(index)) return;
   auto& instance = *static_cast<Instance*>(handle);
@@ -112,7 +112,7 @@ void f0r_update(f0r_instance_t handle, double /*time*/, const uint32_t* in, uint
   bool rendered = false;
   try {
     rendered = instance.effect->render(instance.values, frame);
-  } catch (...) {  // hosts are written in C, and have no way to hear of it
+  } catch (...) {  // must not reach the host, which is C, and the API has no error code
   }
   if (!rendered) std::memmove(out, in, frame.bytes());
 }

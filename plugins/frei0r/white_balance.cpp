@@ -12,13 +12,13 @@ const Description kDescription = {
 
 namespace {
 
-float aroundZero(double number) { return static_cast<float>(number * 2.0 - 1.0); }
+float toSigned(double number) { return static_cast<float>(number * 2.0 - 1.0); }
 
 class WhiteBalanceEffect : public Effect {
  public:
   bool render(const Values& values, const Frame& frame) override {
-    return WhiteBalanceFun(frame.src, frame.dst, 0.0f, 0.0f, 0.0f, aroundZero(values.numbers[0]),
-                           aroundZero(values.numbers[1]), frame.width, frame.height);
+    return WhiteBalanceFun(frame.src, frame.dst, 0.0f, 0.0f, 0.0f, toSigned(values.numbers[0]),
+                           toSigned(values.numbers[1]), frame.width, frame.height);
   }
 };
 

@@ -1,4 +1,4 @@
-// The GStreamer element lumvanehdr: BT.2020 video with an HLG or PQ transfer into BT.709 video.
+// The GStreamer element lumvanehdr: converts BT.2020 video with an HLG or PQ transfer to BT.709.
 #define PACKAGE "lumvane"
 #include <gst/video/gstvideofilter.h>
 
@@ -14,7 +14,7 @@ namespace {
 struct LumvaneHdr {
   GstVideoFilter parent;
   gchar* luts;   // folder, UTF-8, or null
-  void* effect;  // for the present caps, or null
+  void* effect;  // for the current caps, or null
   bool failed;   // since the last start
 };
 
@@ -24,16 +24,16 @@ struct LumvaneHdrClass {
 
 G_DEFINE_TYPE(LumvaneHdr, lumvane_hdr, GST_TYPE_VIDEO_FILTER)
 
-// An error is told once: caps that are refused come again with every event and frame.
-#define TELL_ONCE(element, ...) \
+// Reports only the first error: rejected caps return with every event and frame.
+#define REPORT_ONCE(element, ...) \
   if (!std::exchange(self(element)->failed, true)) GST_ELEMENT_ERROR(element, __VA_ARGS__)
 
 LumvaneHdr* self(gpointer object) { return static_cast<LumvaneHdr*>(object); }
 
 // ---- Caps -----------------------------------------------------------------------------------------------------------
 
-// What comes in is open about colorimetry, and refused when it is no HDR: videoconvert, asked for one of two, does not
-// convert to it but puts the first one's name on any video, PQ and BT.709 included.
+// The sink template leaves colorimetry open, and other video than HDR is rejected later: given two to choose from,
+// videoconvert does not convert but labels any video as the first one, PQ and BT.709 included.
 GstStaticPadTemplate sinkTemplate =
     GST_STATIC_PAD_TEMPLATE("sink", GST_PAD_SINK, GST_PAD_ALWAYS, GST_STATIC_CAPS(GST_VIDEO_CAPS_MAKE("{I420, YV12}")));
 GstStaticPadTemplate srcTemplate = GST_STATIC_PAD_TEMPLATE(
@@ -49,7 +49,7 @@ bool isHdr(const GstVideoColorimetry& video) {
          (isPq(video) || video.transfer == GST_VIDEO_TRANSFER_ARIB_STD_B67);
 }
 
-// Whether caps allow HDR of this range. Names differ for one and the same colorimetry, so they are parsed.
+// Returns whether caps allow HDR of this range. The same colorimetry has several names, so they are parsed.
 bool allowsHdr(const GValue* names, bool fullRange) {
   if (names == nullptr) return true;
   if (GST_VALUE_HOLDS_LIST(names)) {
@@ -70,7 +70,7 @@ GstCaps* filtered(GstCaps* caps, GstCaps* filter) {
   return both;
 }
 
-// All but the colours stays as it is: format, size, range, rate, siting of chroma.
+// Everything but the colours is kept: format, size, range, rate, chroma siting.
 GstCaps* transformCaps(GstBaseTransform*, GstPadDirection direction, GstCaps* caps, GstCaps* filter) {
   GstCaps* result = gst_caps_new_empty();
   for (guint i = 0; i < gst_caps_get_size(caps); ++i) {
@@ -78,7 +78,7 @@ GstCaps* transformCaps(GstBaseTransform*, GstPadDirection direction, GstCaps* ca
     for (const bool fullRange : {false, true}) {
       if (direction == GST_PAD_SINK && !allowsHdr(gst_structure_get_value(from, "colorimetry"), fullRange)) continue;
       GstStructure* to = gst_structure_copy(from);
-      // How bright the HDR was mastered says nothing of the BT.709 video.
+      // HDR mastering metadata does not apply to the BT.709 video.
       gst_structure_remove_fields(to, "colorimetry", "mastering-display-info", "content-light-level", nullptr);
       if (direction == GST_PAD_SINK) {
         gst_structure_set(to, "colorimetry", G_TYPE_STRING, fullRange ? "1:3:5:1" : GST_VIDEO_COLORIMETRY_BT709,
@@ -90,7 +90,7 @@ GstCaps* transformCaps(GstBaseTransform*, GstPadDirection direction, GstCaps* ca
   return filtered(result, filter);
 }
 
-// The base class offers upstream first what downstream takes as it is, which is BT.709.
+// Leaves colorimetry open upstream: the base class would first offer what downstream accepts unchanged, BT.709.
 gboolean query(GstBaseTransform* transform, GstPadDirection direction, GstQuery* query) {
   if (!GST_BASE_TRANSFORM_CLASS(lumvane_hdr_parent_class)->query(transform, direction, query)) return FALSE;
   if (direction != GST_PAD_SINK || GST_QUERY_TYPE(query) != GST_QUERY_CAPS) return TRUE;
@@ -108,14 +108,14 @@ gboolean query(GstBaseTransform* transform, GstPadDirection direction, GstQuery*
   return TRUE;
 }
 
-// Other video is accepted, to be refused when it comes: a refusal at this point ends the pipeline without a reason.
+// Accepts other video too, which sinkEvent rejects: a rejection here would end the pipeline without a reason.
 gboolean acceptCaps(GstBaseTransform* transform, GstPadDirection direction, GstCaps* caps) {
   if (direction != GST_PAD_SINK) {
     return GST_BASE_TRANSFORM_CLASS(lumvane_hdr_parent_class)->accept_caps(transform, direction, caps);
   }
-  GstCaps* taken = gst_static_pad_template_get_caps(&sinkTemplate);
-  const gboolean accepted = gst_caps_is_subset(caps, taken);
-  gst_caps_unref(taken);
+  GstCaps* supported = gst_static_pad_template_get_caps(&sinkTemplate);
+  const gboolean accepted = gst_caps_is_subset(caps, supported);
+  gst_caps_unref(supported);
   return accepted;
 }
 
@@ -126,7 +126,7 @@ gboolean sinkEvent(GstBaseTransform* transform, GstEvent* event) {
     const char* name = gst_structure_get_string(gst_caps_get_structure(caps, 0), "colorimetry");
     GstVideoColorimetry video;
     if (name == nullptr || !gst_video_colorimetry_from_string(&video, name) || !isHdr(video)) {
-      TELL_ONCE(
+      REPORT_ONCE(
           transform, STREAM, WRONG_TYPE,
           ("The video is not marked as BT.2020 with an HLG or PQ transfer: colorimetry %s", name ? name : "is missing"),
           ("bt2100-hlg or bt2100-pq is needed; capssetter marks video that is one of them"));
@@ -139,7 +139,7 @@ gboolean sinkEvent(GstBaseTransform* transform, GstEvent* event) {
 
 // ---- Frames ---------------------------------------------------------------------------------------------------------
 
-// The library reads both LUT files once in a process, and does not tell when it could not.
+// The library reads both LUT files once per process, and does not report failures.
 struct {
   std::mutex mutex;
   std::filesystem::path folder;  // empty: not read yet
@@ -152,15 +152,16 @@ bool isUsable(const std::filesystem::path& file) {
   return effect != nullptr;
 }
 
-// Null after an error that the pipeline was told of.
+// Returns null after posting an error.
 void* createEffect(LumvaneHdr* element, const gchar* luts, const GstVideoInfo* video) {
   const bool pq = isPq(video->colorimetry);
   const std::u8string utf8(luts, luts + std::char_traits<char>::length(luts));
   const std::filesystem::path folder = std::filesystem::weakly_canonical(utf8);
   const std::scoped_lock lock(loaded.mutex);
   if (!loaded.folder.empty() && folder != loaded.folder) {
-    TELL_ONCE(element, RESOURCE, SETTINGS,
-              ("'%s' cannot be used: this process has its HDR LUTs from '%s'", luts, loaded.folder.c_str()), (nullptr));
+    REPORT_ONCE(element, RESOURCE, SETTINGS,
+                ("'%s' cannot be used: this process already has its HDR LUTs from '%s'", luts, loaded.folder.c_str()),
+                (nullptr));
     return nullptr;
   }
   if (loaded.folder.empty()) {
@@ -168,8 +169,8 @@ void* createEffect(LumvaneHdr* element, const gchar* luts, const GstVideoInfo* v
     loaded.usable[1] = isUsable(folder / "HDR_PQ.cube");
   }
   if (!loaded.usable[pq]) {
-    TELL_ONCE(element, RESOURCE, NOT_FOUND, ("'%s' has no HDR_%s.cube that can be used", luts, pq ? "PQ" : "HLG"),
-              (nullptr));
+    REPORT_ONCE(element, RESOURCE, NOT_FOUND, ("'%s' has no HDR_%s.cube that can be used", luts, pq ? "PQ" : "HLG"),
+                (nullptr));
     return nullptr;
   }
   void* effect = CreateVideoAdjustColor(folder.u16string().c_str(), 0, !isFullRange(video->colorimetry), pq,
@@ -187,12 +188,12 @@ gboolean setInfo(GstVideoFilter* filter, GstCaps*, GstVideoInfo* in, GstCaps*, G
   gchar* luts = g_strdup(element->luts);
   GST_OBJECT_UNLOCK(element);
   if (luts == nullptr || *luts == 0) {
-    TELL_ONCE(element, RESOURCE, SETTINGS, ("The property luts names no folder"), (nullptr));
+    REPORT_ONCE(element, RESOURCE, SETTINGS, ("The property luts is not set"), (nullptr));
   } else {
     try {
       element->effect = createEffect(element, luts, in);
-    } catch (const std::exception& error) {  // no memory, too large a frame, a name that is no UTF-8
-      TELL_ONCE(element, LIBRARY, INIT, ("The HDR converter cannot be made"), ("%s", error.what()));
+    } catch (const std::exception& error) {  // out of memory, frame too large, name not valid UTF-8
+      REPORT_ONCE(element, LIBRARY, INIT, ("The HDR converter cannot be created"), ("%s", error.what()));
     }
   }
   g_free(luts);
@@ -210,7 +211,7 @@ gboolean stop(GstBaseTransform* transform) {
 }
 
 GstFlowReturn transformFrame(GstVideoFilter* filter, GstVideoFrame* in, GstVideoFrame* out) {
-  // The library takes one set of strides for both frames. Where they differ the frame is copied, and converted in place.
+  // The library has one set of strides for both frames. If they differ, the frame is copied and converted in place.
   bool sameStrides = true;
   for (int plane = 0; plane < 3; ++plane) {
     sameStrides = sameStrides && GST_VIDEO_FRAME_COMP_STRIDE(in, plane) == GST_VIDEO_FRAME_COMP_STRIDE(out, plane);
@@ -220,7 +221,7 @@ GstFlowReturn transformFrame(GstVideoFilter* filter, GstVideoFrame* in, GstVideo
   const auto from = [&](int i) { return static_cast<const uint8_t*>(GST_VIDEO_FRAME_COMP_DATA(src, i)); };
   const auto to = [&](int i) { return static_cast<uint8_t*>(GST_VIDEO_FRAME_COMP_DATA(out, i)); };
   const auto stride = [&](int i) { return GST_VIDEO_FRAME_COMP_STRIDE(out, i); };
-  // Components are Y, U, V in both formats; the library takes V before U.
+  // Components are Y, U, V in both formats; the library expects V before U.
   VideoAdjustColorProcess(self(filter)->effect, from(0), from(2), from(1), stride(0), stride(2), stride(1), 0, 0, to(0),
                           to(2), to(1));
   return GST_FLOW_OK;
@@ -271,7 +272,7 @@ void lumvane_hdr_class_init(LumvaneHdrClass* type) {
           static_cast<GParamFlags>(G_PARAM_READWRITE | G_PARAM_STATIC_STRINGS | GST_PARAM_MUTABLE_READY)));
   GstElementClass* element = GST_ELEMENT_CLASS(type);
   gst_element_class_set_static_metadata(element, "Lumvane HDR to BT.709", "Filter/Converter/Video/Colorspace",
-                                        "Turns BT.2020 video with an HLG or PQ transfer into BT.709 video",
+                                        "Converts BT.2020 video with an HLG or PQ transfer to BT.709",
                                         "The Lumvane authors");
   gst_element_class_add_static_pad_template(element, &sinkTemplate);
   gst_element_class_add_static_pad_template(element, &srcTemplate);

@@ -3,11 +3,11 @@ import QtQuick.Controls 2.12
 import QtQuick.Layouts 1.12
 import Shotcut.Controls 1.0 as Shotcut
 
-// The panel of one effect: a slider with keyframes for each number, below what "head" holds.
+// The panel of an effect: the items of "head" above a slider with keyframes for each number.
 Shotcut.KeyframableFilter {
     id: panel
 
-    // Of { name, label, lowest, highest, start }: what the slider shows, in percent; the effect's own values are 0 to 1.
+    // Entries { name, label, lowest, highest, start }: slider values in percent; the effect's parameters are 0 to 1.
     property var numbers: []
     property var texts: [] // names of further parameters, for presets
     property alias head: headRow.data
@@ -39,7 +39,7 @@ Shotcut.KeyframableFilter {
     middleValues: numbers.map(number => effectValue(number, number.start))
     endValues: numbers.map(number => effectValue(number, number.start))
     Component.onCompleted: {
-        // Also in projects written by hand, which may leave out what has its default.
+        // Not only for new filters: hand-written projects may omit default values.
         for (var number of numbers) {
             if (filter.get(number.name) === '')
                 filter.set(number.name, effectValue(number, number.start));

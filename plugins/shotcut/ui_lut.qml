@@ -11,7 +11,7 @@ Panel {
     function showFile() {
         lut.url = filter.get('filename') || filter.get('path');
         fileName.text = lut.exists() ? lut.fileName : 'No LUT file';
-        tip.text = lut.exists() ? lut.filePath : 'The picture stays as it is until a .cube or .3dl file is chosen.';
+        tip.text = lut.exists() ? lut.filePath : 'The picture is unchanged until a .cube or .3dl file is chosen.';
     }
 
     texts: ['filename']
@@ -53,7 +53,7 @@ Panel {
     }
 
     Connections {
-        function onChanged() { panel.showFile(); } // by a preset, or undone
+        function onChanged() { panel.showFile(); } // by a preset or undo
 
         target: filter
     }

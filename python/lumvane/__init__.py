@@ -1,13 +1,13 @@
 """Per-frame colour effects on NumPy pictures: LUT grading, clarity, white balance, HDR video to BT.709.
 
-A picture is an array of uint8 of shape (height, width, channels). `order` names its channels, "BGRA" by default, or
-"RGBA", "BGR" or "RGB"; pictures without alpha count as opaque. The result is a new array, or `out` where one is given:
-of the same shape, and the picture itself if you like. Pictures in the order BGRA are read and written where they are,
-also those with padded rows; all others go through a copy, with the same result.
+A picture is a uint8 array of shape (height, width, channels). `order` names its channels, "BGRA" by default, or "RGBA",
+"BGR" or "RGB"; pictures without alpha are treated as opaque. The result is a new array, or `out` if given, which has
+the same shape and may be the picture itself. BGRA pictures, including those with padded rows, are read and written in
+place; all others are copied, with the same result.
 
-The bytes are those of the library, the same on every processor and with any number of threads. During a call other
-threads of the interpreter run. An effect may be called from several threads, which then wait for one another: give each
-an effect of its own to have them work side by side.
+The bytes are those of the library, the same on every processor and with any number of threads. Calls release the GIL.
+An effect may be called from several threads, but serves one at a time: to run in parallel, give each thread its own
+effect.
 """
 
 from __future__ import annotations
@@ -31,19 +31,19 @@ Picture = npt.NDArray[np.uint8]
 Planes = Tuple[Picture, Picture, Picture]
 _Path = Union[str, "os.PathLike[str]"]
 _Self = TypeVar("_Self", bound="_Effect")
-_LARGEST = 2**31 - 1  # of the library's sizes and strides
+_LARGEST = 2**31 - 1  # limit of the library's sizes and strides
 
 
 @functools.lru_cache(maxsize=None)
 def _library() -> ctypes.CDLL:
-    """The library that LUMVANE_LIBRARY names, or the one beside this file, or the system's."""
+    """Loads the library named by LUMVANE_LIBRARY, or the one beside this file, or the system's."""
     name = {"win32": "lumvane.dll", "darwin": "liblumvane.0.dylib"}.get(sys.platform, "liblumvane.so.0")
     beside = Path(__file__).with_name(name)
     place = os.environ.get("LUMVANE_LIBRARY") or (str(beside) if beside.exists() else name)
     try:
         library = ctypes.CDLL(place)
     except OSError as error:
-        raise ImportError(f"cannot load the library ({error}): install it, or name it in LUMVANE_LIBRARY") from None
+        raise ImportError(f"cannot load the library ({error}): install it, or set LUMVANE_LIBRARY") from None
     handle, address, integer, number = ctypes.c_void_p, ctypes.c_void_p, ctypes.c_int32, ctypes.c_float
     target, source = [address, integer, integer, integer], [address, integer, integer, integer]
     for function, result, arguments in (
@@ -64,11 +64,11 @@ def _library() -> ctypes.CDLL:
 
 
 def _utf16(path: str) -> bytes:
-    """The path as the library takes it, with a 0 of two bytes at its end."""
+    """Returns the path as the library expects it, with a two-byte terminator."""
     try:
         return path.encode("utf-16-le") + b"\0\0"
     except UnicodeEncodeError:
-        raise ValueError(f"{os.fsencode(path)!r}: its name is no UTF-8") from None
+        raise ValueError(f"{os.fsencode(path)!r}: its name is not valid UTF-8") from None
 
 
 def _clamped(percent: int, least: int) -> int:
@@ -76,7 +76,7 @@ def _clamped(percent: int, least: int) -> int:
 
 
 def _stride(picture: Picture) -> int:
-    """Bytes from one row of BGRA to the next; 0 when pixels do not lie side by side, or rows one upon the other."""
+    """Returns the bytes from one BGRA row to the next; 0 if pixels are not contiguous, or rows overlap."""
     row = 4 * picture.shape[1]
     if picture.strides[1:] != (4, 1):
         return 0
@@ -84,15 +84,15 @@ def _stride(picture: Picture) -> int:
     return stride if row <= abs(stride) <= _LARGEST else 0
 
 
-def _render(picture: Picture, out: Optional[Picture], order: str, takes: Callable[[int, int], bool],
+def _render(picture: Picture, out: Optional[Picture], order: str, accepts: Callable[[int, int], bool],
             call: Callable[[Picture, Picture], None]) -> Picture:
-    """Takes a picture through `call(target, source)`, which are BGRA and do not overlap. `takes` tells of a stride and
-    the bytes of a row whether the effect can work on such rows."""
+    """Applies `call(target, source)`, whose arguments are BGRA and do not overlap, to a picture. `accepts(stride, row)`
+    says whether the effect can process rows of this stride and size in bytes."""
     if order not in ("BGRA", "RGBA", "BGR", "RGB"):
-        raise ValueError(f"the order of channels is BGRA, RGBA, BGR or RGB, not {order!r}")
+        raise ValueError(f"the order of channels must be BGRA, RGBA, BGR or RGB, not {order!r}")
     picture = np.asarray(picture)
     if picture.dtype != np.uint8 or picture.ndim != 3 or picture.shape[2] != len(order):
-        raise ValueError(f"a picture in {order} is uint8 of shape (height, width, {len(order)}), "
+        raise ValueError(f"a picture in {order} must be uint8 of shape (height, width, {len(order)}), "
                          f"not {picture.dtype} of shape {picture.shape}")
     if max(picture.shape[0], 4 * picture.shape[1]) > _LARGEST:
         raise ValueError(f"a picture of shape {picture.shape} is too large")
@@ -101,7 +101,7 @@ def _render(picture: Picture, out: Optional[Picture], order: str, takes: Callabl
         return result
 
     def direct(array: Picture) -> bool:
-        return order == "BGRA" and takes(_stride(array), 4 * array.shape[1])
+        return order == "BGRA" and accepts(_stride(array), 4 * array.shape[1])
 
     source = picture
     if order != "BGRA":
@@ -121,7 +121,7 @@ def _render(picture: Picture, out: Optional[Picture], order: str, takes: Callabl
 def _writable(out: Picture, shape: Tuple[int, ...]) -> Picture:
     if not isinstance(out, np.ndarray) or out.dtype != np.uint8 or out.shape != shape or not out.flags.writeable:
         found = f"{out.dtype} of shape {out.shape}" if isinstance(out, np.ndarray) else type(out).__name__
-        raise ValueError(f"out is a writable array, uint8 of shape {shape}, not {found}")
+        raise ValueError(f"out must be a writable array, uint8 of shape {shape}, not {found}")
     return out
 
 
@@ -130,7 +130,7 @@ def _frame(picture: Picture) -> Tuple[int, int, int, int]:
 
 
 class _Effect:
-    """An effect with a handle of the library, which `close` ends, or a `with` statement, or the end of the object."""
+    """An effect with a library handle, which `close`, a `with` statement or the finalizer destroys."""
 
     def __init__(self) -> None:
         self._lock = threading.Lock()
@@ -149,7 +149,7 @@ class _Effect:
             raise ValueError("the effect is closed")
 
     def close(self) -> None:
-        """Frees the memory of the effect. It cannot be called any more."""
+        """Frees the effect's memory. It cannot be called afterwards."""
         with self._lock:
             self._closed = True
             self._end()
@@ -164,32 +164,32 @@ class _Effect:
 class Lut(_Effect):
     """Grades pictures through a 3D LUT, a `.cube` file of 2 to 65 points per axis or a `.3dl` file of 3 to 65.
 
-    Raises FileNotFoundError when there is no such file, ValueError when it holds no such table. It is read once."""
+    Raises FileNotFoundError if the file does not exist, ValueError if it has no such table. The file is read once."""
 
     def __init__(self, path: _Path) -> None:
         super().__init__()
         name = os.fsdecode(path)
         with open(name, "rb") as file:
-            for line in file:  # a table is announced before its first row
+            for line in file:  # LUT_1D_SIZE comes before the first row
                 if line.startswith(b"LUT_1D_SIZE"):
-                    raise ValueError(f"'{name}' holds a one-dimensional table, and only 3D tables are read")
+                    raise ValueError(f"'{name}' contains a one-dimensional table; only 3D tables are supported")
                 if line[:1].isdigit():
                     break
         library = _library()
         handle = library.Create3DLutColorAdjustEffect(_utf16(name), 0, 0)
         if not handle:
-            raise ValueError(f"'{name}' is no LUT: that is a .cube file of 2 to 65 points per axis or a .3dl file of 3 "
-                             "to 65, by its name, with all its rows")
+            raise ValueError(f"'{name}' is not a usable LUT: a complete .cube file of 2 to 65 points per axis or .3dl "
+                             "file of 3 to 65, by its extension")
         self._hold(handle, library.Destory3DLutColorAdjustEffect)
 
     def __call__(self, picture: Picture, strength: int = 100, *, order: str = "BGRA",
                  out: Optional[Picture] = None) -> Picture:
-        """The graded picture. `strength` is in percent, 0 (no change) to 100. Colours are looked up as they are and the
-        result is multiplied by alpha; alpha itself stays. Bottom-up pictures (`picture[::-1]`) need no copy."""
+        """Returns the graded picture. `strength` is in percent, 0 (no change) to 100. Colours are looked up as they are
+        and the result is multiplied by alpha; alpha is kept. Bottom-up pictures (`picture[::-1]`) need no copy."""
         percent = _clamped(strength, 0)
 
         def call(target: Picture, source: Picture) -> None:
-            if percent == 0:  # the library leaves the target as it is
+            if percent == 0:  # the library does not write the target
                 target[...] = source
             _library().Lut3DColorAdjustEffectProcess(self._handle, *_frame(target), *_frame(source), percent)
 
@@ -200,7 +200,7 @@ class Lut(_Effect):
 
 class Clarity(_Effect):
     """Raises local contrast by `intensity` percent, 0 to 100, and changes saturation by `saturation` percent, -100 to
-    100 (a factor of 0.85 to 1.15). Values beyond are clamped."""
+    100 (a factor of 0.85 to 1.15). Other values are clamped."""
 
     def __init__(self, *, saturation: int = 0, intensity: int = 0) -> None:
         super().__init__()
@@ -208,12 +208,12 @@ class Clarity(_Effect):
         self._shape: Optional[Tuple[int, ...]] = None
 
     def __call__(self, picture: Picture, *, order: str = "BGRA", out: Optional[Picture] = None) -> Picture:
-        """The clearer picture; alpha stays. Keeps memory for pictures of one size, about 3 bytes per pixel."""
+        """Returns the edited picture; alpha is kept. Keeps buffers for one picture size, about 3 bytes per pixel."""
 
         def call(target: Picture, source: Picture) -> None:
             library = _library()
             height, width = source.shape[:2]
-            if self._shape != (height, width):  # the size sets how large the details are that are raised
+            if self._shape != (height, width):  # the size determines the scale of the details that are raised
                 self._hold(library.CreateNLEPureCClarity(width, height, 0, *self._settings),
                            library.DestoryNLEPureCClarity)
                 self._shape = height, width
@@ -227,8 +227,8 @@ class Clarity(_Effect):
 
 def white_balance(picture: Picture, *, temperature: float = 0.0, tint: float = 0.0, order: str = "BGRA",
                   out: Optional[Picture] = None) -> Picture:
-    """The picture with its colours moved from cold, `temperature` -1, to warm, 1, and from green, `tint` -1, to
-    magenta, 1; 0 changes nothing, any value is taken, alpha stays. Rows with padding go through a copy."""
+    """Returns the picture with colours shifted from cold, `temperature` -1, to warm, 1, and from green, `tint` -1, to
+    magenta, 1; 0 changes nothing, any value is accepted, alpha is kept. Pictures with padded rows are copied."""
 
     def call(target: Picture, source: Picture) -> None:
         height, width = source.shape[:2]
@@ -244,18 +244,18 @@ _hdr_lock = threading.Lock()
 class HdrToBt709(_Effect):
     """Converts 8-bit 4:2:0 video frames from BT.2020 with the transfer "hlg" or "pq" to BT.709.
 
-    `directory` holds HDR_HLG.cube and HDR_PQ.cube, `size` is (width, height). With `limited_range` Y goes from 16 to
-    235, in and out, else from 0 to 255. The library reads the two files once a process: FileNotFoundError tells of one
-    that is missing, ValueError of one that cannot be used, and of another directory than the first."""
+    `directory` holds HDR_HLG.cube and HDR_PQ.cube, `size` is (width, height). With `limited_range` Y ranges from 16 to
+    235, in and out, otherwise from 0 to 255. The library reads the two files once per process. Raises FileNotFoundError
+    if one is missing, ValueError if one cannot be used, or if `directory` is not the first one used."""
 
     def __init__(self, directory: _Path, transfer: str = "hlg", limited_range: bool = True, *,
                  size: Tuple[int, int]) -> None:
         super().__init__()
         if transfer not in ("hlg", "pq"):
-            raise ValueError(f'the transfer is "hlg" or "pq", not {transfer!r}')
+            raise ValueError(f'the transfer must be "hlg" or "pq", not {transfer!r}')
         width, height = map(operator.index, size)
         if width < 1 or height < 1 or 4 * width * height > _LARGEST:
-            raise ValueError(f"no frames of {width} x {height}: they have 1 to 2^29 - 1 pixels")
+            raise ValueError(f"frames of {width} x {height} are not supported: 1 to 2^29 - 1 pixels")
         folder = os.path.abspath(os.fsdecode(directory))
         lut = os.path.join(folder, f"HDR_{transfer.upper()}.cube")
         open(lut, "rb").close()
@@ -268,32 +268,33 @@ class HdrToBt709(_Effect):
         global _hdr_folder
         with _hdr_lock:
             if _hdr_folder not in (None, os.path.realpath(folder)):
-                raise ValueError(f"'{lut}': this process has its HDR LUTs from '{_hdr_folder}', and reads none again")
+                raise ValueError(f"'{lut}': this process already has its HDR LUTs from '{_hdr_folder}'")
             create(1, 1)
             _hdr_folder = os.path.realpath(folder)
-        # The frames of a file that cannot be used are black, whatever goes in.
+        # If a file cannot be used, every output frame is black.
         self._shapes: Sequence[Tuple[int, int]] = ((1, 1),) * 3
         neutral = np.full((1, 1), 128, np.uint8)
         black = 16 if limited_range else 0
         if all(self(np.full((1, 1), grey, np.uint8), neutral, neutral)[0] <= black for grey in (128, 192, 255)):
-            raise ValueError(f"'{lut}' is no LUT of 2 to 65 points per axis, or turns everything black")
+            raise ValueError(f"'{lut}' is not a LUT of 2 to 65 points per axis, or maps everything to black")
         create(width, height)
         chroma = (height + 1) // 2, (width + 1) // 2
         self._shapes = (height, width), chroma, chroma
 
     def __call__(self, y: Picture, v: Picture, u: Picture, *, out: Optional[Planes] = None) -> Planes:
-        """The planes Y, V (Cr) and U (Cb) of the converted frame. Those given are uint8, (height, width) and twice
-        ((height + 1) // 2, (width + 1) // 2), chroma on the left of each pair of pixels; YUV formats have U before V.
-        Rows may have padding, without a copy when those of `out` have as much."""
+        """Returns the planes Y, V (Cr) and U (Cb) of the converted frame; YUV formats have U before V. Inputs are uint8
+        (height, width) and twice ((height + 1) // 2, (width + 1) // 2), chroma sited left. Rows may be padded, without
+        a copy if those of `out` have the same stride."""
         planes = []
         targets = (None, None, None) if out is None else out
         for name, plane, target, shape in zip("yvu", (y, v, u), targets, self._shapes):
             plane = np.asarray(plane)
             if plane.dtype != np.uint8 or plane.shape != shape:
-                raise ValueError(f"plane {name} is uint8 of shape {shape}, not {plane.dtype} of shape {plane.shape}")
+                raise ValueError(f"plane {name} must be uint8 of shape {shape}, "
+                                 f"not {plane.dtype} of shape {plane.shape}")
             if plane.strides[1] != 1 or not shape[1] <= plane.strides[0] <= _LARGEST:
                 plane = plane.copy()
-            if target is None:  # the library has one stride for both
+            if target is None:  # source and target share a stride
                 target = np.empty((shape[0], plane.strides[0]), np.uint8)[:, :shape[1]]
             planes.append((plane, _writable(target, shape)))
         result = planes[0][1], planes[1][1], planes[2][1]

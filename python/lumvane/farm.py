@@ -1,6 +1,6 @@
-"""Takes frames through the effects on all processors of this machine, or on many: python3 -m lumvane.farm --help
+"""Applies the effects to frames on all processors of this machine, or on many machines: python3 -m lumvane.farm --help
 
-Stands on Dask distributed. Outputs take their name when they are complete, and what is there already stays as it is.
+Based on Dask distributed. Outputs get their name when they are complete; existing outputs are kept.
 """
 
 from __future__ import annotations
@@ -28,15 +28,15 @@ from distributed import Client, LocalCluster, as_completed
 import lumvane
 from lumvane import _frames
 
-WINDOW = 4000  # tasks that the scheduler knows of at one time
-RANGE_BYTES = 2**25  # of a clip, for one task
+WINDOW = 4000  # tasks submitted to the scheduler at a time
+RANGE_BYTES = 2**25  # of a clip, per task
 
 
 Pairs = List[Tuple[str, str]]
 
 
-class Unusable(Exception):
-    """What a person can mend, with the exit code."""
+class UserError(Exception):
+    """An error that the user can fix, with the exit code."""
 
     def __init__(self, text: str, code: int = 2) -> None:
         super().__init__(text)
@@ -46,13 +46,13 @@ class Unusable(Exception):
 class Task(NamedTuple):
     work: Callable[..., List[_frames.Failure]]
     arguments: Tuple[Any, ...]
-    steps: int  # frames, as the progress counts them
-    names: List[str]  # of what fails when nothing comes back
+    steps: int  # frames, for the progress line
+    names: List[str]  # of the inputs, to report if the task is lost
     clip: Optional[_frames.Clip] = None
 
 
 class Progress:
-    """A line on the error stream, redrawn in place; none where that is no terminal."""
+    """A line on standard error, redrawn in place; only on a terminal."""
 
     def __init__(self, total: int) -> None:
         self.total, self.done, self.start, self.drawn = total, 0, time.monotonic(), 0.0
@@ -68,8 +68,8 @@ class Progress:
             self.drawn = now
             bar = "#" * (30 * self.done // max(self.total, 1))
             left = (self.total - self.done) / max(self.rate(), 1e-3)
-            told = f"{self.done}/{self.total} frames, {self.rate():.1f} a second, {left:.0f} s left"
-            print(f"\r[{bar:30}] {told}   ", end="", file=sys.stderr, flush=True)
+            status = f"{self.done}/{self.total} frames, {self.rate():.1f} a second, {left:.0f} s left"
+            print(f"\r[{bar:30}] {status}   ", end="", file=sys.stderr, flush=True)
 
     def close(self) -> None:
         if self.visible:
@@ -77,7 +77,7 @@ class Progress:
 
 
 def found(pattern: str, kinds: Tuple[str, ...]) -> List[str]:
-    """The files of a folder, a glob pattern or a printf pattern such as shot.%04d.png, sorted; or the file itself."""
+    """Returns the sorted files of a folder, a glob pattern or a printf pattern, such as shot.%04d.png; or the file."""
     if os.path.isdir(pattern):
         files = [os.path.join(pattern, name) for name in os.listdir(pattern)]
         files = [name for name in files if name.lower().endswith(kinds) and os.path.isfile(name)]
@@ -92,27 +92,27 @@ def found(pattern: str, kinds: Tuple[str, ...]) -> List[str]:
     else:
         files = glob.glob(pattern)
     if not files:
-        raise Unusable(f"there are no frames at '{pattern}'", 3)
+        raise UserError(f"no frames found at '{pattern}'", 3)
     return sorted(files)
 
 
 def planned(options: argparse.Namespace, kinds: Tuple[str, ...]) -> Pairs:
-    """Paths to read and to write, without those that are done."""
+    """Returns the paths to read and to write, without existing outputs."""
     files = [os.path.abspath(name) for pattern in options.inputs for name in found(pattern, kinds)]
     folder = os.path.abspath(options.output)
     targets = [os.path.join(folder, os.path.basename(name)) for name in files]
     if len(set(targets)) < len(targets):
-        raise Unusable(f"two frames of one name would go to '{options.output}'")
+        raise UserError(f"two frames of the same name would be written to '{options.output}'")
     if {os.path.realpath(name) for name in files} & {os.path.realpath(name) for name in targets}:
-        raise Unusable(f"frames in '{options.output}' would be written over, and they are to be read")
+        raise UserError(f"frames in '{options.output}' are inputs and would be overwritten")
     try:
         os.makedirs(folder, exist_ok=True)
         done = set() if options.overwrite else set(os.listdir(folder))
     except OSError as error:
-        raise Unusable(f"cannot write to '{options.output}': {error.strerror}", 4) from None
+        raise UserError(f"cannot write to '{options.output}': {error.strerror}", 4) from None
     todo = [pair for pair in zip(files, targets) if os.path.basename(pair[1]) not in done]
     if len(todo) < len(files):
-        print(f"{len(files) - len(todo)} of {len(files)} are there already, and stay; --overwrite does them again",
+        print(f"{len(files) - len(todo)} of {len(files)} outputs already exist; --overwrite renders them again",
               flush=True)
     return todo
 
@@ -126,7 +126,7 @@ def contents(paths: Iterable[str]) -> Dict[str, bytes]:
 
 
 def picture_tasks(options: argparse.Namespace, pairs: Pairs, run: str, threads: int) -> List[Task]:
-    # Several frames a task keep the scheduler from limiting a large farm; few of them keep all workers busy to the end.
+    # Several frames per task relieve the scheduler of a large farm; few of them let all workers finish together.
     count = min(max(len(pairs) // (32 * max(threads, 1)), 1), 16)
     batches = [pairs[i:i + count] for i in range(0, len(pairs), count)]
     return [Task(_frames.render_pictures, (batch, run, options.overwrite), len(batch), [pair[0] for pair in batch])
@@ -137,10 +137,10 @@ def clip_tasks(options: argparse.Namespace, pairs: Pairs, run: str, failures: Li
     tasks = []
     for source, target in pairs:
         try:
-            clip = _frames.read_head(source, target, run, options.range)
+            clip = _frames.read_header(source, target, run, options.range)
             with open(clip.part, "wb") as part:
-                part.write(clip.head)
-                part.truncate(len(clip.head) + clip.frames * clip.step)
+                part.write(clip.header)
+                part.truncate(len(clip.header) + clip.frames * clip.step)
         except (OSError, ValueError) as error:
             failures.append((source, _frames.reason(error)))
             continue
@@ -152,15 +152,15 @@ def clip_tasks(options: argparse.Namespace, pairs: Pairs, run: str, failures: Li
 
 
 def done_on(client: Client, effect: _frames.Effect, tasks: List[Task]) -> Iterator[Tuple[Task, List[_frames.Failure]]]:
-    """The tasks in the order in which they are done, with what failed of each."""
-    effect_there = client.submit(_frames.given, effect, pure=False)
+    """Yields the tasks in order of completion, each with its failures."""
+    effect_future = client.submit(_frames.identity, effect, pure=False)
     rest = iter(tasks)
     running = {}
 
     def submitted(count: int) -> List[Any]:
         futures = []
         for task in itertools.islice(rest, count):
-            futures.append(client.submit(task.work, effect_there, *task.arguments, pure=False))
+            futures.append(client.submit(task.work, effect_future, *task.arguments, pure=False))
             running[futures[-1].key] = task
         return futures
 
@@ -168,7 +168,7 @@ def done_on(client: Client, effect: _frames.Effect, tasks: List[Task]) -> Iterat
     for future, result in completed:
         task = running.pop(future.key)
         if future.status != "finished":
-            # An error is a tuple: one worker after the other has died of the task.
+            # An error comes as a tuple: the task has killed several workers.
             why = _frames.reason(result[1]) if isinstance(result, tuple) else "the scheduler was lost"
             result = [(name, why) for name in task.names]
         yield task, result
@@ -183,7 +183,7 @@ def finish_clips(tasks: List[Task], failures: List[_frames.Failure]) -> None:
 
 
 def remove_parts(folder: str, run: str) -> None:
-    """Removes what dead workers have left behind of this run."""
+    """Removes the part files that dead workers of this run left behind."""
     for part in glob.glob(os.path.join(glob.escape(folder), f"*.{run}.part")):
         try:
             os.unlink(part)
@@ -196,7 +196,7 @@ def connected(options: argparse.Namespace) -> Iterator[Client]:
     with contextlib.ExitStack() as ends:
         if options.scheduler is None:
             count = options.workers or CPU_COUNT
-            # What workers leave on disk does not belong in the folder where the user happens to be.
+            # Keeps the workers' scratch files out of the current folder.
             dask.config.set({"temporary-directory": ends.enter_context(tempfile.TemporaryDirectory())})
             address = ends.enter_context(LocalCluster(n_workers=count, threads_per_worker=1, memory_limit=0,
                                                       dashboard_address=None))
@@ -205,15 +205,15 @@ def connected(options: argparse.Namespace) -> Iterator[Client]:
         try:
             client = ends.enter_context(Client(address, timeout=20))
         except (OSError, ValueError) as error:
-            raise Unusable(f"cannot reach the scheduler at '{address}': {error}", 1) from None
+            raise UserError(f"cannot reach the scheduler at '{address}': {error}", 1) from None
         if not client.nthreads():
-            print("The scheduler has no workers yet: waiting for them", file=sys.stderr)
+            print("The scheduler has no workers yet; waiting for them", file=sys.stderr)
         client.wait_for_workers(options.workers or 1)
         yield client
 
 
 def effect_of(options: argparse.Namespace) -> _frames.Effect:
-    """The effect, after a try on this machine, so that what is wrong with it is told before there is any work."""
+    """Returns the effect, after opening it on this machine so that errors are reported before any work starts."""
     if options.effect == "whitebalance":
         return _frames.Effect("whitebalance", {"temperature": options.temperature, "tint": options.tint}, {})
     if options.effect == "clarity":
@@ -224,12 +224,12 @@ def effect_of(options: argparse.Namespace) -> _frames.Effect:
             return _frames.Effect("lut", {"strength": options.strength}, contents([options.lut]))
         lumvane.HdrToBt709(options.luts, options.transfer, size=(1, 1)).close()
         luts = [os.path.join(options.luts, f"HDR_{name}.cube") for name in ("HLG", "PQ")]
-        # Both, where there are both: a worker reads them once, for whatever comes later.
+        # Both, if both exist: a worker process reads them only once, for all later tasks.
         return _frames.Effect("hdr", {"transfer": options.transfer}, contents(filter(os.path.exists, luts)))
     except OSError as error:
-        raise Unusable(f"cannot use LUT file '{error.filename}': {error.strerror}", 3) from None
+        raise UserError(f"cannot use LUT file '{error.filename}': {error.strerror}", 3) from None
     except ValueError as error:
-        raise Unusable(str(error), 3) from None
+        raise UserError(str(error), 3) from None
 
 
 def render(options: argparse.Namespace) -> int:
@@ -265,12 +265,12 @@ def parsed(arguments: Optional[List[str]]) -> argparse.Namespace:
     common = argparse.ArgumentParser(add_help=False)
     common.add_argument("inputs", nargs="+", help="a folder, a file, or a pattern: 'shot.*.png' or shot.%%04d.png")
     common.add_argument("output", help="folder to write to; frames keep their names")
-    common.add_argument("--scheduler", metavar="ADDRESS", help="of a Dask scheduler, as tcp://host:8786")
+    common.add_argument("--scheduler", metavar="ADDRESS", help="address of a Dask scheduler, such as tcp://host:8786")
     common.add_argument("--workers", type=int, metavar="N",
-                        help="workers to start here, by default one a processor; or to wait for at the scheduler")
-    common.add_argument("--overwrite", action="store_true", help="do again what is there already")
+                        help="workers to start here, by default one per processor; or to wait for at the scheduler")
+    common.add_argument("--overwrite", action="store_true", help="render existing outputs again")
     parser = argparse.ArgumentParser(
-        prog="lumvane.farm", description="Takes frames through an effect, on this machine or on many.",
+        prog="lumvane.farm", description="Applies an effect to frames, on this machine or on many.",
         epilog="Exit codes: 0 done, 2 wrong arguments, 3 an input that cannot be used or a frame that failed, "
                "4 an output folder that cannot be written to, 1 anything else.")
     effects = parser.add_subparsers(dest="effect", required=True, metavar="EFFECT")
@@ -286,18 +286,18 @@ def parsed(arguments: Optional[List[str]]) -> argparse.Namespace:
     hdr = effects.add_parser("hdr", parents=[common], help="convert HDR clips, .y4m, to BT.709")
     hdr.add_argument("--luts", required=True, metavar="FOLDER", help="with HDR_HLG.cube and HDR_PQ.cube")
     hdr.add_argument("--transfer", required=True, choices=("hlg", "pq"))
-    hdr.add_argument("--range", choices=("limited", "full"), help="by default what a clip says of itself, or limited")
+    hdr.add_argument("--range", choices=("limited", "full"), help="default: as the clip is tagged, or limited")
     return parser.parse_args(arguments)
 
 
 def main(arguments: Optional[List[str]] = None) -> int:
     options = parsed(arguments)
     warnings.filterwarnings("ignore", "Large object", UserWarning)  # the LUT, sent once
-    logging.getLogger("distributed.client").setLevel(logging.CRITICAL)  # frames that are lost are told of by name
+    logging.getLogger("distributed.client").setLevel(logging.CRITICAL)  # lost frames are reported by name
     signal.signal(signal.SIGTERM, signal.default_int_handler)
     try:
         return render(options)
-    except Unusable as error:
+    except UserError as error:
         print(f"lumvane.farm: {error}", file=sys.stderr)
         return error.code
     except KeyboardInterrupt:

@@ -57,6 +57,6 @@ not marked as BT.2020 with an HLG or PQ transfer: colorimetry bt709|format=I420_
 colorimetry bt2020|format=I420,colorimetry=bt2020|luts=luts
 'none' has no HDR_PQ.cube|format=I420,colorimetry=bt2100-pq|luts=none
 'none' has no HDR_HLG.cube|format=I420_10LE,colorimetry=bt2100-hlg|luts=none
-names no folder|format=I420,colorimetry=bt2100-pq|
-this process has its HDR LUTs from|format=I420,colorimetry=bt2100-hlg|luts=luts ! fakesink videotestsrc ! video/x-raw,format=YV12,colorimetry=bt2100-pq ! lumvanehdr luts=others
+property luts is not set|format=I420,colorimetry=bt2100-pq|
+this process already has its HDR LUTs from|format=I420,colorimetry=bt2100-hlg|luts=luts ! fakesink videotestsrc ! video/x-raw,format=YV12,colorimetry=bt2100-pq ! lumvanehdr luts=others
 CASES
