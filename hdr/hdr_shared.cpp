@@ -13,7 +13,7 @@ struct Transfer {
   HdrCache cache;
   bool ordinary = false;
 };
-constinit Lasting<Transfer[2]> transfers;  // HLG and PQ
+constinit NeverDestroyed<Transfer[2]> transfers;  // HLG and PQ
 
 // The rows lie one after the other, with a float after the last of them, so that kernels can take the lattice for a
 // LatticeView.
@@ -37,7 +37,7 @@ void dropLattice(HdrLattice& lattice) {
 }
 
 LUMVANE_WHEN_UNLOADED void releaseHdrData() {
-  if (!processEnds) dropHdrData();
+  if (!processExiting) dropHdrData();
 }
 
 }  // namespace

@@ -94,10 +94,10 @@ std::shared_ptr<const Table> buildTable() {
   return table;
 }
 
-constinit Lasting<std::shared_ptr<const Table>> theTable;
+constinit NeverDestroyed<std::shared_ptr<const Table>> theTable;
 
 LUMVANE_WHEN_UNLOADED void releaseTable() {
-  if (!processEnds) theTable.object.reset();
+  if (!processExiting) theTable.object.reset();
 }
 
 }  // namespace
