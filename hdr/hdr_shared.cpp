@@ -15,8 +15,7 @@ struct Transfer {
 };
 constinit NeverDestroyed<Transfer[2]> transfers;  // HLG and PQ
 
-// The rows lie one after the other, with a float after the last of them, so that kernels can take the lattice for a
-// LatticeView.
+// The rows are contiguous and followed by one more float, so that kernels can use the lattice through a LatticeView.
 HdrLattice allocateLattice() {
   constexpr size_t kRowFloats = kLatticeStride * 3, kRows = kLatticeStride * kLatticeStride;
   auto points = std::make_unique<float[]>(kRows * kRowFloats + 1);
