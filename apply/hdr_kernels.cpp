@@ -57,8 +57,7 @@ using plain::cacheRow;  // these targets have no gather instruction
 // Each lane is one pixel.
 void cacheRow(const RGB8* cache, const uint8_t* src, uint8_t* dst, size_t pixels) {
   const VU colourMask = hn::Set(U(), 0x00FFFFFF);
-  // Entries have three bytes, but four are read. For the last entry the fourth is the byte before it, not the one after
-  // it.
+  // Entries have three bytes, but four are read: with the byte after the entry, or for the last one the byte before it.
   const VU lastOffset = hn::Set(U(), kCacheEntries * 3 - 4);
   alignas(16) static constexpr uint8_t kReverse[16] = {2, 1, 0, 0x80, 6, 5, 4, 0x80, 10, 9, 8, 0x80, 14, 13, 12, 0x80};
   size_t i = 0;

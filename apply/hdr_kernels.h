@@ -46,7 +46,7 @@ void mapThroughLattice(const Lattice& lattice, const uint8_t* src, uint8_t* dst,
 /// Maps BGRA pixels through the cache of an HDR LUT. Byte 3 is copied. dst may be src.
 using CacheRow = void(const RGB8* cache, const uint8_t* src, uint8_t* dst, size_t pixels);
 
-/// Lattice values up to this magnitude are ordinary: the vector forms convert what is interpolated from them correctly.
+/// Lattice values up to this magnitude are ordinary: with them, the vector forms convert results to bytes correctly.
 inline constexpr float kMaxOrdinary = 1 << 20;
 inline bool isOrdinary(float value) { return std::abs(value) <= kMaxOrdinary; }  // false for a NaN
 

@@ -6,9 +6,9 @@
 
 namespace Lumvane {
 
-/// Adds the raised differences between samples and their surroundings to base: (d * gain) * w + d with d = fine - coarse,
-/// where the weight w = exp(-(d * d * coefficient)), correctly rounded, falls from 1 for small differences to nearly 0
-/// for strong edges. fine and coarse are from 0 to 1, or slightly out of range. out may be one of the inputs.
+/// Adds the raised differences between samples and their surroundings to base: (d * gain) * w + d, d = fine - coarse.
+/// The weight w = exp(-(d * d * coefficient)), correctly rounded, falls from 1 for small differences to nearly 0 for
+/// strong edges. fine and coarse are from 0 to 1, or slightly out of range. out may be one of the inputs.
 using DetailRow = void(const float* fine, const float* coarse, float coefficient, float gain, const float* base,
                        float* out, size_t samples);
 

@@ -1,7 +1,7 @@
 // Kernels that convert rows between BGRA and hue, saturation and value. As in Smith: "Color Gamut Transform Pairs",
-// SIGGRAPH 1978, the value is the largest of the three colours, the saturation is (largest - smallest) / largest, and the
-// hue is the position on a hexagon. Single precision throughout, each operation rounded immediately, in the order in
-// which it is written: the bits are part of the library's contract, on every processor.
+// SIGGRAPH 1978, the value is the largest of the three colours, the saturation is (largest - smallest) / largest, and
+// the hue is the position on a hexagon. Single precision throughout, each operation rounded immediately, in the
+// order in which it is written: the bits are part of the library's contract, on every processor.
 #pragma once
 
 #include <cstddef>

@@ -60,7 +60,7 @@ namespace {
 
 #if LUMVANE_HAVE_VECTORS
 
-// Two coefficients that multiply the 16-bit halves of a lane. They exceed the 15 bits that a 16-bit product allows, so they
+// Two coefficients that multiply the 16-bit halves of a lane. They exceed the 15 bits of a 16-bit factor, so they
 // are split into high and low bits whose products are shifted and added.
 constexpr int kSplit = 9;
 struct Coefficients {

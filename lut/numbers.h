@@ -45,7 +45,7 @@ inline constexpr auto kPowersOfTen = [] {
 /// be on either side.
 inline const char* scanDecimal(const char* text, float& value) {
   constexpr uint64_t kMaxExact = uint64_t{1} << 53;
-  constexpr uint64_t kBelowFloat = (1u << 29) - 1, kHalf = 1u << 28;  // a double has 52 bits, a float 23
+  constexpr uint64_t kBelowFloat = (1u << 29) - 1, kHalf = 1u << 28;  // of 52 mantissa bits, a float has 23
   const bool negative = *text == '-';
   if (negative) ++text;
   uint64_t digits = 0;

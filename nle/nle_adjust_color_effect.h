@@ -11,7 +11,7 @@
 
 namespace Lumvane {
 
-/// A frame as an entry point passes it to an effect; not owning, valid during the call.
+/// A frame as an entry point passes it to an effect; non-owning, valid during the call.
 struct NLEFrameDesc {
   uint8_t* data = nullptr;
   int width = 0;
