@@ -2,7 +2,7 @@
 
 namespace Lumvane {
 
-/// The rows of one band of a frame: rows / bands each; the last band also gets the remainder.
+/// The rows of one band of a frame: rows / bands, plus the remainder for the last band.
 struct BandRows {
   int first;
   int count;

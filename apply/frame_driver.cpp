@@ -9,7 +9,7 @@
 namespace Lumvane {
 namespace {
 
-constexpr int64_t kMostPixelsOnCallingThread = 10000;
+constexpr int64_t kMaxPixelsOnCallingThread = 10000;
 constexpr int32_t kBands = 8;
 
 template <class Worker>
@@ -36,13 +36,13 @@ bool rowsOverlap(const cv::Mat& frame) {
 cv::Mat wrapFrame(uint8_t* pixels, int32_t width, int32_t height, int32_t strideBytes, int type) {
   cv::Mat frame(height, width, type, pixels);
   // Set afterwards, because the constructor refuses strides shorter than a row. Sign-extended: a row's address is
-  // computed modulo 2^64, so a negative stride walks up in memory.
+  // computed modulo 2^64, so a negative stride moves to lower addresses.
   if (strideBytes != 0) frame.step[0] = static_cast<size_t>(strideBytes);
   return frame;
 }
 
 bool isSmall(const cv::Mat& frame) {
-  return static_cast<int64_t>(frame.rows) * frame.cols <= kMostPixelsOnCallingThread;
+  return static_cast<int64_t>(frame.rows) * frame.cols <= kMaxPixelsOnCallingThread;
 }
 
 void gradeFrame(cv::Mat& dst, const cv::Mat& src, const LatticeView& lattice, const BlendTables& blends,

@@ -1,4 +1,4 @@
-// Frames: rows, bands and threads.
+// Applies the row kernels to whole frames, in bands and on several threads.
 #pragma once
 
 #include <opencv2/core.hpp>
@@ -7,21 +7,21 @@
 
 namespace Lumvane {
 
-/// A matrix header over the caller's pixels, BGRA or of another 8-bit type; width and height above 0. The stride is in
-/// bytes and may be negative or shorter than a row; 0 means packed rows.
+/// Returns a matrix header over the caller's pixels, BGRA or another 8-bit type; width and height are above 0. The
+/// stride is in bytes and may be negative or shorter than a row; 0 means packed rows.
 cv::Mat wrapFrame(uint8_t* pixels, int32_t width, int32_t height, int32_t strideBytes, int type = CV_8UC4);
 
-/// True up to 10000 pixels: such a frame is graded on the calling thread, a larger one in 8 bands on OpenCV's threads,
-/// with the same bytes.
+/// True up to 10000 pixels. Small frames are graded on the calling thread, larger ones in 8 bands on OpenCV's threads,
+/// with the same result.
 bool isSmall(const cv::Mat& frame);
 
 /// Grades src into dst, which has the same size, and blends the result with src, whose weight is 0 to 255.
 ///
-/// They may be the same pixels, or overlap: the blend then uses what grading left in src.
+/// The two may be the same pixels or overlap: the blend then uses src as the grading left it.
 void gradeFrame(cv::Mat& dst, const cv::Mat& src, const LatticeView& lattice, const BlendTables& blends,
                 int32_t sourceWeight, const GradeKernels& kernels = gradeKernels());
 
-/// From BGRA to one byte per pixel: component 0 of the looked-up colour.
+/// Grades BGRA pixels to one byte per pixel: component 0 of the looked-up colour.
 void gradeFrameToPlane(cv::Mat& dst, const cv::Mat& src, const LatticeView& lattice,
                        const GradeKernels& kernels = gradeKernels());
 

@@ -1,4 +1,4 @@
-// The row kernels of LUT grading: the plain forms, which define the bytes, and the vector forms.
+// Row kernels of LUT grading: the plain forms, which define the output bytes, and the vector forms.
 
 #include "apply/grade_kernels.h"
 
@@ -60,11 +60,11 @@ namespace {
 
 #if LUMVANE_HAVE_VECTORS
 
-// Adds what makes rounding to nearest, ties to even, give the same as roundToByte, which adds 0.5 in double precision.
+// Adds 0.5 so that rounding to nearest, ties to even, gives the same as roundToByte, which adds it in double precision.
 // The addend is 0.5 minus half a unit in the last place: for 0 and for 1 to 255 the float sum is then a tie only where
-// the exact one is. Values between 0 and 1, which must give 1, are first multiplied by 2^30 and limited to 0.75. Those
-// up to 2^-54, which vanish next to 0.5 in double precision, still give 0.
-HWY_INLINE VF withHalf(VF v) {
+// the exact sum is. Values between 0 and 1, which must give 1, are first multiplied by 2^30 and limited to 0.75. Those
+// up to 2^-54, which are lost when 0.5 is added in double precision, still give 0.
+HWY_INLINE VF addHalf(VF v) {
   const VF raised = hn::Min(hn::Mul(v, hn::Set(F(), 1073741824.0f)), hn::Set(F(), 0.75f));
   return hn::Add(maxOrNan(raised, v), hn::Set(F(), 0.49999997f));
 }
@@ -72,7 +72,7 @@ HWY_INLINE VF withHalf(VF v) {
 HWY_INLINE VWords evenBytes(VU v) { return hn::And(hn::BitCast(Words(), v), hn::Set(Words(), 0xFF)); }
 HWY_INLINE VWords oddBytes(VU v) { return hn::ShiftRight<8>(hn::BitCast(Words(), v)); }
 
-// x / 255, truncated, of both: 0x8081 / 2^23 is close enough to 1 / 255 for all 16-bit values.
+// Divides both by 255, truncating: 0x8081 / 2^23 is close enough to 1 / 255 for all 16-bit values.
 HWY_INLINE VU divideBy255(VWords even, VWords odd) {
   const VWords reciprocal = hn::Set(Words(), 0x8081);
   const VWords low = hn::ShiftRight<7>(hn::MulHigh(even, reciprocal));
@@ -80,7 +80,7 @@ HWY_INLINE VU divideBy255(VWords even, VWords odd) {
   return hn::BitCast(U(), hn::Or(low, high));
 }
 
-// The colour bytes of `graded` times the alpha of `pixels` / 255, rounded to nearest; byte 3 comes from `pixels`.
+// Multiplies the colour bytes of `graded` by alpha / 255, rounded to nearest. Alpha and byte 3 are those of `pixels`.
 HWY_INLINE VU multiplyByAlpha(VU graded, VU pixels) {
   const VU alphaBits = hn::Set(U(), 0xFF000000);
   const VU colours = hn::Or(graded, alphaBits);
@@ -101,9 +101,9 @@ HWY_INLINE VU fade(VU source, VU graded, int32_t sourceWeight) {
                      hn::Add(hn::Mul(oddBytes(source), keep), hn::Mul(oddBytes(graded), take)));
 }
 
-constexpr size_t kAhead = 512;  // bytes; the fastest of those tried, with no other pass in between
+constexpr size_t kPrefetchDistance = 512;  // bytes; the fastest of those tried for this single pass
 
-// A row for interpolateVectors; blends with the source if `fades`.
+// The row argument of interpolateVectors; blends with the source if `fades`.
 template <bool fades>
 struct GradedRow {
   const Axes& axes;
@@ -113,11 +113,11 @@ struct GradedRow {
 
   HWY_INLINE VU source(size_t v) const { return loadPixels(src + 4 * kLanes * v); }
   HWY_INLINE void find(size_t v, Tetrahedra& out) const { findTetrahedra(axes, source(v), out); }
-  HWY_INLINE VI toBytes(VF v) const { return rounded(withHalf(v)); }
+  HWY_INLINE VI toBytes(VF v) const { return rounded(addHalf(v)); }
   HWY_INLINE void store(size_t v, VU components) const {
     uint8_t* const to = dst + 4 * kLanes * v;
-    fetchAhead(src + 4 * kLanes * v, kAhead);
-    fetchAhead(to, kAhead);
+    fetchAhead(src + 4 * kLanes * v, kPrefetchDistance);
+    fetchAhead(to, kPrefetchDistance);
     const VU in = source(v), graded = multiplyByAlpha(toBgr(components), in);
     storePixels(fades ? fade(in, graded, sourceWeight) : graded, to);
   }

@@ -1,5 +1,5 @@
-// Kernels for one row of a frame that is graded. They know colour and nothing of frames or threads: they do not
-// allocate, and read and write exactly the bytes that their pixel count covers.
+// Kernels that grade one row of pixels. They are independent of frames and threads, do not allocate, and read and write
+// exactly the bytes that their pixel count covers.
 #pragma once
 
 #include <cstddef>
@@ -9,9 +9,8 @@
 
 namespace Lumvane {
 
-/// The two blends that frames need, from the shared table: multiply[a][b] is a * b / 255 rounded to nearest,
-/// mix[a][b][t] is (a * t + b * (255 - t)) / 255 truncated. A kernel may compute the same values instead of reading
-/// them.
+/// The two blends that grading needs, from the shared table: multiply[a][b] is a * b / 255 rounded to nearest,
+/// mix[a][b][t] is (a * t + b * (255 - t)) / 255 truncated. A kernel may compute these values instead of reading them.
 struct BlendTables {
   const uint8_t (*multiply)[256];
   const uint8_t (*mix)[256][265];
@@ -24,15 +23,15 @@ struct BlendTables {
 using GradeRow = void(const LatticeView& lattice, const BlendTables& blends, const uint8_t* src, uint8_t* dst,
                       size_t pixels);
 
-/// One byte of dst per BGRA pixel of src: component 0 of the colour that GradeRow looks up, through roundToByte. Alpha
-/// is ignored.
+/// Writes one byte to dst per BGRA pixel of src: component 0 of the colour that GradeRow looks up, rounded by
+/// roundToByte. Alpha is ignored.
 using GradeRowToPlane = void(const LatticeView& lattice, const uint8_t* src, uint8_t* dst, size_t pixels);
 
-/// Replaces each byte d of dst by mix[s][d][sourceWeight], where s is the byte of src at the same place; the weight is
-/// 0 to 255.
+/// Replaces each byte d of dst by mix[s][d][sourceWeight], where s is the byte of src at the same position; the weight
+/// is 0 to 255.
 using FadeRow = void(const BlendTables& blends, int32_t sourceWeight, const uint8_t* src, uint8_t* dst, size_t pixels);
 
-/// GradeRow, then FadeRow with src, which must not overlap dst.
+/// Runs GradeRow, then FadeRow. src must not overlap dst.
 using GradeAndFadeRow = void(const LatticeView& lattice, const BlendTables& blends, int32_t sourceWeight,
                              const uint8_t* src, uint8_t* dst, size_t pixels);
 
@@ -46,7 +45,7 @@ struct GradeKernels {
 /// The plain forms, one byte at a time: the reference for all others.
 extern const GradeKernels plainGradeKernels;
 
-/// The fastest on this processor.
+/// Returns the fastest kernels for this processor.
 const GradeKernels& gradeKernels();
 
 }  // namespace Lumvane

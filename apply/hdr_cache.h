@@ -9,7 +9,7 @@
 
 namespace Lumvane {
 
-/// Memory that the system hands out zeroed: a table of zeros needs no write.
+/// An allocator of memory that the system provides zeroed, so that a table of zeros need not be written.
 template <class T>
 struct ZeroMemory {
   using value_type = T;
@@ -25,14 +25,14 @@ struct ZeroMemory {
   }
   void deallocate(T* memory, size_t) { std::free(memory); }
 
-  /// Entries without a value are already zero.
+  /// Does nothing: the entry is already zero.
   template <class U>
   void construct(U*) {}
 
   bool operator==(const ZeroMemory&) const = default;
 };
 
-/// The result of an HDR LUT for every colour, by cacheEntry; or empty. Resized only once, from empty: see ZeroMemory.
+/// The result of an HDR LUT for every colour, indexed by cacheEntry; or empty. Resized only from empty: see ZeroMemory.
 using HdrCache = std::vector<RGB8, ZeroMemory<RGB8>>;
 
 }  // namespace Lumvane

@@ -1,4 +1,4 @@
-// The row kernels of the HDR LUTs: the plain forms, which define the bytes, and the vector forms.
+// Row kernels of the HDR LUTs: the plain forms, which define the output bytes, and the vector forms.
 
 #include "apply/hdr_kernels.h"
 
@@ -54,11 +54,10 @@ namespace {
 using plain::cacheRow;  // these targets have no gather instruction
 #else
 
-// One lane is one pixel.
+// Each lane is one pixel.
 void cacheRow(const RGB8* cache, const uint8_t* src, uint8_t* dst, size_t pixels) {
   const VU colourMask = hn::Set(U(), 0x00FFFFFF);
-  // Entries have three bytes and are read four at a time. The last one is read together with the byte before it instead
-  // of the byte after it.
+  // Entries have three bytes, but four are read: with the byte after the entry, or for the last one the byte before it.
   const VU lastOffset = hn::Set(U(), kCacheEntries * 3 - 4);
   alignas(16) static constexpr uint8_t kReverse[16] = {2, 1, 0, 0x80, 6, 5, 4, 0x80, 10, 9, 8, 0x80, 14, 13, 12, 0x80};
   size_t i = 0;
@@ -76,9 +75,9 @@ void cacheRow(const RGB8* cache, const uint8_t* src, uint8_t* dst, size_t pixels
 
 #endif
 
-// truncToByte of values up to 2^20 either way. Adding and subtracting a large number rounds to the nearest integer, ties to
-// even. From 0 up that is the result, except for ties that went down. At -0.5 and below, where 0.5 is added and the sum is
-// cut off towards zero, it is one too low except for those.
+// truncToByte for values up to 2^20 in magnitude. Adding and subtracting a large number rounds to the nearest integer,
+// ties to even. From -0.5 up, that is the result, or one too low for a tie that was rounded down. Below -0.5, where
+// truncToByte adds 0.5 and truncates towards zero, it is one too low except for a tie that was rounded up.
 HWY_INLINE VI truncatedBytes(VF value) {
   const F f;
   const VF held = hn::Min(value, hn::Set(f, 255.0f));
@@ -90,7 +89,7 @@ HWY_INLINE VI truncatedBytes(VF value) {
   return hn::And(bytes, hn::Set(I(), 0xFF));
 }
 
-// A row for interpolateVectors.
+// The row argument of interpolateVectors.
 struct MappedRow {
   const Axes& axes;
   const uint8_t* src;
@@ -111,17 +110,17 @@ void latticeRow(const LatticeView& lattice, const uint8_t* src, uint8_t* dst, si
   plain::latticeRow(lattice, src + 4 * done, dst + 4 * done, pixels - done);
 }
 
-// For a fixed red and green, only blue moves through the lattice, between four lattice rows. Neighbouring blues use the
-// same or neighbouring points, so a vector of blues loads one vector of points and permutes it. This is faster than
+// For a fixed red and green, only blue varies, between four lattice rows. Neighbouring blue values use the same or
+// neighbouring points, so a vector of blue values loads one vector of points and permutes it. This is faster than
 // interpolating pixel by pixel.
 
-// A lattice row, split into components.
+// A lattice row with its components in separate arrays.
 struct PlanarRow {
-  alignas(64) float component[3][kLatticeStride + kLanes];  // a vector may be read from any point
-  bool ordinary;                                            // all its values are; other rows use the plain form
+  alignas(64) float component[3][kLatticeStride + kLanes];  // padded: a vector may be loaded from any point
+  bool ordinary;                                            // true for all values; other rows use the plain form
 
   void read(const float* row) {
-    const VF most = hn::Set(F(), kMostOrdinary);
+    const VF most = hn::Set(F(), kMaxOrdinary);
     auto inRange = hn::Eq(most, most);
     constexpr size_t kLastVector = kLatticeStride - kLanes;
     for (size_t point = 0; point < kLatticeStride; point += kLanes) {
@@ -149,10 +148,10 @@ class BlueAxis {
       fits_ = fits_ && std::min(lower_[b], upper_[b]) >= 0 && std::max(lower_[b], upper_[b]) < kReach;
     }
   }
-  // False when a vector of blues needs points beyond one vector of points, or before its first.
+  // False when a vector of blue values needs points beyond one vector of points, or before its first point.
   bool fits() const { return fits_; }
   HWY_INLINE VF fraction(size_t b) const { return hn::LoadU(F(), fraction_ + b); }
-  // The points at the lower and the upper ends of the cells of the blues from b on.
+  // The points at the lower and upper ends of the cells for the blue values from b on.
   HWY_INLINE VF lower(const float* row, size_t b) const { return permuted(row, b, lower_); }
   HWY_INLINE VF upper(const float* row, size_t b) const { return permuted(row, b, upper_); }
 
@@ -166,7 +165,7 @@ class BlueAxis {
   alignas(64) int32_t lower_[256], upper_[256];
 };
 
-// Stores three bytes of each lane without gaps. The bytes written past them are overwritten by the next call.
+// Stores three bytes per lane without gaps. It also writes past them; the next call overwrites those bytes.
 class EntryPacker {
  public:
   EntryPacker() {
@@ -184,15 +183,15 @@ class EntryPacker {
   alignas(64) uint32_t order_[kLanes];
 };
 
-// The four lattice rows around the blues of one red and one green, named after the ends of the red and the green axis.
+// The four lattice rows around one red and green value: at the lower or upper end of the cell in red, green or both.
 struct FourRows {
   const PlanarRow *lower, *redUpper, *greenUpper, *bothUpper;
 
   bool ordinary() const { return lower->ordinary && redUpper->ordinary && greenUpper->ordinary && bothUpper->ordinary; }
 };
 
-// tetrahedralLookup with sorted fractions: the weights are the differences of neighbours in that order, and ties give
-// the same ones either way. The choice of the corners does depend on ties, so `blueFirst` and `blueLast` use the
+// tetrahedralLookup with sorted fractions: the weights are the differences of neighbours in that order, the same for
+// either order of a tie. The choice of the corners does depend on ties, so `blueFirst` and `blueLast` use the
 // comparisons of tetrahedralLookup.
 void fillBlues(const FourRows& rows, const BlueAxis& axis, float fr, float fg, const EntryPacker& packer,
                RGB8* entries) {

@@ -1,5 +1,5 @@
-// Kernels that apply an HDR LUT to a row of pixels, and to every possible colour. As in grade_kernels.h, they know
-// nothing of frames or threads, do not allocate, and touch exactly the bytes that their pixel count covers.
+// Kernels that apply an HDR LUT to a row of pixels, and to every possible colour. As in grade_kernels.h, they are
+// independent of frames and threads, do not allocate, and access exactly the bytes that their pixel count covers.
 #pragma once
 
 #include <cmath>
@@ -19,10 +19,10 @@ static_assert(sizeof(RGB8) == 3);
 
 inline constexpr uint32_t kCacheEntries = 1u << 24;
 
-/// The index of a colour in a cache of all colours.
+/// Returns the index of a colour in a cache of all colours.
 inline uint32_t cacheEntry(uint8_t r, uint8_t g, uint8_t b) { return uint32_t{r} * 65536 + uint32_t{g} * 256 + b; }
 
-/// tetrahedralLookup through truncToByte: components red, green, blue; from a LatticeView or an HdrLatticeView.
+/// Returns tetrahedralLookup converted by truncToByte. `Lattice` is LatticeView or HdrLatticeView.
 template <class Lattice>
 RGB8 hdrColour(const Lattice& lattice, uint8_t r, uint8_t g, uint8_t b) {
   const auto out = tetrahedralLookup(lattice, r, g, b);
@@ -46,16 +46,16 @@ void mapThroughLattice(const Lattice& lattice, const uint8_t* src, uint8_t* dst,
 /// Maps BGRA pixels through the cache of an HDR LUT. Byte 3 is copied. dst may be src.
 using CacheRow = void(const RGB8* cache, const uint8_t* src, uint8_t* dst, size_t pixels);
 
-/// Lattice values of up to this magnitude are ordinary: the vector forms make bytes of what they interpolate to.
-inline constexpr float kMostOrdinary = 1 << 20;
-inline bool isOrdinary(float value) { return std::abs(value) <= kMostOrdinary; }  // false for a NaN
+/// Lattice values up to this magnitude are ordinary: with them, the vector forms convert results to bytes correctly.
+inline constexpr float kMaxOrdinary = 1 << 20;
+inline bool isOrdinary(float value) { return std::abs(value) <= kMaxOrdinary; }  // false for a NaN
 
-/// mapThroughLattice. All values of the lattice must be ordinary, and its tables must match its size. One float past its last point may be read; its value
-/// does not matter.
+/// mapThroughLattice for a lattice whose values are all ordinary and whose tables match its size. One float past its
+/// last point may be read; its value does not matter.
 using HdrLatticeRow = void(const LatticeView& lattice, const uint8_t* src, uint8_t* dst, size_t pixels);
 
 /// Computes the 65536 cache entries of colours with the red value `r`, each by hdrColour. The tables of `lattice` may
-/// belong to another size, up to 65: a bad file after a good one leaves that state.
+/// belong to another size, up to 65: a bad file loaded after a good one leaves them so.
 using FillCache = void(const HdrLatticeView& lattice, uint8_t r, RGB8* entries);
 
 struct HdrKernels {
@@ -67,7 +67,7 @@ struct HdrKernels {
 /// The plain forms, one colour at a time: the reference for all others.
 extern const HdrKernels plainHdrKernels;
 
-/// The fastest on this processor.
+/// Returns the fastest kernels for this processor.
 const HdrKernels& hdrKernels();
 
 }  // namespace Lumvane

@@ -1,12 +1,12 @@
-// Vector form of tetrahedralLookup. A vector of pixels takes two steps, in which lanes mean different things:
+// Vector form of tetrahedralLookup, in two steps, in which lanes have different meanings:
 //
 // 1. A lane is a pixel: findTetrahedra finds four points and their weights. With the three fractions sorted the weights
 //    are 1 - max, max - mid, mid - min and min; ties give the same differences in any order. The two middle points are
 //    chosen by the comparisons of tetrahedralLookup, ties included: an infinite point matters even at weight 0
 //    (infinity * 0 is NaN).
 // 2. A lane is a colour component, a block of four lanes is a pixel. A point is three floats, so it is loaded as four;
-//    gathers are slower on every processor measured. Vector i, of four, holds the pixels i, i + 4, ..., so that a
-//    broadcast within the block brings each pixel its weight.
+//    gathers are slower on every processor measured. Vector i of four holds the pixels i, i + 4, ..., so that a
+//    broadcast within the block gives each pixel its weight.
 
 #if defined(LUMVANE_APPLY_LATTICE_LOOKUP_INL_H) == defined(HWY_TARGET_TOGGLE)
 #ifdef LUMVANE_APPLY_LATTICE_LOOKUP_INL_H
@@ -27,7 +27,7 @@ namespace HWY_NAMESPACE {
 // Floats from a lattice point to its neighbours along blue, green and red.
 constexpr int32_t kStrideZ = 3, kStrideY = kLatticeStride * kStrideZ, kStrideX = kLatticeStride * kStrideY;
 
-// Constant along a row.
+// Constants of a row.
 struct Axes {
   VF reciprocalHigh, reciprocalLow;  // StepReciprocal
   VF top;                            // the index of the last point
@@ -40,7 +40,7 @@ struct Axes {
   }
 };
 
-// The four points of each pixel of a vector and their weights; in memory, because the points are loaded one at a time.
+// The four points and weights of each pixel of a vector; in memory, because the points are loaded one at a time.
 struct Tetrahedra {
   // Offsets in floats from the first point of the lattice.
   alignas(64) uint32_t p000[kLanes], pa[kLanes], pb[kLanes], p111[kLanes];
@@ -98,7 +98,7 @@ HWY_INLINE void findTetrahedra(const Axes& axes, VU pixels, Tetrahedra& out) {
   hn::Store(smallest, F(), out.w1);
 }
 
-// Interpolates the pixels i, i + 4, ...; lane 3 of each block is meaningless.
+// Interpolates the pixels i, i + 4, ...; lane 3 of each block is undefined.
 template <int i>
 HWY_INLINE VF interpolate(const float* lattice, const Tetrahedra& t) {
   const F f;
@@ -109,7 +109,7 @@ HWY_INLINE VF interpolate(const float* lattice, const Tetrahedra& t) {
   return hn::Add(hn::Add(hn::Add(p000, pa), pb), p111);
 }
 
-// Bytes red, green, blue to the byte order of pixels.
+// Reorders bytes from red, green, blue to BGRA with byte 3 zero.
 HWY_INLINE VU toBgr(VU components) {
   alignas(16) static constexpr uint8_t kBlueGreenRed[16] = {2,  1, 0, 0x80, 6,  5,  4,  0x80,
                                                             10, 9, 8, 0x80, 14, 13, 12, 0x80};
@@ -117,12 +117,12 @@ HWY_INLINE VU toBgr(VU components) {
 }
 
 // Interpolates vectors of pixels: row.find(v, tetrahedra) finds the points and weights of vector v, row.toBytes
-// converts components to integers, which are then clamped to 0 to 255, and row.store(v, bytes) takes these: red, green,
-// blue and a meaningless byte for each pixel.
+// converts components to integers, which are then clamped to 0 to 255, and row.store(v, bytes) receives them: red,
+// green, blue and an undefined byte for each pixel.
 template <class Row>
 HWY_INLINE void interpolateVectors(const float* points, size_t vectors, const Row& row) {
   if (vectors == 0) return;
-  // While the points of one vector of pixels are being loaded, those of the next are found.
+  // The points of the next vector are computed while those of the current one are being loaded.
   Tetrahedra tetrahedra[2];
   row.find(0, tetrahedra[0]);
   for (size_t v = 0; v < vectors; ++v) {

@@ -1,4 +1,4 @@
-// Grading by bands of rows. A worker serves one run and owns nothing.
+// Grading in bands of rows. A worker is used for one run and owns nothing.
 #pragma once
 
 #include <opencv2/core.hpp>
@@ -7,7 +7,7 @@
 
 namespace Lumvane {
 
-/// Grades the bands of a BGRA frame whose numbers it is given. dst may be src, unless it fades.
+/// Grades the bands of a BGRA frame whose numbers are in the range. dst may be src only if sourceWeight is 0.
 class parallelCubeLut : public cv::ParallelLoopBody {
  public:
   cv::Mat* dst;
@@ -24,7 +24,7 @@ class parallelCubeLut : public cv::ParallelLoopBody {
   void operator()(const cv::Range& range) const override;
 };
 
-/// The same, from BGRA to one byte per pixel and without a fade.
+/// The same, from BGRA to one byte per pixel and without blending.
 class parallelAlphaCubeLut : public cv::ParallelLoopBody {
  public:
   cv::Mat* dst;

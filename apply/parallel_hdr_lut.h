@@ -1,4 +1,4 @@
-// The HDR path by bands, for runParallel. A worker serves one run and owns nothing.
+// The HDR path in bands, for runParallel. A worker is used for one run and owns nothing.
 #pragma once
 
 #include <opencv2/core.hpp>
@@ -20,7 +20,7 @@ class parallelCacheCubeLut_ : public cv::ParallelLoopBody {
   void operator()(const cv::Range& range) const override;
 };
 
-/// Maps the bands of a BGRA frame whose numbers it is given: through the cache or, when that is empty, through the
+/// Maps the bands of a BGRA frame whose numbers are in the range: through the cache or, if it is empty, through the
 /// lattice.
 class parallelCubeLut_ : public cv::ParallelLoopBody {
  public:

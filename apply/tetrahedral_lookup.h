@@ -1,8 +1,7 @@
-// Tetrahedral interpolation between the points of one lattice cell, and how the two LUT paths convert the result to
-// bytes.
+// Tetrahedral interpolation between the points of one lattice cell, and the conversions to bytes of the two LUT paths.
 //
 // The diagonal from the cell's lower corner 000 to its upper corner 111 splits the cell into six tetrahedra. The order
-// of the three fractions tells in which one a colour lies: the path goes from 000 along the axis of the largest
+// of the three fractions determines which one a colour is in: the path goes from 000 along the axis of the largest
 // fraction to a, on along the middle one to b, and along the smallest one to 111. The weights are the differences of
 // neighbouring fractions,
 //   1 - max, max - mid, mid - min, min,
@@ -18,8 +17,8 @@
 
 namespace Lumvane {
 
-/// The colour of the table at the bytes r, g, b: components red, green, blue, on the scale of the lattice. `Lattice`
-/// has the members of LatticeView.
+/// Returns the colour of the table for the bytes r, g, b: red, green, blue on the scale of the lattice. `Lattice` has
+/// the members of LatticeView.
 ///
 /// Single precision throughout, each weight, product and sum rounded immediately, sums from left to right: the bits of
 /// the result are part of the library's contract. The upper neighbour of the last point is that point itself.
@@ -64,18 +63,18 @@ std::array<float, 3> tetrahedralLookup(const Lattice& lattice, uint8_t r, uint8_
   return out;
 }
 
-/// A colour value as a byte for LUT grading: 0.5 is added before a conversion that rounds to nearest with ties to even,
-/// in double precision. So 10.2 and 10.9 both give 11, an even integer stays, and an odd integer goes up by one. Values
+/// Converts a colour value to a byte for LUT grading: 0.5 is added in double precision, and the sum is rounded to
+/// nearest, ties to even. So 10.2 and 10.9 both give 11, an even integer stays, and an odd one goes up by one. Values
 /// out of range saturate, but those from 2^31 on, and NaN, give 0.
 inline uint8_t roundToByte(float v) {
-  if (!(v < 2147483648.0f)) return 0;  // x86 converts what a 32-bit integer cannot hold to a negative number
+  if (!(v < 2147483648.0f)) return 0;  // x86 converts values beyond int32_t to a negative number
   const double sum = std::max(static_cast<double>(v), -1.0) + 0.5;
   return static_cast<uint8_t>(std::clamp(std::llrint(sum), 0LL, 255LL));
 }
 
-/// A colour value as a byte for the HDR path: 0.5 is added, values above 255 become 255, the rest is truncated toward
-/// zero, and the low 8 bits are kept. There is no lower clamp: -1.5 and below wraps. Values that a 64-bit integer
-/// cannot hold, and NaN, give 0.
+/// Converts a colour value to a byte for the HDR path: 0.5 is added, sums above 255 become 255, they are truncated
+/// toward zero, and the low 8 bits are kept. There is no lower clamp: values of -1.5 and below wrap. Values that a
+/// 64-bit integer cannot hold, and NaN, give 0.
 inline uint8_t truncToByte(float v) {
   const double sum = std::min(static_cast<double>(v) + 0.5, 255.0);
   if (!(sum >= -9223372036854775808.0)) return 0;

@@ -9,12 +9,12 @@
 namespace Lumvane {
 
 /// During its lifetime the calling thread uses the default floating-point mode of a new program: round to nearest,
-/// denormals, no traps. Hosts set other modes, and threads of a pool inherit the mode of the thread that created them;
-/// bytes must not depend on that, and a trap would end the host. The destructor restores the mode; no exception flag is
-/// raised.
+/// denormals kept, no traps. Hosts set other modes, and pool threads inherit the mode of the thread that created them;
+/// output must not depend on that, and a trap would end the host. The destructor restores the mode and the exception
+/// flags.
 ///
-/// On x86 through the control register itself: <cfenv> also sets the mode of the older x87 unit, which computes nothing
-/// here that could be rounded, and mingw-w64's does not set the one that matters.
+/// On x86 this sets MXCSR directly: <cfenv> also sets the mode of the older x87 unit, which computes nothing here that
+/// could be rounded, and mingw-w64's does not set MXCSR.
 ///
 /// Compilers may move arithmetic of the same function out of this lifetime: code that needs the mode belongs in
 /// functions of another file.

@@ -2,9 +2,9 @@
 
 namespace Lumvane {
 
-/// On Windows keeps the library in the process from the first call on, even if the host unloads it: OpenCV is part of
-/// the DLL, and its threads wait there for the next frame. Elsewhere OpenCV is a separate library, which stays by
-/// itself.
+/// On Windows, keeps the library loaded from the first call on, even if the host unloads it: OpenCV is part of the DLL,
+/// and its threads wait in that code for the next frame. Elsewhere OpenCV is a separate library, which stays loaded on
+/// its own.
 #ifdef _WIN32
 void keepLoaded();
 #else

@@ -16,33 +16,33 @@
 namespace Lumvane {
 namespace {
 
-constexpr std::chrono::milliseconds kMostForMeeting(20), kMostForStart(2000), kMostForEnd(1000);
+constexpr std::chrono::milliseconds kRendezvousTimeout(20), kStartTimeout(2000), kExitTimeout(1000);
 
-std::atomic<int> callsOfThePool = 0;
+std::atomic<int> activePoolUses = 0;
 
-// For the life of this object exit() waits before it goes on to end OpenCV, unless it has begun: then there is no pool.
+// While one exists, exit() waits before it shuts OpenCV down. False once exit() has begun: there is no pool then.
 class PoolInUse {
  public:
-  PoolInUse() { ++callsOfThePool; }
-  ~PoolInUse() { --callsOfThePool; }
+  PoolInUse() { ++activePoolUses; }
+  ~PoolInUse() { --activePoolUses; }
   PoolInUse(const PoolInUse&) = delete;
   PoolInUse& operator=(const PoolInUse&) = delete;
-  explicit operator bool() const { return !processEnds; }
+  explicit operator bool() const { return !processExiting; }
 };
 
-// Made once the pool runs, and so destroyed before anything that OpenCV made for it. A process that fork() made of one
-// with loops at work has their count but not their threads: hence the limit. On Windows threads have ended by then.
-struct PoolEnd {
-  ~PoolEnd() {
-    processEnds = true;
+// Constructed once the pool runs, so destroyed before anything that OpenCV created for it. A child process forked while
+// loops run inherits their count but not their threads: hence the limit. On Windows the threads have ended by then.
+struct PoolShutdown {
+  ~PoolShutdown() {
+    processExiting = true;
 #ifndef _WIN32
-    const auto end = std::chrono::steady_clock::now() + kMostForEnd;
-    while (callsOfThePool > 0 && std::chrono::steady_clock::now() < end) std::this_thread::yield();
+    const auto end = std::chrono::steady_clock::now() + kExitTimeout;
+    while (activePoolUses > 0 && std::chrono::steady_clock::now() < end) std::this_thread::yield();
 #endif
   }
 };
 
-// The body is called through a pointer, so that no compiler takes its arithmetic out of the life of the mode.
+// Calls the body through a pointer, so that compilers cannot move its arithmetic out of the lifetime of the mode.
 class InDefaultFloatMode : public cv::ParallelLoopBody {
  public:
   explicit InDefaultFloatMode(const cv::ParallelLoopBody& body) : body_(body) {}
@@ -55,19 +55,19 @@ class InDefaultFloatMode : public cv::ParallelLoopBody {
   const cv::ParallelLoopBody& body_;
 };
 
-// Each thread of the pool that takes a number holds it until all are taken, or for a moment: so all of them get made.
-struct Meeting : cv::ParallelLoopBody {
-  explicit Meeting(int count) : expected(count) {}
+// A thread that takes an iteration waits until all are taken, or for 20 ms, so that the pool creates all its threads.
+struct Rendezvous : cv::ParallelLoopBody {
+  explicit Rendezvous(int count) : expected(count) {}
   void operator()(const cv::Range& range) const override {
     taken += range.size();
     while (taken < expected && std::chrono::steady_clock::now() < end) std::this_thread::yield();
   }
   const int expected;
   mutable std::atomic<int> taken = 0;
-  const std::chrono::steady_clock::time_point end = std::chrono::steady_clock::now() + kMostForMeeting;
+  const std::chrono::steady_clock::time_point end = std::chrono::steady_clock::now() + kRendezvousTimeout;
 };
 
-// Throws where the process may not have so many threads more, or hardly any memory.
+// Throws if the process cannot start `count` more threads, or cannot allocate 1 MiB.
 void tryThreads(int count) {
   std::make_unique_for_overwrite<char[]>(size_t{1} << 20);
   std::latch made(1);
@@ -81,28 +81,28 @@ void tryThreads(int count) {
   made.count_down();
 }
 
-// More threads than processors the pool may be asked for, but need not have.
+// The number of pool threads that must start. A host may set more than one per processor, but these need not start.
 int threadsToStart() {
   static const int processors = std::max(static_cast<int>(std::thread::hardware_concurrency()), 2);  // reads a file
   return std::min(cv::getNumThreads(), processors);
 }
 
-// Has the pool make its threads. Throws where it cannot, or does not come back from that.
+// Makes the pool create its threads; returns their number. Throws if that fails or takes longer than kStartTimeout.
 int startPool() {
   std::promise<int> promise;
   std::future<int> threads = promise.get_future();
   std::thread helper([promise = std::move(promise)]() mutable {
     try {
-      tryThreads(1);  // before the first question to OpenCV, which makes the pool
+      tryThreads(1);  // before the first call to OpenCV, which creates the pool
       const int count = threadsToStart();
       tryThreads(count - 1);
-      cv::parallel_for_(cv::Range(0, count), Meeting(count), count);
+      cv::parallel_for_(cv::Range(0, count), Rendezvous(count), count);
       promise.set_value(count);
     } catch (...) {
       promise.set_exception(std::current_exception());
     }
   });
-  if (threads.wait_for(kMostForStart) == std::future_status::ready) {
+  if (threads.wait_for(kStartTimeout) == std::future_status::ready) {
     helper.join();
   } else {
     helper.detach();
@@ -124,7 +124,7 @@ int poolThreads() noexcept {
     const std::lock_guard lock(mutex);
     if (failed) return 1;
     if (started == 0 || threadsToStart() > started) started = startPool();
-    static const PoolEnd end;
+    static const PoolShutdown end;
     return cv::getNumThreads();
   } catch (...) {
     failed = true;

@@ -1,5 +1,5 @@
-// The vectors that all kernels use, and the few operations for which x86 has one instruction that means just what is
-// wanted, where portable code would take several. To be included after <hwy/foreach_target.h>.
+// The vector types that all kernels use, and the few operations that are a single instruction on x86 but several in
+// portable code. Include this after <hwy/foreach_target.h>.
 
 #if defined(LUMVANE_BASE_VECTORS_INL_H) == defined(HWY_TARGET_TOGGLE)
 #ifdef LUMVANE_BASE_VECTORS_INL_H
@@ -14,7 +14,7 @@
 #include <cstddef>
 #include <cstdint>
 
-// Where there are no vectors, the plain forms of the kernels serve.
+// Without vectors, the plain forms of the kernels are used.
 #undef LUMVANE_HAVE_VECTORS
 #if HWY_TARGET != HWY_SCALAR && HWY_TARGET != HWY_EMU128
 #define LUMVANE_HAVE_VECTORS 1
@@ -51,18 +51,18 @@ constexpr size_t kLanes = hn::MaxLanes(F());
 HWY_INLINE VU loadPixels(const uint8_t* from) { return hn::BitCast(U(), hn::LoadU(Bytes(), from)); }
 HWY_INLINE void storePixels(VU pixels, uint8_t* to) { hn::StoreU(hn::BitCast(Bytes(), pixels), Bytes(), to); }
 
-// Prefetches what lies so many bytes ahead. The hardware prefetcher stops at the ends of pages, and without this a frame
-// takes 3 to 10 % longer. Beyond the end of a frame it does nothing.
+// Prefetches the data `distance` bytes ahead. The hardware prefetcher stops at page boundaries; without this, a frame
+// takes 3 to 10 % longer. Prefetching beyond the end of a frame is harmless.
 HWY_INLINE void fetchAhead(const uint8_t* pixels, size_t distance) {
   hwy::Prefetch(reinterpret_cast<const void*>(reinterpret_cast<uintptr_t>(pixels) + distance));
 }
 
-// Bytes within each block of 16 in the given order; 0x80 makes a 0.
+// Reorders the bytes of each 16-byte block; 0x80 gives 0.
 HWY_INLINE VU shuffled(VU v, const uint8_t (&order)[16]) {
   return hn::BitCast(U(), hn::TableLookupBytesOr0(hn::BitCast(Bytes(), v), hn::LoadDup128(Bytes(), order)));
 }
 
-// The larger of the two, and a NaN where `b` is one: other processors than x86 take the number that is left.
+// The larger value, or NaN where `b` is NaN: on processors other than x86, hn::Max would return `a`.
 HWY_INLINE VF maxOrNan(VF a, VF b) {
 #if HWY_ARCH_X86
   return hn::Max(a, b);
@@ -71,12 +71,12 @@ HWY_INLINE VF maxOrNan(VF a, VF b) {
 #endif
 }
 
-// gatherPoints: four floats from each of base + places[0], base + places[4], ..., a block of 16 bytes each. The fourth is
-// whatever follows the point.
-// rounded: to the nearest whole number, ties to even. What an int32_t cannot hold, and a NaN, gives a number below 0.
-// truncated: towards zero, of what an int32_t can hold.
-// packed: held to 0 to 255; byte 4 * i + c of a block comes from lane c of that block of vector i.
-#if HWY_ARCH_X86 && HWY_TARGET <= HWY_AVX3  // targets are numbered from the newest down
+// gatherPoints: loads four floats from each of base + places[0], base + places[4], ..., one 16-byte block each. The
+// fourth is whatever follows the point.
+// rounded: rounds to the nearest integer, ties to even. NaN and values beyond int32_t give a negative number.
+// truncated: truncates towards zero; the values must fit an int32_t.
+// packed: clamps to 0 to 255; byte 4 * i + c of a block comes from lane c of that block of vector i.
+#if HWY_ARCH_X86 && HWY_TARGET <= HWY_AVX3  // newer targets have lower numbers
 
 HWY_INLINE VF gatherPoints(const float* base, const uint32_t* places) {
   __m512 v = _mm512_castps128_ps512(_mm_loadu_ps(base + places[0]));
@@ -113,7 +113,7 @@ HWY_INLINE VU packed(VI v0, VI v1, VI v2, VI v3) {
 }
 #else
 HWY_INLINE VI rounded(VF v) {
-  // What is too small becomes the smallest number by itself.
+  // NearestInt itself saturates values that are too small.
   const VF low = hn::IfThenElse(hn::Lt(v, hn::Set(F(), 2147483648.0f)), v, hn::Set(F(), -1.0f));
   return hn::NearestInt(low);
 }

@@ -5,8 +5,8 @@
 
 namespace Lumvane {
 
-/// Zeroed memory for an object, padding included, before its fields are set. Classes use these two as their operators
-/// new and delete.
+/// Allocates an object's memory, zeroed so that its padding is zero as well. Classes use these two functions for their
+/// operators new and delete.
 inline void* allocateZeroed(size_t bytes) {
   void* const memory = std::calloc(1, bytes);
   if (memory == nullptr) throw std::bad_alloc();

@@ -8,12 +8,12 @@
 namespace Lumvane {
 namespace {
 
-constexpr int kMostStripes = 16;
+constexpr int kMaxStripes = 16;
 constexpr float kPercent = 0.01f;
 constexpr float kSaturationSpan = 0.15f;
 constexpr int kChunk = 512;  // pixels of a row that go through all kernels before the next chunk
 
-// Decodes a row of BGRA pixels into the value from which the pyramid is built.
+// Converts a row of BGRA pixels to the values from which the pyramid is built.
 struct clarityAnalysisPass {
   const cv::Mat& src;
   ValueRow* valueRow;
@@ -24,9 +24,9 @@ struct clarityAnalysisPass {
   }
 };
 
-// Decodes BGRA rows into hue, saturation and value, and encodes them again with the alpha of src. In between it blends
-// the value with the finest level of the pyramid, whose differences are raised; an amount of 0 leaves the value
-// unchanged. For runParallel over stripe numbers.
+// Converts BGRA rows to hue, saturation and value, and back with the alpha of src. In between it blends the value with
+// the rebuilt finest level of the pyramid, whose details are raised; an amount of 0 leaves the value unchanged. For
+// runParallel over stripe numbers.
 struct claritySynthesisPass {
   int rows;
   int stripes;
@@ -54,7 +54,7 @@ struct claritySynthesisPass {
         kernels.hsv.analysis(src.ptr(y, x), saturationFactor, hue, saturation, value, pixels);
         if (amount > 0.0f) {
           alignas(64) float coarse[kChunk], base[kChunk];
-          // A single level is its own surroundings.
+          // With a single level, the value serves as its own surroundings.
           const float* const around = surroundings ? surroundings->samples(x, pixels, coarse) : value;
           const float* const below = rebuilt ? rebuilt->samples(x, pixels, base) : value;
           kernels.details.detail(value, around, kDetailCoefficient, kDetailGain, below, base, pixels);
@@ -66,7 +66,7 @@ struct claritySynthesisPass {
   }
 };
 
-// True when dst covers pixels of src at other positions, so that writing could change pixels that are still to be read.
+// True if dst overlaps src at other positions, so that writing could change pixels that are still to be read.
 bool overwritesUnread(const cv::Mat& dst, const cv::Mat& src) {
   if (dst.data == src.data && dst.step[0] == src.step[0]) return false;
   return Extent(dst).overlaps(Extent(src));
@@ -80,7 +80,7 @@ int clarityPipeline(NLEPureCClarity& effect, const cv::Mat& frame, cv::Mat& dst,
   const cv::Mat src = overwritesUnread(dst, frame) ? frame.clone() : frame;
   const float saturationFactor =
       std::clamp(static_cast<float>(saturation), -100.0f, 100.0f) * kPercent * kSaturationSpan + 1.0f;
-  const int stripes = std::clamp(2 * poolThreads(), 1, kMostStripes);
+  const int stripes = std::clamp(2 * poolThreads(), 1, kMaxStripes);
   const float amount = std::clamp(static_cast<float>(intensity), 0.0f, 100.0f) * kPercent;
   if (amount > 0.0f) {
     buildClarityPyramid(clarityAnalysisPass{src, kernels.hsv.value}, src.size(), effect.levels, stripes, effect.pyramid,

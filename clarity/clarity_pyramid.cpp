@@ -8,13 +8,13 @@
 namespace Lumvane {
 namespace {
 
-constexpr int kMostLevels = 8;
+constexpr int kMaxLevels = 8;
 constexpr int kTaps = 5;
-// Smaller planes, in samples, are not worth waking another thread.
-constexpr int64_t kLeastShared = 1 << 15;
+// Samples of a plane; smaller planes are not worth waking another thread for.
+constexpr int64_t kMinSharedSamples = 1 << 15;
 
 int stripesOf(cv::Size size) {
-  return int64_t{size.width} * size.height >= kLeastShared ? std::max(1, 2 * poolThreads()) : 1;
+  return int64_t{size.width} * size.height >= kMinSharedSamples ? std::max(1, 2 * poolThreads()) : 1;
 }
 
 void downRows(const RowOfPlane& input, cv::Size size, const StripeRows& rows, cv::Mat& output, float* scratch,
@@ -32,7 +32,7 @@ void downRows(const RowOfPlane& input, cv::Size size, const StripeRows& rows, cv
   }
 }
 
-// Rebuilds a level: the next coarser level, rebuilt and brought up, plus the raised differences.
+// Rebuilds a level: the next coarser level, rebuilt and upsampled, plus the raised differences.
 struct clarityDetailPass {
   int rows;
   int stripes;
@@ -73,7 +73,7 @@ float* scratchRows(std::vector<float>& memory, size_t samples) {
 
 int clarityLevelCount(int width, int height) {
   const auto shorterSide = static_cast<unsigned>(std::max(std::min(width, height), 1));
-  return std::min(static_cast<int>(std::bit_width(shorterSide - 1)) + 1, kMostLevels);  // ceil(log2(side)) + 1
+  return std::min(static_cast<int>(std::bit_width(shorterSide - 1)) + 1, kMaxLevels);  // ceil(log2(side)) + 1
 }
 
 void pyramidDown(const RowOfPlane& input, cv::Size size, cv::Mat& output, int stripes, ClarityPyramid::Scratch& scratch,
@@ -98,7 +98,7 @@ void pyramidDown(const RowOfPlane& input, cv::Size size, cv::Mat& output, int st
       stripes);
 }
 
-// Row 2 * s is made of the rows s - 1, s and s + 1 of the input, row 2 * s + 1 of s and s + 1.
+// Row 2 * s is computed from the rows s - 1, s and s + 1 of the input, row 2 * s + 1 from s and s + 1.
 void PyramidUp::moveTo(int y) {
   y_ = y;
   if (isCopy()) return;

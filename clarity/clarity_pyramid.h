@@ -1,8 +1,8 @@
 // The core of the effect: a plane is split into a Gaussian pyramid, the differences between its levels are raised,
 // small ones most, and the plane is rebuilt.
 //
-// Level 0, of the frame's size, is never stored: its rows are computed where they are used. So are coarser levels
-// brought up to the size of the next finer one.
+// Level 0, of the frame's size, is never stored: its rows are computed where they are used. The same applies to coarser
+// levels upsampled to the size of the next finer one.
 #pragma once
 
 #include <functional>
@@ -17,19 +17,19 @@ namespace Lumvane {
 inline constexpr float kDetailCoefficient = 22.222221f;  // 1 / (2 * sigma * sigma) for sigma = 0.15
 inline constexpr float kDetailGain = 0.55f;
 
-/// The planes of a pyramid, CV_32FC1, by level. Only their memory is kept for the next frame: allocating for each frame
-/// takes longer than processing it.
+/// The planes of a pyramid, CV_32FC1, by level. Only their memory is kept from frame to frame: allocating it for each
+/// frame takes longer than processing.
 struct ClarityPyramid {
-  std::vector<cv::Mat> gaussian;  ///< the plane at half the size, a quarter, and so on; none at 0
-  std::vector<cv::Mat> rebuilt;   ///< each level rebuilt from the coarser ones; none at 0 and the last
+  std::vector<cv::Mat> gaussian;  ///< the plane at half the size, a quarter, and so on; 0 is unused
+  std::vector<cv::Mat> rebuilt;   ///< each level rebuilt from the coarser ones; 0 and the last are unused
   using Scratch = std::vector<std::vector<float>>;
   Scratch scratch;  ///< rows in progress, for each stripe
 
-  /// Level i from 1 on, rebuilt: the coarsest one has no details.
+  /// Returns the rebuilt level i, 1 or more. The coarsest level has no details to raise.
   const cv::Mat& rebuiltLevel(size_t i) const { return i + 1 == gaussian.size() ? gaussian[i] : rebuilt[i]; }
 };
 
-/// The rows of a range of stripes: from first up to, not including, end.
+/// The rows of a range of stripes: from first up to, but not including, end.
 struct StripeRows {
   int first;
   int end;
@@ -37,22 +37,22 @@ struct StripeRows {
   StripeRows(const cv::Range& range, int rows, int stripes);
 };
 
-/// Room for `samples` floats in `memory`, which grows as needed.
+/// Returns room for `samples` floats in `memory`, which grows as needed.
 float* scratchRows(std::vector<float>& memory, size_t samples);
 
-/// Levels of the pyramid for frames of this size: one more than the number of times the shorter side can be halved,
-/// rounding up; 1 to 8.
+/// Returns the number of pyramid levels for frames of this size: one more than the number of times the shorter side can
+/// be halved, rounding up; 1 to 8.
 int clarityLevelCount(int width, int height);
 
-/// Row y of a plane: a pointer to it, or `buffer`, which has room for it and now holds it.
+/// Returns row y of a plane: a pointer into the plane, or `buffer`, which has room for a row, after filling it.
 using RowOfPlane = std::function<const float*(int y, float* buffer)>;
 
-/// A plane of half the size, (side + 1) / 2, from a plane of the size `size`; a copy if a side is below 2. Works in
-/// `stripes` parts on OpenCV's threads, each with its own scratch.
+/// Halves a plane of the size `size`, to (side + 1) / 2; copies it if a side is below 2. Works in `stripes` parts on
+/// OpenCV's threads, each with its own scratch memory.
 void pyramidDown(const RowOfPlane& input, cv::Size size, cv::Mat& output, int stripes, ClarityPyramid::Scratch& scratch,
                  const PyramidKernels& kernels);
 
-/// Brings the rows of a plane up to `size`, the size of the next finer level. A plane that already has this size is
+/// Upsamples the rows of a plane to `size`, the size of the next finer level. A plane that already has this size is
 /// passed through.
 class PyramidUp {
  public:
@@ -60,10 +60,10 @@ class PyramidUp {
   PyramidUp(const cv::Mat& input, cv::Size size, float* rows, const PyramidKernels& kernels)
       : input_(input), size_(size), rows_(rows), kernels_(kernels) {}
 
-  /// Goes to row y; rows are visited from top to bottom.
+  /// Moves to row y; rows must be visited from top to bottom.
   void moveTo(int y);
 
-  /// The samples of this row from column x on: a pointer to them, or `buffer`.
+  /// Returns the samples of this row from column x on: a pointer into the plane, or `buffer` after filling it.
   const float* samples(int x, size_t count, float* buffer) const;
 
  private:
@@ -75,11 +75,11 @@ class PyramidUp {
   float* rows_;  // up to three rows of the input, as wide as the finer level
   const PyramidKernels& kernels_;
   int y_ = 0;
-  int next_ = 0;  // first row of the input that is not brought up yet
+  int next_ = 0;  // the first row of the input that is not upsampled yet
 };
 
 /// Builds a pyramid of `levels` levels, at least one, from a plane of the size `size`; each has half the size of the
-/// one before. Level 0 is processed in `stripes` parts.
+/// previous one. Level 0 is processed in `stripes` parts.
 void buildClarityPyramid(const RowOfPlane& value, cv::Size size, int levels, int stripes, ClarityPyramid& pyramid,
                          const PyramidKernels& kernels);
 

@@ -1,4 +1,4 @@
-// The row kernels that raise the details of a plane: the plain forms, which define the bits, and the vector forms.
+// Row kernels that raise the details of a plane: the plain forms, which define the bits, and the vector forms.
 
 #include "clarity/detail_kernels.h"
 
@@ -64,9 +64,9 @@ namespace {
 
 #if LUMVANE_HAVE_VECTORS
 
-// exp(r - step / 256) for r within 1 / 512 of 0, rounded to single precision. One table entry and a polynomial give it
-// with an error little above the last bit of double precision before rounding. That is less than the distance from any
-// exponential that occurs to the nearest point where its rounding changes.
+// exp(r - step / 256) for r within 1 / 512 of 0, rounded to single precision. One table entry and a polynomial give it,
+// before rounding, with an error slightly above the last bit of double precision. That is less than the distance from
+// any exponential that occurs to the nearest point where its rounding changes.
 HWY_INLINE hn::Vec<HalfF> exponentialNear(hn::Vec<HalfI> step, hn::Vec<HalfF> offset) {
   const Doubles d;
   // The Taylor series, with most of its fifth-order term moved into the third-order one, where the two differ least.
@@ -80,9 +80,9 @@ HWY_INLINE hn::Vec<HalfF> exponentialNear(hn::Vec<HalfI> step, hn::Vec<HalfF> of
   return hn::DemoteTo(HalfF(), hn::Add(hn::Mul(base, growth), base));
 }
 
-// exp(-x) for x from 0 to 32. Other values give wrong results, but are safe.
+// exp(-x) for x from 0 to 32. Other values give wrong results, but no access outside the table.
 HWY_INLINE VF exponentialOfMinus(VF x) {
-  // In a float of this size the last bit is one step, so adding it rounds to whole steps.
+  // The last bit of a float of this magnitude is one step, so adding it rounds to whole steps.
   const VF shift = hn::Set(F(), static_cast<float>((1 << 23) / ExponentialTable::kStepsPerUnit));
   const VF shifted = hn::Add(x, shift);
   const VF offset = hn::Sub(hn::Sub(shifted, shift), x);  // exact

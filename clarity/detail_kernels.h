@@ -6,9 +6,9 @@
 
 namespace Lumvane {
 
-/// Adds to base the raised difference of samples from their surroundings: with d = fine - coarse, (d * gain) * w + d,
-/// where the weight w = exp(-(d * d * coefficient)), correctly rounded, falls from 1 for small differences to nearly 0
-/// for strong edges. fine and coarse are from 0 to 1, or slightly out of range. out may be one of the inputs.
+/// Adds the raised differences between samples and their surroundings to base: (d * gain) * w + d, d = fine - coarse.
+/// The weight w = exp(-(d * d * coefficient)), correctly rounded, falls from 1 for small differences to nearly 0 for
+/// strong edges. fine and coarse are from 0 to 1, or slightly out of range. out may be one of the inputs.
 using DetailRow = void(const float* fine, const float* coarse, float coefficient, float gain, const float* base,
                        float* out, size_t samples);
 
@@ -25,7 +25,7 @@ struct DetailKernels {
 /// The plain forms, one sample at a time: the reference for all others.
 extern const DetailKernels plainDetailKernels;
 
-/// The fastest on this processor.
+/// Returns the fastest kernels for this processor.
 const DetailKernels& detailKernels();
 
 }  // namespace Lumvane

@@ -9,10 +9,10 @@ namespace Lumvane {
 class ExponentialTable {
  public:
   static constexpr int kStepsPerUnit = 256;
-  static constexpr size_t kSize = 8192;  // down to exp(-32); a power of 2, so that a mask keeps an index in range
+  static constexpr size_t kSize = 8192;  // down to exp(-32); a power of 2, so that masks keep indices in range
 
-  // Repeated multiplication with about 100 bits, so that rounding errors of the products never reach an entry. Computed
-  // here, because a C library's exponential cannot be called at compile time.
+  // Repeated multiplication with about 100 bits, so that rounding errors of the products never reach an entry. A C
+  // library's exponential cannot be called at compile time.
   constexpr ExponentialTable() {
     constexpr double kFactor = 0x1.fe00ffaabffbcp-1;        // exp(-1 / 256)
     constexpr double kFactorRest = -0x1.c72970f73da82p-56;  // the remainder of kFactor

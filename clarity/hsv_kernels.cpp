@@ -1,5 +1,5 @@
-// The row kernels between BGRA pixels and hue, saturation and value: the plain forms, which define the bits, and the
-// vector forms.
+// Row kernels that convert between BGRA pixels and hue, saturation and value: the plain forms, which define the bits,
+// and the vector forms.
 
 #include "clarity/hsv_kernels.h"
 
@@ -61,7 +61,7 @@ void synthesisRow(const float* hue, const float* saturation, const float* value,
     const float v = value[i];
     float c0 = v, c1 = v, c2 = v;
     if (s != 0.0f) {
-      // The hue is 0 to 360. 360 degrees give slightly more than 6 sectors, which is the start of the first one.
+      // The hue is 0 to 360. 360 degrees give slightly more than 6 sectors, which wraps to the start of the first one.
       const float x = std::fmod(hue[i] * kSectorsPerDegree, 6.0f);
       const int sector = static_cast<int>(x);
       const float f = x - static_cast<float>(sector);
@@ -96,11 +96,11 @@ namespace {
 
 #if LUMVANE_HAVE_VECTORS
 
-// Prefetch distance in bytes: 512 pixels, as many as the pipeline takes through all kernels at a time.
-constexpr size_t kAhead = 2048;
+// In bytes: 512 pixels, the number that the pipeline runs through all kernels at a time.
+constexpr size_t kPrefetchDistance = 2048;
 
-// byte / 255, rounded as by the division. The reciprocal is in two parts. The product of a byte and the upper part, of
-// 9 bits, is exact, and the error of the product with the lower part is too small to change the rounding of their sum.
+// byte / 255, rounded like the quotient. The reciprocal is in two parts. The product of a byte and the upper part, of 9
+// bits, is exact, and the error of the product with the lower part is too small to change the rounding of their sum.
 HWY_INLINE VF unitFromByte(VI byte) {
   const VF number = hn::ConvertTo(F(), byte);
   return hn::Add(hn::Mul(number, hn::Set(F(), 0x1.01p-8f)), hn::Mul(number, hn::Set(F(), 0x1.010102p-24f)));
@@ -109,7 +109,7 @@ HWY_INLINE VF unitFromByte(VI byte) {
 void valueRow(const uint8_t* src, float* value, size_t pixels) {
   size_t i = 0;
   for (; i + kLanes <= pixels; i += kLanes) {
-    fetchAhead(src + 4 * i, kAhead);
+    fetchAhead(src + 4 * i, kPrefetchDistance);
     const VU bgra = loadPixels(src + 4 * i);
     const auto bytes = [](VU v) HWY_ATTR { return hn::BitCast(Bytes(), v); };
     // Byte 0 of each pixel is compared with the two bytes above it.
@@ -127,7 +127,7 @@ void analysisRow(const uint8_t* src, float saturationFactor, float* hue, float* 
   const VF factor = hn::Set(F(), saturationFactor);
   size_t i = 0;
   for (; i + kLanes <= pixels; i += kLanes) {
-    fetchAhead(src + 4 * i, kAhead);
+    fetchAhead(src + 4 * i, kPrefetchDistance);
     const VI bgra = hn::BitCast(I(), loadPixels(src + 4 * i));  // one pixel per lane
     const VF b = unitFromByte(hn::And(bgra, lowByte));
     const VF g = unitFromByte(hn::And(hn::ShiftRight<8>(bgra), lowByte));
@@ -148,9 +148,9 @@ void analysisRow(const uint8_t* src, float saturationFactor, float* hue, float* 
   plain::analysisRow(src + 4 * i, saturationFactor, hue + i, saturation + i, value + i, pixels - i);
 }
 
-// Puts the bytes of each lane (the value, the lowest colour, the middle colour, alpha) where the sector of the hue
-// wants them. There are two cycles, one for the even and one for the odd sectors, and the bytes 0, 1 and 2 of a pixel
-// come from three neighbours in one of them.
+// Puts the bytes of each lane (the value, the lowest colour, the middle colour, alpha) in the order that the sector of
+// the hue requires. There are two cycles, one for the even and one for the odd sectors, and the bytes 0, 1 and 2 of a
+// pixel come from three neighbours in one of them.
 HWY_INLINE VU arranged(VU colours, VI sectors) {
   alignas(16) static constexpr uint8_t kToLane[16] = {0, 0, 0, 128, 4, 4, 4, 128, 8, 8, 8, 128, 12, 12, 12, 128};
   alignas(16) static constexpr uint8_t kFirst[16] = {0, 5, 1, 6, 2, 7};
@@ -173,7 +173,7 @@ void synthesisRow(const float* hue, const float* saturation, const float* value,
   };
   size_t i = 0;
   for (; i + kLanes <= pixels; i += kLanes) {
-    fetchAhead(dst + 4 * i, kAhead);
+    fetchAhead(dst + 4 * i, kPrefetchDistance);
     const VF s = hn::LoadU(F(), saturation + i);
     const VF v = hn::LoadU(F(), value + i);
     const VF hexagon = hn::Mul(hn::LoadU(F(), hue + i), hn::Set(F(), 0.016666668f));
@@ -182,7 +182,7 @@ void synthesisRow(const float* hue, const float* saturation, const float* value,
     const VF f = hn::Sub(x, hn::ConvertTo(F(), sector));
     const auto isOdd = hn::RebindMask(F(), hn::TestBit(sector, hn::Set(I(), 1)));
     const VF share = hn::IfThenElse(isOdd, f, hn::Sub(one, f));
-    // Without saturation these two equal the value, as they should.
+    // With saturation 0, these two equal the value, as they should.
     const VF lowest = hn::Mul(hn::Sub(one, s), v);
     const VF middle = hn::Mul(hn::Sub(one, hn::Mul(share, s)), v);
     const VU alpha = hn::AndNot(hn::Set(U(), 0x00FFFFFF), loadPixels(src + 4 * i));

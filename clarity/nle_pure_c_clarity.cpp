@@ -3,7 +3,7 @@
 namespace Lumvane {
 namespace {
 
-constexpr int kMissingPercentage = 100;
+constexpr int kDefaultPercentage = 100;
 
 NLEFilterValue wholeNumber(int value) {
   NLEFilterValue record;
@@ -43,7 +43,7 @@ int NLEPureCClarity::Process(const NLEFrameDesc& /*blank*/, const NLEFrameDesc& 
 
 int NLEPureCClarity::percentage(const char* name) const {
   NLEFilterValue value;
-  return GetParameter(name, value) ? static_cast<int32_t>(value.number) : kMissingPercentage;
+  return GetParameter(name, value) ? static_cast<int32_t>(value.number) : kDefaultPercentage;
 }
 
 }  // namespace Lumvane

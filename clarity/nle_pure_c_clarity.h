@@ -9,7 +9,7 @@
 
 namespace Lumvane {
 
-/// The kernels that process frames: by default the fastest on this processor.
+/// The kernels that process frames, by default the fastest for this processor.
 struct ClarityKernels {
   const HsvKernels& hsv = hsvKernels();
   const DetailKernels& details = detailKernels();
@@ -29,11 +29,11 @@ class NLEPureCClarity : public NLEAdjustColorEffect {
 
   ~NLEPureCClarity() override = default;
 
-  /// Always 0.
+  /// Always returns 0.
   int Init(int frameWidth, int frameHeight, int reserved, int saturation, int intensity) override;
 
-  /// 1, with the destination unchanged, for a missing buffer, an empty frame, or a stride above 0 and below a row's
-  /// bytes.
+  /// Returns 0, or 1 with the destination unchanged for a missing buffer, an empty frame, or a stride above 0 and below
+  /// the bytes of a row.
   int Process(const NLEFrameDesc& blank, const NLEFrameDesc& src, const NLEFrameDesc& dst, int frameWidth,
               int frameHeight, int dstStride) override;
 
@@ -41,12 +41,12 @@ class NLEPureCClarity : public NLEAdjustColorEffect {
   int percentage(const char* name) const;
 };
 
-/// Renders one frame, BGRA, src and dst of one size: decodes it into hue, saturation and value, scales the saturation,
-/// raises the detail of the value plane, blends that with the original one, and encodes it again. Hue and alpha stay.
+/// Renders one BGRA frame, src and dst of one size: converts it to hue, saturation and value, scales the saturation,
+/// raises the details of the value plane, blends it with the original plane and converts back. Hue and alpha stay.
 ///
 /// saturation  -100 to 100, clamped: the saturation is multiplied by 0.85 to 1.15
 /// intensity   0 to 100, clamped: the share of the raised value plane
-/// Returns 0, or 1 with dst untouched when either frame is empty.
+/// Returns 0, or 1 with dst unchanged if either frame is empty.
 int clarityPipeline(NLEPureCClarity& effect, const cv::Mat& src, cv::Mat& dst, int saturation, int intensity,
                     const ClarityKernels& kernels = {});
 

@@ -1,4 +1,4 @@
-// The row kernels of the pyramid: the plain forms, which define the bits, and the vector forms.
+// Row kernels of the pyramid: the plain forms, which define the bits, and the vector forms.
 
 #include "clarity/pyramid_kernels.h"
 
@@ -19,7 +19,7 @@ struct Taps {
 float sumInVectors(const Taps& t) { return t.c * 6 + ((t.b + t.d) * 4 + (t.a + t.e)); }
 float sum(const Taps& t) { return ((t.c * 6 + (t.b + t.d) * 4) + t.a) + t.e; }
 
-// The first column after those of the vectors, which begin at column 1.
+// Returns the first column after those in vectors, which begin at column 1.
 int endOfVectors(int width) {
   const int inside = std::min((width - 3) / 2 + 1, (width + 1) / 2);
   return 1 + (inside - 1) / 4 * 4;
@@ -37,7 +37,7 @@ float downAlongColumn(const float* const (&sums)[5], int width, int x) {
   return all * (1.0f / 256);
 }
 
-// Samples 2 * x and 2 * x + 1 of the finer row.
+// Computes samples 2 * x and 2 * x + 1 of the finer row.
 void upAcrossPair(const float* row, int width, int x, float* out, int outWidth) {
   const bool first = x == 0, last = x == width - 1;
   float even, odd;

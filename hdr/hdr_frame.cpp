@@ -16,12 +16,12 @@
 namespace Lumvane {
 namespace {
 
-constexpr int64_t kFewestPixelsOnThreads = 10000;
-constexpr int kFewestPairsOfBand = 4;
-constexpr int kRowsKept = 4;  // a pair of rows, and the rows above and below it that its chroma also needs
+constexpr int64_t kMinPixelsOnThreads = 10000;
+constexpr int kMinPairsPerBand = 4;
+constexpr int kRowsKept = 4;  // a pair of rows, and the rows above and below it for its chroma
 
-// Converts a frame from planes to planes in one go, row by row, so that the pixels between the conversions and the LUT
-// stay in the processor's caches. Source and destination must not overlap. Serves one run; owns nothing.
+// Converts a frame from planes to planes in one pass, row by row, so that intermediate pixels stay in the processor's
+// caches. Source and destination must not overlap. Used for one run; owns nothing.
 class HdrBands : public cv::ParallelLoopBody {
  public:
   HdrBands(const VideoAdjustColor& object, const HdrTransferData& shared, const Yv12Planes<const uint8_t>& src,
@@ -35,7 +35,7 @@ class HdrBands : public cv::ParallelLoopBody {
         toRgb_(toRgb(kBt2020, object.limitedRange != 0 ? kLimited : kFull)),
         fromRgb_(fromRgb(kBt709, object.limitedRange != 0 ? kLimited : kFull)) {}
 
-  /// Number of bands: two per thread, if they have four pairs of rows or more.
+  /// Number of bands: two per thread, up to bandCount, with at least four pairs of rows each, or one band.
   int count() const { return count_; }
 
   void operator()(const cv::Range& range) const override {
@@ -46,9 +46,9 @@ class HdrBands : public cv::ParallelLoopBody {
   }
 
  private:
-  // Rows next to the band are computed twice, here and by the neighbouring band.
+  // Rows at the border of two bands are computed twice, once for each.
   void convert(int firstRow, int endRow) const {
-    // The band's own part of the buffers has room for the few rows that are needed at a time.
+    // The band's part of the frame buffers holds the few rows that are needed at a time.
     const size_t rowBytes = size_t{4} * static_cast<size_t>(object_.width);
     uint8_t* const converted = object_.rgbaIn.get() + rowBytes * static_cast<size_t>(firstRow);
     uint8_t* const mapped = object_.rgbaOut.get() + rowBytes * static_cast<size_t>(firstRow);
@@ -71,7 +71,7 @@ class HdrBands : public cv::ParallelLoopBody {
       }
       if (y % 2 == 0 && y >= firstRow + 2) writePair(y - 2);
     }
-    // The last pair of the frame has no row below it that would trigger writing it.
+    // No row follows the last pair of the frame to trigger writing it.
     if (endRow == object_.height) writePair((endRow - 1) / 2 * 2);
   }
 
@@ -84,7 +84,7 @@ class HdrBands : public cv::ParallelLoopBody {
   ToRgb toRgb_;
   FromRgb fromRgb_;
   int count_ =
-      std::clamp((object_.height + 1) / 2 / kFewestPairsOfBand, 1, std::clamp(2 * poolThreads(), 1, object_.bandCount));
+      std::clamp((object_.height + 1) / 2 / kMinPairsPerBand, 1, std::clamp(2 * poolThreads(), 1, object_.bandCount));
   Yv12Kernels rows_ = yv12Kernels();
   const HdrKernels& map_ = hdrKernels();
 };
@@ -104,7 +104,7 @@ void mapLargeFrame(VideoAdjustColor& object, const HdrCache& cache) {
   runParallel(map.bands, map);
 }
 
-// The tables of the object may be those of another lattice size, or empty. False without a lattice.
+// Fills the object's tables, which may be empty or belong to another lattice size. False if there is no lattice.
 bool useTablesOfFrame(VideoAdjustColor& object) {
   if (object.workLatticeSize < 1 || object.workLatticeSize > kLatticeStride) return false;
   fillInterpolationTables(object.workLatticeSize, object.fraction, object.cell);
@@ -126,7 +126,7 @@ bool adjustFrame(VideoAdjustColor& object, const uint8_t* srcPlane0, const uint8
   const HdrTransferData shared = hdrTransferData(object.usePq != 0);
   object.lattice = shared.lattice;
   object.workLatticeSize = shared.latticeSize;
-  const bool large = pixels >= kFewestPixelsOnThreads;
+  const bool large = pixels >= kMinPixelsOnThreads;
   const Yv12Planes<const uint8_t> src = {srcPlane0, stride0, srcPlane1,    stride1,
                                          srcPlane2, stride2, object.width, object.height};
   const Yv12Planes<uint8_t> dst = {dstPlane0, stride0, dstPlane1,    stride1,
@@ -136,11 +136,11 @@ bool adjustFrame(VideoAdjustColor& object, const uint8_t* srcPlane0, const uint8
     const HdrBands bands(object, shared, src, dst, shared.ordinary && object.mappings.interpolates());
     const auto start = std::chrono::steady_clock::now();
     runParallel(bands.count(), bands);
-    object.mappings.took(std::chrono::steady_clock::now() - start);
+    object.mappings.record(std::chrono::steady_clock::now() - start);
     return true;
   }
 
-  // Stage by stage: overlapping planes are read completely before anything is written.
+  // Stage by stage, so that overlapping planes are read completely before anything is written.
   const bool limited = object.limitedRange != 0;
   const auto convertIn = limited ? imageYV12ToRGBBT2020_Limited : imageYV12ToRGBBT2020_FULL;
   const auto convertOut = limited ? imageRGBAToYV12BT709_Limited : imageRGBAToYV12BT709_Full;

@@ -20,12 +20,12 @@ namespace {
 constexpr int32_t kBands = 8;
 
 std::unique_ptr<uint8_t[]> allocateFrame(int32_t width, int32_t height) {
-  constexpr int64_t kMostPixels = std::numeric_limits<int32_t>::max() / 4;
-  if (width < 0 || height < 0 || int64_t{width} * height > kMostPixels) throw std::bad_alloc();
+  constexpr int64_t kMaxPixels = std::numeric_limits<int32_t>::max() / 4;
+  if (width < 0 || height < 0 || int64_t{width} * height > kMaxPixels) throw std::bad_alloc();
   return std::make_unique<uint8_t[]>(size_t{4} * static_cast<size_t>(width) * static_cast<size_t>(height));
 }
 
-// The objects of several threads may come first at the same moment: one of them loads, the others wait.
+// Several threads may create the first objects at the same time: one of them loads, the others wait.
 void loadOnce(VideoAdjustColor& object) {
   static std::mutex mutex;
   const std::lock_guard lock(mutex);
@@ -64,7 +64,7 @@ bool loadHdrCube(VideoAdjustColor& object, const std::u16string& path, int trans
   if (lutExtension(path) != u".CUBE") return false;
   LutFile file(path);
   if (!file.isOpen()) {
-    // A want of descriptors is no missing file, as little as one of memory: the next object may find both.
+    // Running out of file descriptors does not mean that the file is missing: the next object may succeed.
     if (errno == EMFILE || errno == ENFILE) throw std::bad_alloc();
     return false;
   }
@@ -82,7 +82,7 @@ bool readHdrLattice(VideoAdjustColor& object, std::istream& stream, int transfer
   const HdrTransferData shared = hdrTransferData(transfer != 0);
   LineReader text(stream);
   const LutHeader header = readCubeHeader(text);
-  // A file without a size takes over the one that the object read last.
+  // A file without a size uses the last one that the object read.
   if (header.latticeSize != 0) object.latticeSize = header.latticeSize;
   if (header.hasLines) shared.latticeSize = object.latticeSize;
   if (object.latticeSize > kLatticeStride) return object.loadOk = false;
@@ -104,7 +104,7 @@ void fillHdrCache(VideoAdjustColor& object, int transfer) {
   worker.lattice = shared.lattice;
   worker.cacheData = shared.cache.data();
   runParallel(kBands, worker);
-  // A refused file can leave tables of another size, or a cache that was filled with the size of an earlier file.
+  // After a refused file, the tables or the cache can belong to the size of an earlier file.
   const float* const values = shared.lattice[0][0];
   shared.ordinary = shared.latticeSize == object.latticeSize && object.cell[255] == object.latticeSize - 1 &&
                     std::all_of(values, values + kLatticeStride * kLatticeStride * kLatticeStride * 3, isOrdinary);

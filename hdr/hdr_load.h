@@ -1,4 +1,4 @@
-// How video colour adjusts are made, and the load of the HDR LUT files inside the first create of the process.
+// Creates HDR converters. The first one of the process loads the HDR LUT files.
 #pragma once
 
 #include <cstdint>
@@ -10,26 +10,26 @@
 
 namespace Lumvane {
 
-/// Makes an object for frames of this size; the first one of the process loads the LUT files. Null for a null
-/// directory. Throws std::bad_alloc when memory runs out, for negative sizes, and for frames whose BGRA bytes do not
-/// fit 31 bits.
+/// Creates an object for frames of this size; the first one of the process loads the LUT files. Null for a null
+/// directory. Throws std::bad_alloc when memory or file descriptors run out, for negative sizes, and for frames whose
+/// number of BGRA bytes does not fit 31 bits.
 std::unique_ptr<VideoAdjustColor> createVideoAdjustColor(const char16_t* lutDirectory, int32_t reservedMode,
                                                          int32_t limitedRange, int32_t usePq, int32_t width,
                                                          int32_t height);
 
 /// Reads the .cube file at `path` into the shared data of a transfer function, 0 for HLG and anything else for PQ, and
-/// computes its cache. False when the file cannot be opened or something is wrong with it; what was read up to there
-/// then stays, and the cache is computed from it, except for sizes above 65.
+/// computes its cache. False if the file cannot be opened or has an error: the rows before the error are kept, and the
+/// cache is computed from them, except for sizes above 65.
 bool loadHdrCube(VideoAdjustColor& object, const std::u16string& path, int transfer);
 
-/// The same from the start of an open stream.
+/// The same, from an open stream.
 bool readHdrCube(VideoAdjustColor& object, std::istream& stream, int transfer);
 
-/// The reading alone, without the cache.
+/// The same without computing the cache.
 bool readHdrLattice(VideoAdjustColor& object, std::istream& stream, int transfer);
 
-/// Computes the cache of a transfer function from its lattice, with the size and the tables of `object`. Leaves it as
-/// it is as long as no size is known.
+/// Computes the cache of a transfer function from its lattice, with the size and the tables of `object`. Does nothing
+/// if the object has not read a size yet.
 void fillHdrCache(VideoAdjustColor& object, int transfer);
 
 }  // namespace Lumvane

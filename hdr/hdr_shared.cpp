@@ -13,10 +13,9 @@ struct Transfer {
   HdrCache cache;
   bool ordinary = false;
 };
-constinit Lasting<Transfer[2]> transfers;  // HLG and PQ
+constinit NeverDestroyed<Transfer[2]> transfers;  // HLG and PQ
 
-// The rows lie one after the other, with a float after the last of them, so that kernels can take the lattice for a
-// LatticeView.
+// The rows are contiguous and followed by one more float, so that kernels can use the lattice through a LatticeView.
 HdrLattice allocateLattice() {
   constexpr size_t kRowFloats = kLatticeStride * 3, kRows = kLatticeStride * kLatticeStride;
   auto points = std::make_unique<float[]>(kRows * kRowFloats + 1);
@@ -37,7 +36,7 @@ void dropLattice(HdrLattice& lattice) {
 }
 
 LUMVANE_WHEN_UNLOADED void releaseHdrData() {
-  if (!processEnds) dropHdrData();
+  if (!processExiting) dropHdrData();
 }
 
 }  // namespace

@@ -1,5 +1,5 @@
-// The LUT data that all video colour adjusts of the process share. It is loaded once, by the first of them, and only
-// read from then on, until the library is unloaded.
+// The LUT data that all HDR converters of the process share. It is loaded once, by the first of them, then only read
+// until the library is unloaded.
 #pragma once
 
 #include <cstdint>
@@ -8,24 +8,24 @@
 
 namespace Lumvane {
 
-/// What belongs to one transfer function.
+/// The data of one transfer function.
 struct HdrTransferData {
   HdrLattice& lattice;   ///< null before the load
-  int32_t& latticeSize;  ///< points per axis as the file's header says; 0 without a file, above 65 when refused
+  int32_t& latticeSize;  ///< points per axis according to the file's header; 0 without a file, above 65 if refused
   HdrCache& cache;       ///< empty before the load, then one entry for each colour
-  bool& ordinary;        ///< kernels may take the lattice in place of the cache: see HdrLatticeRow
+  bool& ordinary;        ///< kernels may use the lattice instead of the cache: see HdrLatticeRow
 };
 
-/// The data of PQ, or of HLG.
+/// Returns the data of PQ or of HLG.
 HdrTransferData hdrTransferData(bool pq);
 
-/// True once both lattices exist: the only record that the load has happened.
+/// True once both lattices exist: the only sign that the files have been loaded.
 bool hdrDataLoaded();
 
-/// Allocates the lattices and the caches that are missing, filled with zeros.
+/// Allocates missing lattices and caches, filled with zeros.
 void allocateHdrData();
 
-/// Takes the data back to its state before the load.
+/// Returns the data to its state before the load.
 void dropHdrData();
 
 }  // namespace Lumvane

@@ -11,27 +11,27 @@
 
 namespace Lumvane {
 
-/// Chooses how large frames are mapped: through the cache or by interpolation in the lattice, which give the same
-/// bytes. The cache is faster for pictures of few colours, the lattice where nearly every pixel would wait for memory.
-/// So now and then two frames are timed each way, and the faster way takes the frames that follow.
+/// Chooses how large frames are mapped: through the cache or by interpolation in the lattice, with the same result. The
+/// cache is faster for pictures with few colours, the lattice if nearly every pixel would wait for memory. So of every
+/// 250 frames the first four time both ways, two frames each, and the others use the faster one.
 class MappingTimes {
  public:
   using Duration = std::chrono::steady_clock::duration;
 
-  bool interpolates() const { return frame_ < 2 * kTried ? frame_ >= kTried : latticeIsFaster_; }
+  bool interpolates() const { return frame_ < 2 * kTrials ? frame_ >= kTrials : latticeIsFaster_; }
 
-  /// Call after each frame.
-  void took(Duration time) {
-    if (frame_ < 2 * kTried) {
-      Duration& least = least_[frame_ / kTried];
-      least = frame_ % kTried == 0 ? time : std::min(least, time);
+  /// Records the time of a frame; to be called after each one.
+  void record(Duration time) {
+    if (frame_ < 2 * kTrials) {
+      Duration& least = least_[frame_ / kTrials];
+      least = frame_ % kTrials == 0 ? time : std::min(least, time);
       latticeIsFaster_ = least_[1] < least_[0];
     }
     frame_ = (frame_ + 1) % kCycle;
   }
 
  private:
-  static constexpr int kTried = 2, kCycle = 250;  // frames
+  static constexpr int kTrials = 2, kCycle = 250;  // frames
   int frame_ = 0;
   bool latticeIsFaster_ = false;
   Duration least_[2] = {};
@@ -40,8 +40,8 @@ class MappingTimes {
 /// The object behind an HDR handle: see CreateVideoAdjustColor.
 struct VideoAdjustColor {
   int32_t workLatticeSize = 0;         ///< points per axis of the current frame's LUT
-  float fraction[256] = {};            ///< for a byte: its position inside its lattice cell
-  int32_t cell[256] = {};              ///< for a byte: the lattice index at the lower end of its cell
+  float fraction[256] = {};            ///< for a byte value: its position inside its lattice cell
+  int32_t cell[256] = {};              ///< for a byte value: the lattice index at the lower end of its cell
   int32_t latticeSize = 0;             ///< points per axis of the last LUT file that this object read; 0 for none
   std::unique_ptr<uint8_t[]> rgbaIn;   ///< width * height BGRA pixels: the frame before the LUT
   std::unique_ptr<uint8_t[]> rgbaOut;  ///< the same after it

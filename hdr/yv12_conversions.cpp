@@ -1,13 +1,13 @@
-// Siting: chroma samples lie on the left pixel of each pair and half-way between the rows, the default for 4:2:0 video
+// Siting: chroma samples are at the left pixel of each pair and half-way between the rows, the default for 4:2:0 video
 // (ITU-T H.273, Chroma420SampleLocType 0).
 //
 // Upsampling: bilinear. A pixel on a chroma column uses that column, one between two uses half of each; a row uses
-// three quarters of the nearer chroma row and a quarter of the other. Downsampling: the same triangle, which reaches
-// one chroma sample to each side: 1 2 1 across and 1 3 3 1 down, in pixels. At the edges the outermost sample is
-// repeated.
+// three quarters of the nearer chroma row and a quarter of the other. Downsampling: the same triangle filter, which
+// extends one chroma sample to each side: weights 1 2 1 horizontally and 1 3 3 1 vertically. At the edges the outermost
+// sample is repeated.
 //
-// Rounding: all arithmetic uses integers. The filters keep every bit (chroma in eighths when upsampling, colours in
-// thirty-seconds when downsampling), and each weighted sum is rounded once, half up.
+// Rounding: integer arithmetic. The filters keep every bit (chroma in eighths when upsampling, colours in 32nds when
+// downsampling), and each weighted sum is rounded once, half up.
 
 #include "hdr/yv12_conversions.h"
 

@@ -1,5 +1,5 @@
-// The four conversions between YV12 planes and BGRA pixels at both ends of the HDR path, for whole frames. Frames whose
-// planes do not overlap are converted by the same row kernels in bands: see adjustFrame.
+// The four whole-frame conversions between YV12 planes and BGRA pixels at both ends of the HDR path. Large frames whose
+// planes do not overlap are instead converted in bands by the same row kernels: see adjustFrame.
 //
 // Planes of 8 bits: first Y, width x height, then V (Cr), then U (Cb), each (width + 1) / 2 x (height + 1) / 2. Pixels:
 // byte 0 blue, byte 1 green, byte 2 red, byte 3 set to 255 when converting in and ignored when converting out; BGRA

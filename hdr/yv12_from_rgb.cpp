@@ -1,4 +1,4 @@
-// Row kernel from BGRA to YV12: the plain form, which defines the bytes, and the vector form.
+// Row kernel from BGRA to YV12: the plain form, which defines the output bytes, and the vector form.
 
 #include "hdr/yv12_kernels.h"
 
@@ -18,7 +18,7 @@ uint8_t lumaOf(const FromRgb& m, const uint8_t* pixel) {
   return toByte(m.black + roundedShift(weighted(m.y, bgr), kFractionBits));
 }
 
-// The pixels from `first` on, an even number.
+// Converts the pixels from `first` on, which is even.
 void restFromRgb(const FromRgb& m, const uint8_t* const (&bgra)[4], const Yv12RowPair& pair, int width, int first) {
   for (int x = first; x < width; ++x) {
     pair.upperLuma[x] = lumaOf(m, bgra[1] + 4 * x);
@@ -60,8 +60,8 @@ namespace {
 
 #if LUMVANE_HAVE_VECTORS
 
-// Two coefficients that multiply the 16-bit halves of a lane. They exceed the 15 bits of a 16-bit product, so they are
-// split into high and low bits whose products are shifted and added.
+// Two coefficients that multiply the 16-bit halves of a lane. They exceed the 15 bits of a 16-bit factor, so they
+// are split into high and low bits whose products are shifted and added.
 constexpr int kSplit = 9;
 struct Coefficients {
   VI low, high;
@@ -103,7 +103,7 @@ HWY_INLINE Colours load(const uint8_t* pixels) {
   return {hn::And(bgra, hn::Set(d, 0x00FF00FF)), hn::And(hn::ShiftRight<8>(bgra), hn::Set(d, 0xFF))};
 }
 
-// 1 3 3 1 down.
+// The vertical filter, 1 3 3 1.
 HWY_INLINE Colours down(const Colours& above, const Colours& upper, const Colours& lower, const Colours& below) {
   const Colours middle = add(upper, lower);
   return add(add(add(above, below), middle), add(middle, middle));
@@ -140,7 +140,7 @@ class ChromaRows {
       : coefficients_(split(alternating(m.cr[0], m.cb[0]), alternating(m.cr[2], m.cb[2]))),
         half_(hn::Set(I(), 1 << (kBits - 1))) {}
 
-  // From vertically filtered colours, and those of the pixels to their left: every second pixel is a chroma column.
+  // Takes vertically filtered colours, and those of the pixels to their left. Every second pixel is a chroma column.
   HWY_INLINE void store(const Colours& pixels, const Colours& left, uint8_t* v, uint8_t* u) const {
     const U d;
     const Colours twice = add(pixels, left);  // pixel and left neighbour; in odd lanes right neighbour and pixel
@@ -151,7 +151,7 @@ class ChromaRows {
     const VI sum = hn::Add(
         hn::Add(hn::ShiftLeft<kSplit>(pairSums(lessGreen, coefficients_.high)), pairSums(lessGreen, coefficients_.low)),
         half_);
-    // The neutral value is added after the shift: added before, it would make full-range sums exceed 32 bits.
+    // The neutral value is added after the shift: before it, full-range sums would exceed 32 bits.
     const VI chroma = hn::Add(hn::ShiftRight<kBits>(sum), hn::Set(I(), kNeutral));
     const hn::Rebind<uint8_t, I> bytes;
     const hn::Repartition<uint16_t, decltype(bytes)> pairs;
@@ -172,7 +172,7 @@ class ChromaRows {
   VI half_;
 };
 
-// Moves every pixel one to the right, the last one to the front.
+// Rotates the pixels by one to the right.
 HWY_INLINE VU rotated(VU v) {
   const U d;
   constexpr uint32_t last = kLanes - 1;
@@ -180,7 +180,7 @@ HWY_INLINE VU rotated(VU v) {
 }
 
 void rowPairFromRgb(const FromRgb& matrix, const uint8_t* const (&bgra)[4], const Yv12RowPair& pair, int width) {
-  const size_t pixels = static_cast<size_t>(width) / 2 * 2;  // those in pairs
+  const size_t pixels = static_cast<size_t>(width) / 2 * 2;  // complete pairs
   if (pixels < kLanes) return plain::rowPairFromRgb(matrix, bgra, pair, width);
   const LumaRow luma(matrix);
   const ChromaRows chroma(matrix);
@@ -192,7 +192,7 @@ void rowPairFromRgb(const FromRgb& matrix, const uint8_t* const (&bgra)[4], cons
     luma.store(upper, pair.upperLuma + x);
     luma.store(lower, pair.lowerLuma + x);
     const Colours here = down(load(bgra[0] + 4 * x), upper, lower, load(bgra[3] + 4 * x));
-    if (x == 0) before = here;  // to its left the first pixel is repeated
+    if (x == 0) before = here;  // the first pixel is its own left neighbour
     const Colours turned = {rotated(here.blueRed), rotated(here.green)};
     const Colours left = {hn::IfThenElse(firstLane, before.blueRed, turned.blueRed),
                           hn::IfThenElse(firstLane, before.green, turned.green)};

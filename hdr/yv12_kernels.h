@@ -9,12 +9,12 @@
 
 namespace Lumvane {
 
-/// The input of a row of pixels: its Y, the nearest chroma rows and the ones beyond them.
+/// The input for a row of pixels: its Y, the nearer chroma rows and the farther ones.
 struct Yv12Row {
   const uint8_t *luma, *nearV, *farV, *nearU, *farU;
 };
 
-/// The output of two rows of pixels that share their chroma. For the last row of an odd height both are the same row.
+/// The output of two rows of pixels that share chroma. For the last row of an odd height both are the same row.
 struct Yv12RowPair {
   uint8_t *upperLuma, *lowerLuma, *v, *u;
 };
@@ -29,7 +29,7 @@ using RowPairFromRgb = void(const FromRgb& matrix, const uint8_t* const (&bgra)[
 extern RowToRgb* const plainRowToRgb;
 extern RowPairFromRgb* const plainRowPairFromRgb;
 
-/// The fastest on this processor.
+/// Return the fastest kernels for this processor.
 RowToRgb* rowToRgbKernel();
 RowPairFromRgb* rowPairFromRgbKernel();
 
@@ -44,7 +44,7 @@ namespace plain {
 
 inline uint8_t toByte(int value) { return static_cast<uint8_t>(std::clamp(value, 0, 255)); }
 
-/// value / 2^bits, rounded half up; also for negative values.
+/// Returns value / 2^bits, rounded half up; also for negative values.
 inline int roundedShift(int value, int bits) { return (value + (1 << (bits - 1))) >> bits; }
 
 }  // namespace plain

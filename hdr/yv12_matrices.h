@@ -7,7 +7,7 @@
 
 namespace Lumvane {
 
-inline constexpr int kFractionBits = 18;  // the most with which no sum exceeds 32 bits
+inline constexpr int kFractionBits = 18;  // the largest number with which no sum exceeds 32 bits
 inline constexpr int kUpBits = 3;         // upsampled chroma is in eighths
 inline constexpr int kDownBits = 5;       // downsampled colours are in thirty-seconds
 inline constexpr int kNeutral = 128;
@@ -45,7 +45,7 @@ constexpr ToRgb toRgb(const Primaries& p, const CodeRange& range) {
           fixedPoint(2.0 * (1.0 - p.kb) * chroma)};
 }
 
-// The contributions of the three colours to Y, Cb and Cr.
+// The weights of the three colours in Y, Cb and Cr.
 struct FromRgb {
   int black;
   int y[3], cb[3], cr[3];  // blue, green, red

@@ -10,8 +10,8 @@
 
 namespace Lumvane {
 
-/// The planes of a YV12 frame, not owned: Y, width x height, then V and U, half of that, rounded up. Strides are in
-/// bytes and may be negative.
+/// The planes of a YV12 frame, not owned: Y, width x height, then V and U, each side half of that, rounded up. Strides
+/// are in bytes and may be negative.
 template <class Byte>
 struct Yv12Planes {
   Byte* y;
@@ -28,7 +28,7 @@ Byte* rowOf(Byte* plane, int stride, int y) {
   return plane + static_cast<ptrdiff_t>(stride) * y;
 }
 
-/// The input for row y of the frame.
+/// Returns the input for row y of the frame.
 inline Yv12Row sourceRow(const Yv12Planes<const uint8_t>& f, int y) {
   const int near = y / 2;
   const int far = std::clamp(y % 2 == 0 ? near - 1 : near + 1, 0, (f.height - 1) / 2);
@@ -36,7 +36,7 @@ inline Yv12Row sourceRow(const Yv12Planes<const uint8_t>& f, int y) {
           rowOf(f.u, f.strideU, near), rowOf(f.u, f.strideU, far)};
 }
 
-/// The output for rows y, an even number, and y + 1.
+/// Returns the output for rows y, which is even, and y + 1.
 inline Yv12RowPair destinationRows(const Yv12Planes<uint8_t>& f, int y) {
   return {rowOf(f.y, f.strideY, y), rowOf(f.y, f.strideY, std::min(y + 1, f.height - 1)), rowOf(f.v, f.strideV, y / 2),
           rowOf(f.u, f.strideU, y / 2)};
@@ -50,7 +50,7 @@ std::array<Extent, 3> extentsOf(const Yv12Planes<Byte>& f) {
           Extent(f.u, f.strideU, chromaWidth, height)};
 }
 
-/// True when the two frames may share a byte.
+/// True if the two frames may share a byte.
 inline bool overlap(const Yv12Planes<const uint8_t>& a, const Yv12Planes<uint8_t>& b) {
   for (const Extent& one : extentsOf(a)) {
     for (const Extent& other : extentsOf(b)) {

@@ -1,4 +1,4 @@
-// Row kernel from YV12 to BGRA: the plain form, which defines the bytes, and the vector form.
+// Row kernel from YV12 to BGRA: the plain form, which defines the output bytes, and the vector form.
 
 #include "hdr/yv12_kernels.h"
 
@@ -16,7 +16,7 @@ int chromaAt(const uint8_t* nearRow, const uint8_t* farRow, int x, int lastColum
   return 3 * (nearRow[left] + nearRow[right]) + farRow[left] + farRow[right] - (kNeutral << kUpBits);
 }
 
-// The pixels from `first` on, an even number.
+// Converts the pixels from `first` on, which is even.
 void restToRgb(const ToRgb& m, const Yv12Row& row, uint8_t* bgra, int width, int first) {
   const int lastColumn = (width - 1) / 2;
   for (int x = first; x < width; ++x) {
@@ -53,7 +53,7 @@ namespace {
 
 #if LUMVANE_HAVE_VECTORS
 
-// Coefficients have up to 22 bits, the factors of a 16-bit product 15. So a coefficient is split into its high bits,
+// Coefficients have up to 22 bits, but 16-bit multiplication allows 15. So a coefficient is split into its high bits,
 // which multiply the value shifted left, and its low bits, which multiply the value itself: exact, in one instruction.
 template <int kShift>
 VShorts splitCoefficient(int coefficient) {
@@ -77,7 +77,7 @@ struct Coefficients {
   VI offset;  // subtracts black, adds half for rounding
 };
 
-// Sums of neighbouring products.
+// Returns the sums of neighbouring products.
 HWY_INLINE VI pairSums(VShorts a, VShorts b) {
   const I d;
   VI second = hn::Zero(d);
@@ -85,7 +85,7 @@ HWY_INLINE VI pairSums(VShorts a, VShorts b) {
   return hn::RearrangeToOddPlusEven(first, second);
 }
 
-// The 16-bit colours of the pixels whose Y, Cb and Cr are in the halves of the lanes, next to their shifted values.
+// Computes the unclamped colours of pixels. Each lane pair of y, cb and cr holds a value and the same value shifted.
 HWY_INLINE void matrixed(const Coefficients& m, VShorts y, VShorts cb, VShorts cr, VI& blue, VI& green, VI& red) {
   const VI grey = hn::Add(pairSums(y, m.grey), m.offset);
   constexpr int kBits = kFractionBits + kUpBits;
@@ -95,7 +95,7 @@ HWY_INLINE void matrixed(const Coefficients& m, VShorts y, VShorts cb, VShorts c
 }
 
 struct Pixels {
-  VShorts blueGreen, redAlpha;  // two bytes in each lane
+  VShorts blueGreen, redAlpha;  // two bytes per lane
 };
 
 HWY_INLINE VShorts packed(VI lower, VI upper) {
@@ -104,7 +104,7 @@ HWY_INLINE VShorts packed(VI lower, VI upper) {
   return hn::Min(hn::Max(both, hn::Zero(d)), hn::Set(d, 255));
 }
 
-// The pixels of one parity. Interleaving and packing within blocks of 128 bits cancel each other.
+// Converts the even or the odd pixels. The orders of interleaving and packing within 128-bit blocks cancel out.
 HWY_INLINE Pixels toPixels(const Coefficients& m, VShorts y, VShorts cb, VShorts cr) {
   const Shorts d;
   const VShorts yHigh = hn::ShiftLeft<kLumaShift>(y);
@@ -119,7 +119,7 @@ HWY_INLINE Pixels toPixels(const Coefficients& m, VShorts y, VShorts cb, VShorts
           hn::Or(packed(red[0], red[1]), hn::Set(d, static_cast<int16_t>(0xFF00)))};
 }
 
-// Chroma at the columns from `column` on, blended between the two rows, in quarters, minus the neutral value.
+// Chroma in the columns from `column` on, blended from the two rows, in quarters, minus the neutral value.
 HWY_INLINE VShorts acrossRows(const uint8_t* nearRow, const uint8_t* farRow, int column) {
   const Shorts d;
   const hn::Rebind<uint8_t, Shorts> dBytes;
@@ -128,8 +128,8 @@ HWY_INLINE VShorts acrossRows(const uint8_t* nearRow, const uint8_t* farRow, int
   return hn::Sub(hn::Add(hn::Add(nearest, far), hn::Add(nearest, nearest)), hn::Set(d, kNeutral << (kUpBits - 1)));
 }
 
-// Distributes groups of four pixels over the blocks of 16 bytes in turn, so that interleaving within blocks gives the
-// pixels in order.
+// Distributes groups of four pixels over the 16-byte blocks in turn, so that interleaving within blocks gives them in
+// order.
 class BlockOrder {
  public:
   BlockOrder() {
@@ -153,7 +153,7 @@ void rowToRgb(const ToRgb& matrix, const Yv12Row& row, uint8_t* bgra, int width)
   const Coefficients m(matrix);
   const BlockOrder inBlocks;
 
-  // 2 * lanes pixels from `column` on; `next` are the chroma columns one to the right.
+  // Converts 2 * lanes pixels from `column` on; `next` are the chroma columns one to the right.
   const auto convert = [&](int column, VShorts cr, VShorts nextCr, VShorts cb, VShorts nextCb) HWY_ATTR {
     const auto luma = hn::BitCast(Words(), inBlocks(hn::LoadU(Bytes(), row.luma + 2 * column)));
     cr = inBlocks(cr), nextCr = inBlocks(nextCr), cb = inBlocks(cb), nextCb = inBlocks(nextCb);
@@ -177,8 +177,7 @@ void rowToRgb(const ToRgb& matrix, const Yv12Row& row, uint8_t* bgra, int width)
     convert(column, acrossRows(row.nearV, row.farV, column), acrossRows(row.nearV, row.farV, column + 1),
             acrossRows(row.nearU, row.farU, column), acrossRows(row.nearU, row.farU, column + 1));
   }
-  // The last whole vector of pixel pairs, which may overlap the one before. Beyond the last column that one is
-  // repeated.
+  // The last full vector of pixel pairs, which may overlap the previous one. The last column is repeated past the edge.
   column = width / 2 - lanes;
   alignas(64) int16_t cr[lanes + 1], cb[lanes + 1];
   hn::Store(acrossRows(row.nearV, row.farV, column), d, cr);

@@ -11,8 +11,8 @@
 namespace Lumvane {
 namespace {
 
-// Each takes operands from 0 to 255. Divisions truncate toward zero; what a formula gives is within a byte unless it is
-// clamped in so many words.
+// Operands are 0 to 255. Divisions truncate toward zero. All results fit a byte: formulas that could exceed it clamp
+// explicitly.
 
 int screen(int a, int b) { return 255 - (((255 - a) * (255 - b)) >> 8); }
 int screen255(int a, int b) { return a + ((255 - a) * b) / 255; }
@@ -53,8 +53,8 @@ void fill(Table::Plane& plane, const Blend& blend) {
   }
 }
 
-// (a * t + b * (255 - t)) / 255. There are 17 million entries, so the loop is in 16 bits, of which compilers make vectors:
-// sums wrap round to the right value, and x / 255 is x * 0x8081 / 2^23 for all 16-bit values.
+// (a * t + b * (255 - t)) / 255. There are 17 million entries, so the loop uses 16-bit arithmetic, which compilers
+// vectorize: sums wrap round to the right value, and x / 255 is x * 0x8081 / 2^23 for all 16-bit values.
 void fillMix(uint8_t (&row)[265], int a, int b) {
   const auto start = static_cast<uint16_t>(255 * b), step = static_cast<uint16_t>(a - b);
   for (uint16_t t = 0; t < 256; ++t) {
@@ -94,10 +94,10 @@ std::shared_ptr<const Table> buildTable() {
   return table;
 }
 
-constinit Lasting<std::shared_ptr<const Table>> theTable;
+constinit NeverDestroyed<std::shared_ptr<const Table>> theTable;
 
 LUMVANE_WHEN_UNLOADED void releaseTable() {
-  if (!processEnds) theTable.object.reset();
+  if (!processExiting) theTable.object.reset();
 }
 
 }  // namespace

@@ -9,7 +9,7 @@
 
 namespace Lumvane {
 
-/// The object behind a LUT grading handle: a table, and the strength for frames.
+/// The object behind a LUT grading handle: a table and a strength.
 class ColorLut3dAdjustEffect {
  public:
   ColorLut3dAdjustEffect(const char16_t* path, int32_t frameWidth, int32_t frameHeight);
@@ -20,10 +20,10 @@ class ColorLut3dAdjustEffect {
   std::unique_ptr<CubeLut> cubeLut;
   std::u16string lutPath;
   int32_t strengthPercent = 100;  ///< of the current frame; any value, see process
-  int32_t width;                  ///< as the host announced it; frames have their own size
+  int32_t width;                  ///< as passed by the host at creation; each frame has its own
   int32_t height;
 
-  /// Loads the table at `lutPath`; false when that fails or the path is empty.
+  /// Loads the table from `lutPath`; false if that fails or the path is empty.
   bool init();
 
   /// Grades one frame at `strengthPercent`: see Lut3DColorAdjustEffectProcess. False only when a buffer is null.

@@ -11,8 +11,8 @@
 
 namespace Lumvane {
 
-// What kernels read past the last point of the lattice must belong to the object. With a virtual destructor the
-// standard leaves offsetof to the compiler.
+// The float that kernels read past the last lattice point must be inside the object. For a class with a virtual
+// destructor, support for offsetof is up to the compiler.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Winvalid-offsetof"
 static_assert(sizeof(CubeLut) >= offsetof(CubeLut, lattice) + sizeof(CubeLut::lattice) + sizeof(float));

@@ -19,7 +19,7 @@ namespace Lumvane {
 class LineReader;
 struct LutHeader;
 
-/// One 3D colour table in the form that frames use. About 3.3 MB: allocate it on the heap.
+/// A 3D colour table, ready to be applied to frames. About 3.3 MB: allocate it on the heap.
 class CubeLut {
  public:
   virtual ~CubeLut() = default;
@@ -29,41 +29,40 @@ class CubeLut {
 
   LutStatus status = statusUnloaded;  ///< result of the last load or apply
   int32_t latticeSize = 0;            ///< N, points per axis; 2 to 65 after a successful load
-  float fraction[256] = {};           ///< for a byte: its position inside its lattice cell, 0.0 up to below 1.0
-  int32_t cell[256] = {};             ///< for a byte: the lattice index at the lower end of its cell
+  float fraction[256] = {};           ///< for a byte value: its position inside its lattice cell, from 0.0 to below 1.0
+  int32_t cell[256] = {};             ///< for a byte value: the lattice index at the lower end of its cell
   /// [red][green][blue] of the point, then red, green, blue of its colour on a scale of 0.0 to 255.0, unclamped. The
-  /// strides are 65 points for any N, so that the address of a point depends on constants alone.
+  /// strides are 65 points for any N, so that addresses are computed with constants.
   float lattice[kLatticeStride][kLatticeStride][kLatticeStride][3] = {};
-  /// Frames come out as one byte per pixel: component 0 of the looked-up colour. For internal use. It and the padding
-  /// after it are read by kernels that load four floats for the three of the last point.
+  /// Output has one byte per pixel: component 0 of the looked-up colour. For internal use. Kernels load four floats for
+  /// the three of a point; for the last point the fourth is this flag and the padding after it.
   bool alphaMode = false;
 
   static void* operator new(size_t bytes) { return allocateZeroed(bytes); }
   static void operator delete(void* memory) { freeZeroed(memory); }
 
-  /// Reads the file at `path` with the reader for its extension, ".CUBE" or ".3DL" in any letter case. False when it
-  /// cannot be opened or is refused; `status` gives the reason if a reader ran.
+  /// Reads the file at `path` with the reader for its extension, ".CUBE" or ".3DL" in any letter case. False if it
+  /// cannot be opened or is refused; `status` is the reason if a reader ran.
   bool load(const std::u16string& path);
 
-  /// Read a text of the format from `stream`; return the final `status`, 0 for success. A failure can leave the lattice
-  /// partly filled.
+  /// Reads a text in this format from `stream` and returns the final `status`, 0 for success. A failure can leave the
+  /// lattice partly filled.
   int32_t readCube(std::istream& stream);
   int32_t read3dl(std::istream& stream);
 
-  /// Appends the fields of `line` between single blanks to `fields`, empty ones included: one more than there are
-  /// blanks.
+  /// Splits `line` at every single blank and appends the fields to `fields`, including empty ones: one more than there
+  /// are blanks.
   static void splitFields(std::string_view line, std::vector<std::string_view>& fields);
 
-  /// Fills `fraction` and `cell` for the current `latticeSize`, in single precision; does nothing when `status` is not
-  /// 0.
+  /// Fills `fraction` and `cell` for the current `latticeSize`, in single precision; does nothing if `status` is not 0.
   void fillInterpolationTables();
 
   /// Applies the table to a frame: see Lut3DColorAdjustEffectProcess for pixels and strides. An empty frame is left
   /// unchanged. In alphaMode dst has one byte per pixel, and a dstStride of 0 means rows of width bytes.
-  /// Returns 0, or 23 (statusSizeInvalid) with the frames untouched when there is no usable table.
+  /// Returns 0, or 23 (statusSizeInvalid) with the frames unchanged if there is no usable table.
   int32_t apply(uint8_t* dst, int32_t dstStride, const uint8_t* src, int32_t width, int32_t height, int32_t srcStride);
 
-  /// The same, not in alphaMode, blended in the same pass with the source, whose weight is 0 to 255.
+  /// The same, blended in the same pass with the source, whose weight is 0 to 255. Not for alphaMode.
   int32_t applyAndFade(uint8_t* dst, int32_t dstStride, const uint8_t* src, int32_t width, int32_t height,
                        int32_t srcStride, int32_t sourceWeight);
 

@@ -11,16 +11,16 @@ namespace Lumvane {
 namespace {
 
 constexpr size_t kBlock = size_t{1} << 15;
-constexpr size_t kLongestFirstLine = 252;            // including its terminator
-constexpr size_t kBytesThatCount = size_t{1} << 16;  // of a line
-// No line that is already in the buffer when requested is longer than this, so takePlainRow need not check.
-static_assert(kLongestFirstLine + kBlock <= kBytesThatCount);
+constexpr size_t kLongestFirstLine = 252;          // including its terminator
+constexpr size_t kMaxLineBytes = size_t{1} << 16;  // the rest of a line is dropped
+// A line that is already complete in the buffer is never longer than this, so takePlainRow need not check.
+static_assert(kLongestFirstLine + kBlock <= kMaxLineBytes);
 
 }  // namespace
 
 LineReader::LineReader(std::istream& stream)
     : source_(stream.good() ? stream.rdbuf() : nullptr),
-      buffer_(std::make_unique_for_overwrite<char[]>(kBytesThatCount + kBlock + 1)),
+      buffer_(std::make_unique_for_overwrite<char[]>(kMaxLineBytes + kBlock + 1)),
       separator_(detectLineSeparator()) {}
 
 // Reads ahead without consuming. A text shorter than the longest first line must also contain a terminator.
@@ -49,7 +49,7 @@ void LineReader::takeLine() {
   const void* found;
   size_t searched = 0;
   while ((found = std::memchr(ahead() + searched, separator_, end_ - next_ - searched)) == nullptr) {
-    end_ = std::min(end_, next_ + kBytesThatCount);  // drops the excess of a line, however long it gets
+    end_ = std::min(end_, next_ + kMaxLineBytes);  // drops the excess of a long line
     searched = end_ - next_;
     if (readMore()) continue;
     lastLineTaken_ = true;
@@ -57,7 +57,7 @@ void LineReader::takeLine() {
     break;
   }
   const char* const end = found != nullptr ? static_cast<const char*>(found) : &buffer_[end_];
-  line_ = std::string_view(ahead(), static_cast<size_t>(end - ahead())).substr(0, kBytesThatCount);
+  line_ = std::string_view(ahead(), static_cast<size_t>(end - ahead())).substr(0, kMaxLineBytes);
   next_ = static_cast<size_t>(end - buffer_.get()) + (found != nullptr);
 }
 
@@ -69,8 +69,8 @@ bool LineReader::readRow(float (&values)[3]) {
   return true;
 }
 
-// readRow for the next line if it is in the buffer and consists of three plain decimal numbers. Otherwise false, with
-// nothing consumed and nothing changed.
+// The fast path of readRow, for a line that is complete in the buffer and consists of three plain decimal numbers.
+// Otherwise returns false, with nothing consumed or changed.
 bool LineReader::takePlainRow(float (&values)[3]) {
   const char* p = ahead();
   const auto skipBlanks = [&] {
@@ -92,8 +92,8 @@ bool LineReader::takePlainRow(float (&values)[3]) {
   return true;
 }
 
-// Drops consumed bytes and appends what the stream has available; at most kBytesThatCount bytes are kept before it.
-// False at its end.
+// Drops consumed bytes and appends what the stream has available, after at most kMaxLineBytes kept bytes. False at the
+// end of the stream.
 bool LineReader::readMore() {
   if (source_ == nullptr) return false;
   if (next_ != 0) {  // once per line, however many reads it takes
@@ -102,8 +102,8 @@ bool LineReader::readMore() {
     next_ = 0;
   }
   try {
-    // Requesting one byte makes the stream fetch as many as it likes, and it then returns those without failing:
-    // nothing read before a failure is lost.
+    // Requesting one byte makes the stream fill its buffer, whose bytes it then returns without failing: nothing read
+    // before a failure is lost.
     if (source_->sgetc() == std::char_traits<char>::eof()) {
       source_ = nullptr;
     } else {
@@ -112,7 +112,7 @@ bool LineReader::readMore() {
     }
   } catch (const std::bad_alloc&) {
     throw;
-  } catch (const std::exception&) {  // from the stream, a bad disk for example
+  } catch (const std::exception&) {  // from the stream, for example a disk error
     source_ = nullptr;
     failed_ = true;
   }

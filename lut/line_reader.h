@@ -9,32 +9,32 @@
 
 namespace Lumvane {
 
-/// The lines of a LUT text, and the state of reading it.
+/// Reads a LUT text line by line.
 ///
 /// - Lines end in LF or CR. The first line decides which; with CR LF it is LF, and the CR stays at the end of each line
 ///   as white space.
-/// - Empty lines, lines that hold only a CR, and lines whose very first byte is '#' are skipped anywhere. A line of
-///   blanks, or blanks and then '#', is not.
-/// - Only the first 65536 bytes of a line count; a number or a word that continues past them is cut there. Memory
-///   therefore does not depend on the length of lines.
+/// - Empty lines, lines with only a CR, and lines whose first byte is '#' are skipped anywhere. Lines of blanks, or
+///   with blanks before the '#', are not.
+/// - Only the first 65536 bytes of a line count; a number or word that continues past them is cut there. Memory use
+///   therefore does not depend on line length.
 class LineReader {
  public:
-  /// Reads `stream` from its current position. What is read ahead is lost to the stream.
+  /// Reads `stream` from its current position. Bytes that are read ahead are not put back into the stream.
   explicit LineReader(std::istream& stream);
 
-  /// The first error, which a caller may also set: nothing is read after it.
+  /// The first error; callers may set it too. Nothing is read after it.
   LutStatus status = statusOk;
 
-  /// Takes the next line that is not skipped, without its separator and otherwise untrimmed; valid until the next read.
-  /// False when there is none or `status` is set. The last line may lack its separator: requesting another line after
-  /// it gives statusEndOfFile. If the text ends in a separator, or the stream fails, it is statusReadFailed. Throws
-  /// std::bad_alloc when memory runs out, as all members do.
+  /// Reads the next line that is not skipped, without its separator and otherwise untrimmed; valid until the next read.
+  /// False if there is none or `status` is set. Requesting a line after the last one gives statusEndOfFile if that had
+  /// no separator, and statusReadFailed if it had one or the stream failed. Throws std::bad_alloc when memory runs out,
+  /// like all members.
   bool readLine(std::string_view& line);
 
-  /// The next readLine returns the last line again.
+  /// Makes the next readLine return the last line again.
   void putBack() { again_ = true; }
 
-  /// Takes the next line as a row of three numbers, like scanRow. False as for lines; `values` is then unchanged.
+  /// Reads the next line as a row of three numbers, like scanRow. False as in readLine; `values` is then unchanged.
   bool readRow(float (&values)[3]);
 
  private:
@@ -44,22 +44,22 @@ class LineReader {
   bool readMore();
   const char* ahead() const { return &buffer_[next_]; }
 
-  std::streambuf* source_;          ///< null once it has ended or failed
-  std::unique_ptr<char[]> buffer_;  ///< a line's bytes that count, then one read from the stream
+  std::streambuf* source_;          ///< null once the stream has ended or failed
+  std::unique_ptr<char[]> buffer_;  ///< room for a line and one block read from the stream
   size_t next_ = 0;                 ///< where the next line starts
-  size_t end_ = 0;                  ///< of the bytes read; a NUL follows
-  std::string_view line_;           ///< the last one taken
+  size_t end_ = 0;                  ///< end of the bytes read; a NUL follows
+  std::string_view line_;           ///< the last line returned
   bool again_ = false;
   bool failed_ = false;
-  bool lastLineTaken_ = false;  ///< the one without a separator
+  bool lastLineTaken_ = false;  ///< the last line, which had no separator
   char separator_;
 };
 
-/// The first word of a line; empty when there is none.
+/// Returns the first word of a line; empty if there is none.
 std::string_view firstToken(std::string_view line);
 
-/// True for the first token of a table row: "+" < token < ":" in byte order, that is anything that begins with a digit,
-/// comma, minus, point or slash, and a "+" followed by something.
+/// True for the first token of a table row: "+" < token < ":" in byte order, that is, a token that begins with a digit,
+/// comma, minus, point or slash, or with a "+" that is not alone.
 bool beginsTable(std::string_view token);
 
 }  // namespace Lumvane

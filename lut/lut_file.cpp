@@ -21,7 +21,7 @@ constexpr size_t kBlock = size_t{1} << 16;
 
 #ifdef _WIN32
 int openForReading(const std::u16string& path) {
-  // Passed on without conversion: names may contain unpaired surrogates.
+  // Not converted, because names may contain unpaired surrogates.
   return _wopen(std::wstring(path.begin(), path.end()).c_str(), _O_RDONLY | _O_BINARY | _O_NOINHERIT);
 }
 
@@ -31,7 +31,7 @@ bool isRegular(int descriptor) {
 #else
 int openForReading(const std::u16string& path) {
   try {
-    // Does not wait for the other end of a pipe, and gives the host no controlling terminal.
+    // Neither waits for the other end of a pipe nor makes a terminal the host's controlling terminal.
     return open(std::filesystem::path(path).c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
   } catch (const std::filesystem::filesystem_error&) {
     return -1;  // an unpaired surrogate has no UTF-8 form: no file can have this name
@@ -44,11 +44,11 @@ bool isRegular(int descriptor) {
 }
 #endif
 
-// The descriptor, or -1.
-int openAsItStands(const std::u16string& path) {
+// Returns the descriptor, or -1.
+int openRegularFile(const std::u16string& path) {
   errno = 0;
   const int descriptor = openForReading(path);
-  // Running out of memory is not a missing file: the next try may find it.
+  // Running out of memory does not mean that the file is missing: the next attempt may succeed.
   if (descriptor < 0 && errno == ENOMEM) throw std::bad_alloc();
   if (descriptor < 0 || isRegular(descriptor)) return descriptor;
   close(descriptor);
@@ -66,12 +66,12 @@ std::u16string lutExtension(const std::u16string& path) {
 }
 
 LutFile::LutFile(const std::u16string& path)
-    : buffer_(std::make_unique_for_overwrite<char[]>(kBlock)), descriptor_(openAsItStands(path)) {
+    : buffer_(std::make_unique_for_overwrite<char[]>(kBlock)), descriptor_(openRegularFile(path)) {
 #ifndef _WIN32
   if (!isOpen() && path.find(u'\\') != std::u16string::npos) {
     std::u16string withSlashes = path;
     std::replace(withSlashes.begin(), withSlashes.end(), u'\\', u'/');
-    descriptor_ = openAsItStands(withSlashes);
+    descriptor_ = openRegularFile(withSlashes);
   }
 #endif
 }

@@ -6,15 +6,15 @@
 
 namespace Lumvane {
 
-/// The text of `path` from its last '.' on, dot included, with the letters a to z in upper case; empty when there is no
-/// dot. Dots in directories count as well: "a.b/c" has the extension ".B/C".
+/// Returns the text of `path` from its last '.' on, including the dot, with the letters a to z in upper case; empty if
+/// there is no dot. Dots in directories count as well: "a.b/c" has the extension ".B/C".
 std::u16string lutExtension(const std::u16string& path);
 
-/// A file read without translation of line endings. Only regular files are opened: anything else might block the host,
-/// or never end.
+/// A file that is read without translating line endings. Only regular files are opened: others might block the host or
+/// never end.
 ///
-/// On POSIX the path is converted to UTF-8. For hosts that build Windows paths, a path that cannot be opened as it is
-/// is tried again with slashes instead of backslashes.
+/// On POSIX the path is converted to UTF-8. For hosts that build Windows paths, a path that cannot be opened is retried
+/// with slashes instead of backslashes.
 class LutFile : public std::streambuf {
  public:
   explicit LutFile(const std::u16string& path);

@@ -21,7 +21,7 @@ const char* skipWord(const char* text, const char* end, std::string_view word) {
   return text;
 }
 
-// Skips digits with one point and one exponent, whose mark needs a digit before it.
+// Skips digits with at most one point and one exponent, whose mark needs a digit before it.
 const char* skipDigits(const char* text, const char* end, char exponentMark) {
   bool digitSeen = false;
   bool pointSeen = false;
@@ -40,7 +40,7 @@ const char* skipDigits(const char* text, const char* end, char exponentMark) {
   return text;
 }
 
-// For a number out of range of floats: true when it is too large, by the position of its first nonzero digit.
+// For a number out of the range of floats: true if it is too large, judged by the position of its first nonzero digit.
 bool isLarge(std::string_view number, std::chars_format format) {
   const bool hex = format == std::chars_format::hex;
   const std::string_view digits = number.substr(0, number.find_first_of(hex ? "Pp" : "Ee"));
@@ -59,7 +59,7 @@ bool isLarge(std::string_view number, std::chars_format format) {
   return place * (hex ? 4 : 1) + exponent > 0;
 }
 
-// The end of the number that begins at `start`, after its sign; null when there is none.
+// Returns the end of the number that begins at `start`, after its sign; null if there is none.
 const char* convert(const char* start, const char* end, std::chars_format format, bool negative, float& value) {
   float magnitude = 0.0f;
   const auto [after, error] = std::from_chars(start, end, magnitude, format);
@@ -85,7 +85,7 @@ const char* scanNumber(const char* text, const char* end, float& value) {
   const char* after = nullptr;
   if (start != end && (lower(*start) == 'n' || lower(*start) == 'i')) {
     if ((after = skipWord(start, end, "inf")) != nullptr) {
-      // With one more letter it must be the whole word.
+      // If an "i" follows, it must be the whole word.
       if (after != end && lower(*after) == 'i') after = skipWord(start, end, "infinity");
     } else {
       after = skipWord(start, end, "nan");

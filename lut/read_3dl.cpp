@@ -1,11 +1,11 @@
 // The .3DL text format: header lines, a mesh line, then rows with blue fastest.
 //
 // - All lines before the mesh line are skipped; "3DMESH" and "Mesh" lines have no effect. The mesh line is the first
-//   whose first token begins a number.
+//   whose first token looks like the start of a number.
 // - The lattice has as many points per axis as the mesh line has entries, separated by single blanks only: a blank at
-//   the end of the line, or two in a row, counts as an extra entry, and a tab does not separate. The numbers themselves
-//   are not read.
-// - Values are on a 12-bit scale, 4095 for full, whatever the header says: 10-bit tables come out dark.
+//   the end of the line, or two in a row, counts as an extra entry, and a tab does not separate. The numbers are not
+//   read.
+// - Values are on a 12-bit scale (full scale 4095), whatever the header says: 10-bit tables come out dark.
 
 #include <algorithm>
 
@@ -15,7 +15,7 @@
 namespace Lumvane {
 namespace {
 
-constexpr size_t kFewestPoints = 3;
+constexpr size_t kMinPoints = 3;
 
 // "3DMESH" begins with a digit but is a keyword.
 bool isMeshLine(std::string_view line) {
@@ -32,10 +32,10 @@ LutHeader read3dlHeader(LineReader& text) {
     if (!text.readLine(line)) return header;
   } while (!isMeshLine(line));
   std::vector<std::string_view> mesh;
-  // Counted first: a field takes many times the memory of its blank, and there may be thousands.
+  // Counted before splitting: a field takes many times the memory of its blank, and there may be thousands.
   if (std::count(line.begin(), line.end(), ' ') >= kLatticeStride) {
     text.status = statusSizeInvalid;
-  } else if (CubeLut::splitFields(line, mesh); mesh.size() < kFewestPoints) {
+  } else if (CubeLut::splitFields(line, mesh); mesh.size() < kMinPoints) {
     text.status = statusTooFewColumns;
   } else {
     header.latticeSize = static_cast<int32_t>(mesh.size());

@@ -1,8 +1,8 @@
 // The .CUBE text format: a header of keyword lines, then rows with red fastest.
 //
-// - Keywords are case-sensitive, may come in any order, and only their first occurrence counts: LUT_3D_SIZE (required),
-//   DOMAIN_MIN, DOMAIN_MAX. Other lines, such as titles and one-dimensional sizes, are skipped, up to the first line
-//   whose first token begins a number: that one is the first row. A line of blanks is refused.
+// - Keywords are case-sensitive, may be in any order, and only the first of each counts: LUT_3D_SIZE (required),
+//   DOMAIN_MIN, DOMAIN_MAX. Other lines, such as titles and one-dimensional sizes, are skipped. The first line whose
+//   first token looks like the start of a number is the first row. A line of blanks is refused.
 // - The domain scales the output. A value v of channel c becomes v * (max[c] - min[c]) * 255; the minimum is not an
 //   offset, and the inputs 0 to 255 are always spread evenly over the lattice.
 
@@ -16,9 +16,9 @@ namespace Lumvane {
 namespace {
 
 constexpr int kSmallestSize = 2;
-constexpr int kLargestSizeInHeader = 256;  // in a header; each table has its own limit
+constexpr int kLargestSizeInHeader = 256;  // tables have lower limits
 
-// False when there are fewer than three numbers; those present are stored.
+// Returns false if there are fewer than three numbers; those present are stored.
 bool extractColor(std::string_view text, float (&values)[3]) {
   const char* next = text.data();
   for (float& value : values) {
@@ -28,7 +28,7 @@ bool extractColor(std::string_view text, float (&values)[3]) {
   return true;
 }
 
-// 0 when there is no number, or it is out of range.
+// Returns 0 if there is no number or it does not fit an int.
 int extractSize(std::string_view text) {
   text = firstToken(text);
   if (text.starts_with('+')) text.remove_prefix(1);
@@ -39,7 +39,7 @@ int extractSize(std::string_view text) {
 
 }  // namespace
 
-// Of several errors, a line that fails is reported before a missing size, and that before an inverted domain.
+// Of several errors, the first of these is reported: a line that cannot be read, a missing size, an inverted domain.
 LutHeader readCubeHeader(LineReader& text) {
   LutHeader header;
   float domainMin[3] = {0.0f, 0.0f, 0.0f}, domainMax[3] = {1.0f, 1.0f, 1.0f};

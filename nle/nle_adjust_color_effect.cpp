@@ -17,7 +17,7 @@ bool NLEAdjustColorEffect::SetParameter(const char* name, NLEFilterValue input) 
     found->second->SetValue(input);
     return true;
   }
-  // Complete before it is inserted: when memory runs out, the map stays unchanged.
+  // Completed before it is inserted, so that the map stays unchanged if memory runs out.
   const auto entry = std::make_shared<NLEFilterParams>();
   entry->type = NLEFilterParams::kPlain;
   entry->key = entry->name = name;

@@ -1,4 +1,4 @@
-// The row kernel of white balance: the plain form, which defines the bytes, and the vector form.
+// The row kernel of white balance: the plain form, which defines the output bytes, and the vector form.
 
 #include "whitebalance/white_balance_kernel.h"
 
@@ -55,12 +55,12 @@ namespace {
 
 #if LUMVANE_HAVE_VECTORS
 
-// Frames of this size and above do not stay in a cache until they are read: they are written past it, which avoids
-// reading every line of the destination first.
+// Frames of this size and above do not stay in a cache until they are read: they are written with non-temporal stores,
+// which avoid reading each line of the destination first.
 constexpr size_t kStreamedBytes = size_t{16} << 20;
 
-// A gain beyond these limits has the same effect on every byte as the limit, so products never overflow; NaN acts like
-// 0.
+// A gain beyond these limits has the same effect on every byte as the limit, so clamping it prevents overflow. NaN acts
+// like 0.
 HWY_INLINE float sanitized(float gain) { return std::isnan(gain) ? 0.0f : std::clamp(gain, -1.0f, 256.0f); }
 
 // Pixel i of each block of four, one component per lane, times the gains.

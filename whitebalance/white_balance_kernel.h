@@ -5,12 +5,12 @@
 
 namespace Lumvane {
 
-/// The factors for bytes 0, 1 and 2 of a pixel. Any value, also infinities and NaN.
+/// The factors for bytes 0, 1 and 2 of a pixel. Any value, including infinities and NaN.
 struct WhiteBalanceGains {
   float blue, green, red;
 };
 
-/// The gains for a temperature and a tint: see WhiteBalanceFun.
+/// Returns the gains for a temperature and a tint: see WhiteBalanceFun.
 WhiteBalanceGains whiteBalanceGains(float temperature, float tint);
 
 /// Multiplies the colour bytes of BGRA pixels by the gains, in single precision, and truncates: 3 * 0.5 gives 1.
@@ -20,7 +20,7 @@ using WhiteBalanceRow = void(const WhiteBalanceGains& gains, const uint8_t* src,
 /// The plain form, one byte at a time: the reference for all others.
 extern WhiteBalanceRow* const plainWhiteBalanceRow;
 
-/// The fastest on this processor.
+/// Returns the fastest kernel for this processor.
 WhiteBalanceRow* whiteBalanceKernel();
 
 }  // namespace Lumvane
