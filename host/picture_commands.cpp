@@ -144,7 +144,8 @@ void addPictureCommands(CLI::App& app) {
                                 "  lumvane-host lut --check look.cube",
                                 options, grading);
   lut->add_option("--lut", options->lut, "LUT file, .cube or .3dl")->required()->type_name("PATH");
-  lut->add_option_function<std::string>("--check", checkLut, "Only print what a LUT file contains and how it is read")
+  lut->add_option_function<std::string>("--check", checkLut,
+                                        "Only print what a LUT file contains and how it is read; needs nothing else")
       ->trigger_on_parse()
       ->type_name("PATH");
   lut->add_option("--strength", options->strength, "Strength in percent, 0 to 100, clamped")->check(percent);
