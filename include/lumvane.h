@@ -21,9 +21,10 @@
  *          the main thread's CPU affinity (taskset, sched_setaffinity) at the first frame or HDR object counts. The
  *          environment variable OPENCV_FOR_THREADS_NUM sets their number on Windows, where OpenCV is inside the DLL;
  *          with Debian's OpenCV it has no effect. If threads cannot be started, all work is done on the calling
- *          threads; to find out, the first frame or HDR object briefly starts about as many of its own. On Linux, exit()
- *          may be called while other threads are in a call: it waits up to one second for their worker threads, and the
- *          rest of those calls runs on the calling threads. Never unload the library during a call.
+ *          threads: to see whether they can, the library starts threads of its own for a moment, at the first frame or
+ *          HDR object. On Linux, exit() may be called while other threads are in a call: it waits up to one second for
+ *          their worker threads, and the rest of those calls runs on the calling threads. Never unload the library
+ *          during a call.
  * Bytes    The same input gives the same bytes on every processor and system, with any number of threads, in any locale
  *          and in any floating-point mode of the calling thread (rounding, flushed denormals, traps). The mode is
  *          restored before the call returns.
