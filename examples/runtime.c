@@ -1,7 +1,7 @@
-/* Loads the library when it runs, and so starts without it as well. lumvane.h is only used for the types.
+/* Loads the library at run time, and so starts without it as well. lumvane.h is only used for the types.
  *
- *   cc -std=c11 runtime.c -o runtime -ldl               runtime [liblumvane.so.0]
- *   x86_64-w64-mingw32-gcc runtime.c -o runtime.exe     runtime.exe [lumvane.dll]
+ *   cc -std=c11 runtime.c -o runtime -ldl               then: runtime [liblumvane.so.0]
+ *   x86_64-w64-mingw32-gcc runtime.c -o runtime.exe     then: runtime.exe [lumvane.dll]
  */
 #include <lumvane.h>
 #include <stdio.h>

@@ -17,8 +17,8 @@
  * Threads  A handle serves one thread at a time, any thread. Different handles can be used concurrently. Large frames
  *          are divided among OpenCV's worker threads; a call returns when all its work is done. cv::setNumThreads sets
  *          their number at any time; on Linux a host in C gets its address with dlsym(RTLD_DEFAULT,
- *          "_ZN2cv13setNumThreadsEi"), or with the handle from dlopen. By default there is one per processor; on Linux
- *          the main thread's CPU affinity (taskset, sched_setaffinity) at the first frame or HDR object counts. The
+ *          "_ZN2cv13setNumThreadsEi"), or with the handle from dlopen. By default there is one per processor, on Linux
+ *          limited by the main thread's CPU affinity (taskset, sched_setaffinity) at the first frame or HDR object. The
  *          environment variable OPENCV_FOR_THREADS_NUM sets their number on Windows, where OpenCV is inside the DLL;
  *          with Debian's OpenCV it has no effect. If threads cannot be started, all work is done on the calling
  *          threads: to see whether they can, the library starts threads of its own for a moment, at the first frame or
