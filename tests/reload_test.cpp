@@ -49,8 +49,8 @@ void returnLargeBlocksAtOnce() {
 #endif
 }
 
-// exit() does not wait for other threads: they still render while OpenCV ends its pool, so the data that they read must
-// remain valid. One failure is allowed, because OpenCV's own data is destroyed too.
+// exit() waits for the loops on the pool, not for whole frames: other threads still render while OpenCV ends, so the data
+// that they read must remain valid. One failure is allowed, because OpenCV's own data is destroyed too.
 TEST(Exit, MayHappenDuringFrames) {
   const test::LutFolder folder;
   int failures = 0;
