@@ -152,7 +152,7 @@ LUMVANE_API void* CreateNLEPureCClarity(int32_t width, int32_t height, int32_t r
  *            held before the call. If they overlap and are not the same pixels at the same places, the call copies src.
  * Returns    1 when the frame was rendered. 0, with the destination unchanged: a null handle or buffer, a width or
  *            height of 0 or less, a stride above 0 and below width * 4.
- * Cost       From its first frame on a handle keeps a pyramid of floats, about 3 bytes per pixel (6 MB at 1920 x 1080),
+ * Cost       After its first frame a handle keeps a pyramid of floats, about 3 bytes per pixel (6 MB at 1920 x 1080),
  *            which is reallocated for a frame of another size. The copy of overlapping frames takes 4 bytes per pixel
  *            during the call.
  */
