@@ -94,7 +94,7 @@ CLI::App* addPictureCommand(CLI::App& app, const char* name, const char* descrip
   auto* command = app.add_subcommand(name, description);
   std::string formats;
   for (const std::string& extension : pictureExtensions()) formats += ' ' + extension;
-  command->footer("Reads and writes" + formats + ", 8 and 16 bits in, 8 out. Colours of ICC profiles become sRGB.\n\n" +
+  command->footer("Reads and writes" + formats + ", 8 and 16 bits in, 8 out. ICC profiles are converted to sRGB.\n\n" +
                   examples);
   command
       ->add_option("--quality", options->quality, "Quality of JPEG files, 1 to 100; default: that of the input, or 95")
