@@ -1,12 +1,29 @@
+// Starting OpenCV's pool, using it, and the end of the process.
+//
+// TBB, which is OpenCV's pool on Linux, ends the process when it cannot create a thread, and creates each one only when
+// there is work for it. So before the first loop the library finds out whether the process can have these threads, and
+// then makes the pool create them all:
+//
+// - canHaveThreads() creates as many of its own and allocates some memory beside them. Where that fails, no loop of the
+//   process ever uses the pool: a limit that has been reached once will be reached again. On Windows the pool is
+//   OpenCV's own, which gets by with the threads it has, and waiting for a new one could last as long as another DLL's
+//   DllMain: nothing is tried there.
+// - Rendezvous is a loop that keeps each thread until all have come. Threads that come later work from then on.
+//
+// All this is done on the calling thread, however long it takes. A thread made for it would free OpenCV's data of that
+// thread as it ends, which ends the process if memory is short, and it could outlive the call and so the library.
+//
+// A pool that throws while it starts is not used again either, because its next loop could wait forever.
 #include "base/parallel.h"
+
+#include <pthread.h>
 
 #include <algorithm>
 #include <atomic>
 #include <chrono>
-#include <future>
 #include <latch>
-#include <memory>
 #include <mutex>
+#include <new>
 #include <thread>
 #include <vector>
 
@@ -16,18 +33,15 @@
 namespace Lumvane {
 namespace {
 
-constexpr std::chrono::milliseconds kRendezvousTimeout(20), kStartTimeout(2000), kExitTimeout(1000);
+constexpr std::chrono::milliseconds kRendezvousTimeout(20), kExitTimeout(1000);
+constexpr size_t kMemoryOfPool = size_t{1} << 20;  // bytes; several times what the start has been seen to take
 
 std::atomic<int> activePoolUses = 0;
 
-// While one exists, exit() waits before it shuts OpenCV down. False once exit() has begun: there is no pool then.
-class PoolInUse {
- public:
+// While one exists, exit() waits before it shuts OpenCV down. There is no pool for one that is made after that.
+struct PoolInUse {
   PoolInUse() { ++activePoolUses; }
   ~PoolInUse() { --activePoolUses; }
-  PoolInUse(const PoolInUse&) = delete;
-  PoolInUse& operator=(const PoolInUse&) = delete;
-  explicit operator bool() const { return !processExiting; }
 };
 
 // Constructed once the pool runs, so destroyed before anything that OpenCV created for it. A child process forked while
@@ -43,19 +57,16 @@ struct PoolShutdown {
 };
 
 // Calls the body through a pointer, so that compilers cannot move its arithmetic out of the lifetime of the mode.
-class InDefaultFloatMode : public cv::ParallelLoopBody {
- public:
-  explicit InDefaultFloatMode(const cv::ParallelLoopBody& body) : body_(body) {}
+struct InDefaultFloatMode : cv::ParallelLoopBody {
+  explicit InDefaultFloatMode(const cv::ParallelLoopBody& called) : body(called) {}
   void operator()(const cv::Range& range) const override {
     const DefaultFloatMode floatMode;
-    body_(range);
+    body(range);
   }
-
- private:
-  const cv::ParallelLoopBody& body_;
+  const cv::ParallelLoopBody& body;
 };
 
-// A thread that takes an iteration waits until all are taken, or for 20 ms, so that the pool creates all its threads.
+// For one range per thread. Waits until all have been taken, or for 20 ms.
 struct Rendezvous : cv::ParallelLoopBody {
   explicit Rendezvous(int count) : expected(count) {}
   void operator()(const cv::Range& range) const override {
@@ -67,77 +78,65 @@ struct Rendezvous : cv::ParallelLoopBody {
   const std::chrono::steady_clock::time_point end = std::chrono::steady_clock::now() + kRendezvousTimeout;
 };
 
-// Throws if the process cannot start `count` more threads, or cannot allocate 1 MiB.
-void tryThreads(int count) {
-  std::make_unique_for_overwrite<char[]>(size_t{1} << 20);
-  std::latch made(1);
-  std::vector<std::jthread> threads;
-  try {
-    while (count-- > 0) threads.emplace_back([&made] { made.wait(); });
-  } catch (...) {
-    made.count_down();
-    throw;
-  }
-  made.count_down();
-}
+#ifdef _WIN32
+bool canHaveThreads(int) { return true; }
+#else
+void* waitFor(void* latch) { return static_cast<std::latch*>(latch)->wait(), nullptr; }
 
-// The number of pool threads that must start. A host may set more than one per processor, but these need not start.
+bool canHaveThreads(int count) {
+  std::latch tried(1);
+  std::vector<pthread_t> threads(static_cast<size_t>(count));
+  size_t started = 0;
+  while (started < threads.size() && pthread_create(&threads[started], nullptr, waitFor, &tried) == 0) ++started;
+  void* const memory = operator new(kMemoryOfPool, std::nothrow);
+  operator delete(memory);
+  tried.count_down();
+  for (size_t i = 0; i < started; ++i) pthread_join(threads[i], nullptr);
+  return memory != nullptr && started == threads.size();
+}
+#endif
+
+// The number of threads that have to exist. A host may set more than one per processor, but these may come later.
 int threadsToStart() {
   static const int processors = std::max(static_cast<int>(std::thread::hardware_concurrency()), 2);  // reads a file
   return std::min(cv::getNumThreads(), processors);
 }
 
-// Makes the pool create its threads; returns their number. Throws if that fails or takes longer than kStartTimeout.
-int startPool() {
-  std::promise<int> promise;
-  std::future<int> threads = promise.get_future();
-  std::thread helper([promise = std::move(promise)]() mutable {
-    try {
-      tryThreads(1);  // before the first call to OpenCV, which creates the pool
-      const int count = threadsToStart();
-      tryThreads(count - 1);
-      cv::parallel_for_(cv::Range(0, count), Rendezvous(count), count);
-      promise.set_value(count);
-    } catch (...) {
-      promise.set_exception(std::current_exception());
-    }
-  });
-  if (threads.wait_for(kStartTimeout) == std::future_status::ready) {
-    helper.join();
-  } else {
-    helper.detach();
-    throw std::bad_alloc();
-  }
-  return threads.get();
+std::mutex startMutex;
+std::atomic<int> startedThreads = 0;
+std::atomic<bool> refused = false;
+
+void startPool() noexcept try {
+  const std::lock_guard lock(startMutex);
+  const int count = threadsToStart();
+  if (refused || count <= startedThreads) return;
+  refused = !canHaveThreads(count - 1);
+  if (refused) return;
+  cv::parallel_for_(cv::Range(0, count), Rendezvous(count), count);
+  static const PoolShutdown end;
+  startedThreads = count;
+} catch (...) {
+  refused = true;
 }
 
 }  // namespace
 
 int poolThreads() noexcept {
-  static std::mutex mutex;
-  static std::atomic<int> started = 0;
-  static std::atomic<bool> failed = false;
   const PoolInUse pool;
-  if (failed || !pool) return 1;
-  if (started > 0 && threadsToStart() <= started) return cv::getNumThreads();
-  try {
-    const std::lock_guard lock(mutex);
-    if (failed) return 1;
-    if (started == 0 || threadsToStart() > started) started = startPool();
-    static const PoolShutdown end;
-    return cv::getNumThreads();
-  } catch (...) {
-    failed = true;
-    return 1;
-  }
+  if (refused || processExiting) return 1;
+  if (startedThreads == 0 || threadsToStart() > startedThreads) startPool();
+  return refused ? 1 : std::max(cv::getNumThreads(), 1);
 }
 
-void runParallel(int count, const cv::ParallelLoopBody& body, double pieces) {
+void runParallel(int count, const cv::ParallelLoopBody& body, int pieces) {
   const InDefaultFloatMode whole(body);
   if (count <= 0) return;
-  const PoolInUse pool;
-  if (count == 1 || !pool || poolThreads() == 1) return whole(cv::Range(0, count));
-  cv::parallel_for_(cv::Range(0, count), whole, pieces);
+  {
+    const PoolInUse pool;
+    const int threads = count == 1 ? 1 : poolThreads();
+    if (threads > 1) return cv::parallel_for_(cv::Range(0, count), whole, pieces == 0 ? threads : pieces);
+  }
+  whole(cv::Range(0, count));
 }
 
 }  // namespace Lumvane

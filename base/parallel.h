@@ -5,20 +5,19 @@
 
 namespace Lumvane {
 
-/// Returns the number of threads that run loops: cv::getNumThreads(), which must not be called earlier. The first call
-/// starts OpenCV's pool. A pool that runs out of memory or threads while starting can hang in its next loop or end the
-/// process, so the start is tried on a separate thread; if it fails, all loops of the process run on the threads that
-/// call them, and the result is 1.
+/// Returns the number of threads that run loops, 1 or more: cv::getNumThreads(), which must not be called earlier. The
+/// host may change it between two calls. The first call starts OpenCV's pool; if the process cannot have its threads,
+/// all loops of the process run on the threads that call them, and the result is 1.
 int poolThreads() noexcept;
 
 /// Calls `body` for ranges that together cover 0 to count - 1, on OpenCV's threads, and returns when all are done.
-/// `pieces` is a hint for the number of ranges. The body runs in the default floating-point mode, whatever the mode in
-/// which a pool thread was created.
-void runParallel(int count, const cv::ParallelLoopBody& body, double pieces = poolThreads());
+/// `pieces` is a hint for the number of ranges; 0 means one per thread. The body runs in the default floating-point
+/// mode, whatever the mode in which a pool thread was created.
+void runParallel(int count, const cv::ParallelLoopBody& body, int pieces = 0);
 
 /// The same for any callable that takes a cv::Range.
 template <class Body>
-void runParallel(int count, const Body& body, double pieces = poolThreads()) {
+void runParallel(int count, const Body& body, int pieces = 0) {
   struct Loop : cv::ParallelLoopBody {
     explicit Loop(const Body& called) : body(called) {}
     void operator()(const cv::Range& range) const override { body(range); }

@@ -80,7 +80,9 @@ int clarityPipeline(NLEPureCClarity& effect, const cv::Mat& frame, cv::Mat& dst,
   const cv::Mat src = overwritesUnread(dst, frame) ? frame.clone() : frame;
   const float saturationFactor =
       std::clamp(static_cast<float>(saturation), -100.0f, 100.0f) * kPercent * kSaturationSpan + 1.0f;
-  const int stripes = std::clamp(2 * poolThreads(), 1, kMaxStripes);
+  auto& scratch = effect.pyramid.scratch;
+  scratch.resize(static_cast<size_t>(2 * poolThreads()));
+  const int stripes = std::min(static_cast<int>(scratch.size()), kMaxStripes);
   const float amount = std::clamp(static_cast<float>(intensity), 0.0f, 100.0f) * kPercent;
   if (amount > 0.0f) {
     buildClarityPyramid(clarityAnalysisPass{src, kernels.hsv.value}, src.size(), effect.levels, stripes, effect.pyramid,

@@ -13,8 +13,8 @@ constexpr int kTaps = 5;
 // Samples of a plane; smaller planes are not worth waking another thread for.
 constexpr int64_t kMinSharedSamples = 1 << 15;
 
-int stripesOf(cv::Size size) {
-  return int64_t{size.width} * size.height >= kMinSharedSamples ? std::max(1, 2 * poolThreads()) : 1;
+int stripesOf(cv::Size size, const ClarityPyramid::Scratch& scratch) {
+  return int64_t{size.width} * size.height >= kMinSharedSamples ? static_cast<int>(scratch.size()) : 1;
 }
 
 void downRows(const RowOfPlane& input, cv::Size size, const StripeRows& rows, cv::Mat& output, float* scratch,
@@ -126,12 +126,11 @@ void buildClarityPyramid(const RowOfPlane& value, cv::Size size, int levels, int
   const auto n = static_cast<size_t>(std::max(levels, 1));
   for (auto* planes : {&pyramid.gaussian, &pyramid.rebuilt}) planes->resize(n);
   auto& gaussian = pyramid.gaussian;
-  pyramid.scratch.resize(static_cast<size_t>(std::max(stripes, stripesOf(size))));
   if (n > 1) pyramidDown(value, size, gaussian[1], stripes, pyramid.scratch, kernels);
   for (size_t i = 2; i < n; ++i) {
     const cv::Mat& fine = gaussian[i - 1];
     const auto row = [&fine](int y, float*) { return fine.ptr<float>(y); };
-    pyramidDown(row, fine.size(), gaussian[i], stripesOf(fine.size()), pyramid.scratch, kernels);
+    pyramidDown(row, fine.size(), gaussian[i], stripesOf(fine.size(), pyramid.scratch), pyramid.scratch, kernels);
   }
 }
 
@@ -141,7 +140,7 @@ void collapseClarityPyramid(ClarityPyramid& pyramid, const PyramidKernels& kerne
     const cv::Mat& fine = gaussian[i];
     cv::Mat& rebuilt = pyramid.rebuilt[i];
     rebuilt.create(fine.size(), CV_32FC1);
-    const int stripes = stripesOf(fine.size());
+    const int stripes = stripesOf(fine.size(), pyramid.scratch);
     runParallel(stripes,
                 clarityDetailPass{fine.rows, stripes, fine, gaussian[i + 1], pyramid.rebuiltLevel(i + 1), rebuilt,
                                   kDetailCoefficient, kDetailGain, pyramid.scratch, kernels, detailRow},

@@ -23,7 +23,9 @@ struct ClarityPyramid {
   std::vector<cv::Mat> gaussian;  ///< the plane at half the size, a quarter, and so on; 0 is unused
   std::vector<cv::Mat> rebuilt;   ///< each level rebuilt from the coarser ones; 0 and the last are unused
   using Scratch = std::vector<std::vector<float>>;
-  Scratch scratch;  ///< rows in progress, for each stripe
+  /// Rows in progress: one element for each stripe of a level. Its size is fixed at the start of a frame, and no level
+  /// has more stripes: the number of threads may change during the frame.
+  Scratch scratch;
 
   /// Returns the rebuilt level i, 1 or more. The coarsest level has no details to raise.
   const cv::Mat& rebuiltLevel(size_t i) const { return i + 1 == gaussian.size() ? gaussian[i] : rebuilt[i]; }
@@ -79,7 +81,7 @@ class PyramidUp {
 };
 
 /// Builds a pyramid of `levels` levels, at least one, from a plane of the size `size`; each has half the size of the
-/// previous one. Level 0 is processed in `stripes` parts.
+/// previous one. Level 0 is processed in `stripes` parts, at most as many as pyramid.scratch has elements.
 void buildClarityPyramid(const RowOfPlane& value, cv::Size size, int levels, int stripes, ClarityPyramid& pyramid,
                          const PyramidKernels& kernels);
 

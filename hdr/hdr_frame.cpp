@@ -84,7 +84,7 @@ class HdrBands : public cv::ParallelLoopBody {
   ToRgb toRgb_;
   FromRgb fromRgb_;
   int count_ =
-      std::clamp((object_.height + 1) / 2 / kMinPairsPerBand, 1, std::clamp(2 * poolThreads(), 1, object_.bandCount));
+      std::clamp((object_.height + 1) / 2 / kMinPairsPerBand, 1, std::min(2 * poolThreads(), object_.bandCount));
   Yv12Kernels rows_ = yv12Kernels();
   const HdrKernels& map_ = hdrKernels();
 };

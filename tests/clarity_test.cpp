@@ -49,6 +49,25 @@ TEST(Clarity, DoesNotDependOnEarlierFrames) {
   }
 }
 
+// Raises the number of threads with the first row of a frame, as another thread of the host might.
+TEST(Clarity, ReadsTheNumberOfThreadsOncePerFrame) {
+  const int before = cv::getNumThreads();
+  Lumvane::HsvKernels raising = Lumvane::hsvKernels();
+  raising.value = [](const uint8_t* src, float* value, size_t pixels) {
+    cv::setNumThreads(8);
+    Lumvane::hsvKernels().value(src, value, pixels);
+  };
+  const Clarity clarity(640, 360, 40, 80);
+  Frame src = noiseFrame(640, 360), dst(640, 360), expected(640, 360);
+  clarity.process(expected, src);
+  const cv::Mat srcMat(360, 640, CV_8UC4, src.data());
+  cv::Mat dstMat(360, 640, CV_8UC4, dst.data());
+  cv::setNumThreads(1);
+  EXPECT_EQ(Lumvane::clarityPipeline(clarity.effect(), srcMat, dstMat, 40, 80, {.hsv = raising}), 0);
+  cv::setNumThreads(before);
+  EXPECT_EQ(dst.bytes, expected.bytes);
+}
+
 TEST(Clarity, ReadsItsNamedParameters) {
   const auto effect = std::make_unique<Lumvane::NLEPureCClarity>(nullptr);
   effect->levels = 5;

@@ -167,16 +167,16 @@ TEST(HdrFirstCreate, IsTriedAgainAfterNoFileCouldBeOpened) {
   EXPECT_GT(Lumvane::hdrTransferData(true).latticeSize, 0);
 }
 
-// Renders in a new process, where allocation `which` fails while the thread pool starts; 0: no thread can be created;
-// negative: nothing fails. Returns a checksum from 1 to 255, 0 if there is no such allocation, or the negative number of
-// the signal that ended the process.
-int renderInChild(const Call& call, long which) {
+// Renders in a new process, where allocation `which` of the first call fails; 0: no thread can be created; negative:
+// nothing fails. Returns a checksum from 1 to 255, 0 if there is no such allocation, or the negative number of the signal
+// that ended the process.
+int renderInChild(const Call& call, long which, Failing failing = Failing::kOnce) {
   const pid_t child = fork();
   if (child == 0) try {
       alarm(10);
       if (which == 0) test::refuseThreads();
       long failures = 0;
-      if (which > 0) attempt(call, which, Failing::kOnce, failures);
+      if (which > 0) attempt(call, which, failing, failures);
       if (which > 0 && failures == 0) _exit(0);
       if (attempt(call, 0, Failing::kOnce, failures) != Outcome::kDone) abort();
       uint32_t sum = 0;
@@ -201,9 +201,14 @@ TEST(ThreadPool, MayFailToStart) {
   for (const Call& call : firstUses) {
     const int expected = renderInChild(call, -1);
     EXPECT_EQ(renderInChild(call, 0), expected) << call.name << " without threads";
-    long which = 1;
-    for (int found; call.fails == Call::kFrame && (found = renderInChild(call, which)) != 0; ++which) {
-      EXPECT_EQ(found, expected) << call.name << ", allocation " << which;
+    for (const Failing failing : {Failing::kOnce, Failing::kFromThenOn}) {
+      int others = 0;
+      long which = 1;
+      for (int found; call.fails == Call::kFrame && (found = renderInChild(call, which, failing)) != 0; ++which) {
+        others += found != expected;
+      }
+      // TBB calls dlopen, and glibc's crashes if memory is gone from the record of its error on.
+      EXPECT_LE(others, failing == Failing::kFromThenOn ? 1 : 0) << call.name;
     }
   }
 }
