@@ -1,11 +1,10 @@
 #pragma once
 
-#include <cstdlib>
-#include <new>
 #include <vector>
 
 #include "apply/hdr_kernels.h"
 #include "base/large_pages.h"
+#include "base/zeroed_memory.h"
 
 namespace Lumvane {
 
@@ -18,12 +17,11 @@ struct ZeroMemory {
   explicit ZeroMemory(const ZeroMemory<U>&) {}
 
   T* allocate(size_t count) {
-    void* memory = std::calloc(count, sizeof(T));
-    if (memory == nullptr) throw std::bad_alloc();
+    void* const memory = allocateZeroPages(count * sizeof(T));
     adviseLargePages(memory, count * sizeof(T));
     return static_cast<T*>(memory);
   }
-  void deallocate(T* memory, size_t) { std::free(memory); }
+  void deallocate(T* memory, size_t count) { freeZeroPages(memory, count * sizeof(T)); }
 
   /// Does nothing: the entry is already zero.
   template <class U>

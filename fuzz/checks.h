@@ -74,9 +74,9 @@ int checkReader(const uint8_t* data, size_t size, int32_t (Lumvane::CubeLut::*re
   const std::string text(reinterpret_cast<const char*>(data), size);
   const PlainTable expected = readPlain(text);
   // One object for all inputs: allocating and freeing 3.3 MB takes longer than reading a small file. The readers
-  // themselves clear the lattice.
+  // themselves clear the lattice of an object that is not new.
   static const auto lut = std::make_unique<Lumvane::CubeLut>();
-  lut->status = Lumvane::statusUnloaded;
+  lut->status = Lumvane::statusOk;
   lut->latticeSize = 0;
   std::fill_n(lut->fraction, 256, 0.0f);
   std::fill_n(lut->cell, 256, 0);

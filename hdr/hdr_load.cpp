@@ -19,10 +19,10 @@ namespace {
 
 constexpr int32_t kBands = 8;
 
-std::unique_ptr<uint8_t[]> allocateFrame(int32_t width, int32_t height) {
+ZeroPages allocateFrame(int32_t width, int32_t height) {
   constexpr int64_t kMaxPixels = std::numeric_limits<int32_t>::max() / 4;
   if (width < 0 || height < 0 || int64_t{width} * height > kMaxPixels) throw std::bad_alloc();
-  return std::make_unique<uint8_t[]>(size_t{4} * static_cast<size_t>(width) * static_cast<size_t>(height));
+  return zeroPages(size_t{4} * static_cast<size_t>(width) * static_cast<size_t>(height));
 }
 
 // Several threads may create the first objects at the same time: one of them loads, the others wait.

@@ -39,13 +39,13 @@ class MappingTimes {
 
 /// The object behind an HDR handle: see CreateVideoAdjustColor.
 struct VideoAdjustColor {
-  int32_t workLatticeSize = 0;         ///< points per axis of the current frame's LUT
-  float fraction[256] = {};            ///< for a byte value: its position inside its lattice cell
-  int32_t cell[256] = {};              ///< for a byte value: the lattice index at the lower end of its cell
-  int32_t latticeSize = 0;             ///< points per axis of the last LUT file that this object read; 0 for none
-  std::unique_ptr<uint8_t[]> rgbaIn;   ///< width * height BGRA pixels: the frame before the LUT
-  std::unique_ptr<uint8_t[]> rgbaOut;  ///< the same after it
-  HdrLattice lattice = nullptr;        ///< of the current frame; shared
+  int32_t workLatticeSize = 0;   ///< points per axis of the current frame's LUT
+  float fraction[256] = {};      ///< for a byte value: its position inside its lattice cell
+  int32_t cell[256] = {};        ///< for a byte value: the lattice index at the lower end of its cell
+  int32_t latticeSize = 0;       ///< points per axis of the last LUT file that this object read; 0 for none
+  ZeroPages rgbaIn;              ///< width * height BGRA pixels: the frame before the LUT
+  ZeroPages rgbaOut;             ///< the same after it; a pass over a large frame uses four rows of each band
+  HdrLattice lattice = nullptr;  ///< of the current frame; shared
   int32_t width = 0;
   int32_t height = 0;
   bool loadOk = false;  ///< result of the last load

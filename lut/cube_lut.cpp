@@ -38,7 +38,7 @@ bool CubeLut::load(const std::u16string& path) {
 }
 
 int32_t CubeLut::readTable(std::istream& stream, LutHeader (*readHeader)(LineReader& text)) {
-  std::memset(lattice, 0, sizeof lattice);
+  if (status != statusUnloaded) std::memset(lattice, 0, sizeof lattice);  // a new object's is zero
   LineReader text(stream);
   const LutHeader header = readHeader(text);
   status = text.status;

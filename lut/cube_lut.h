@@ -23,7 +23,7 @@ struct LutHeader;
 class CubeLut {
  public:
   virtual ~CubeLut() = default;
-  CubeLut() = default;
+  CubeLut() {}  // not defaulted: make_unique would then clear the lattice, which operator new has done
   CubeLut(const CubeLut&) = delete;
   CubeLut& operator=(const CubeLut&) = delete;
 
@@ -32,8 +32,9 @@ class CubeLut {
   float fraction[256] = {};           ///< for a byte value: its position inside its lattice cell, from 0.0 to below 1.0
   int32_t cell[256] = {};             ///< for a byte value: the lattice index at the lower end of its cell
   /// [red][green][blue] of the point, then red, green, blue of its colour on a scale of 0.0 to 255.0, unclamped. The
-  /// strides are 65 points for any N, so that addresses are computed with constants.
-  float lattice[kLatticeStride][kLatticeStride][kLatticeStride][3] = {};
+  /// strides are 65 points for any N, so that addresses are computed with constants. Zero at first, by operator new, so
+  /// that a small table takes up memory only for its own points.
+  float lattice[kLatticeStride][kLatticeStride][kLatticeStride][3];
   /// Output has one byte per pixel: component 0 of the looked-up colour. For internal use. Kernels load four floats for
   /// the three of a point; for the last point the fourth is this flag and the padding after it.
   bool alphaMode = false;

@@ -66,4 +66,26 @@ TEST(Service, RendersAnHourOfFrames) {
   for (void* const handle : hdr) DestroyVideoAdjustColor(handle);
 }
 
+// Objects take up memory for what they use, not for what they could hold.
+TEST(Service, UsesLittleMemoryForObjectsOfAnySize) {
+  const test::LutFolder folder;
+  const test::TemporaryFile cube("33.cube", test::randomCube(33));
+  const auto hdr = [&](int width, int height) {
+    return CreateVideoAdjustColor(folder.path.c_str(), 0, 0, 0, width, height);
+  };
+  Destory3DLutColorAdjustEffect(Create3DLutColorAdjustEffect((folder.path + u"/look.cube").c_str(), 0, 0));
+  for (int i = 0; i < 2; ++i) DestroyVideoAdjustColor(hdr(1920, 1080));  // memory that has been freed is no excuse
+
+  long before = test::residentKiB();
+  void* const lut = Create3DLutColorAdjustEffect(cube.utf16().c_str(), 0, 0);
+  EXPECT_LE(test::residentKiB() - before, kMaxGrowthKiB * 3 / 2);
+  for (const auto& [width, height] : {std::pair{1920, 1080}, {7680, 4320}}) {
+    before = test::residentKiB();
+    void* const handle = hdr(width, height);
+    EXPECT_LE(test::residentKiB() - before, kMaxGrowthKiB) << width << " x " << height;
+    DestroyVideoAdjustColor(handle);
+  }
+  Destory3DLutColorAdjustEffect(lut);
+}
+
 }  // namespace
