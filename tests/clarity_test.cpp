@@ -133,6 +133,11 @@ TEST(Clarity, RejectsInvalidFramesAndKeepsTheDestination) {
     EXPECT_EQ(NLEPureCClarityProcess(c.handle, c.to, c.width, c.height, c.toStride, c.from, 16, 16, c.fromStride), 0);
   }
   EXPECT_EQ(dst.bytes, before);
+  // A negative stride means packed rows, as 0 does.
+  Frame tall = noiseFrame(16, 31), packed(16, 31), negative(16, 31);
+  NLEPureCClarityProcess(handle, packed.row(15), 16, 16, 0, tall.row(15), 0, 0, 0);
+  NLEPureCClarityProcess(handle, negative.row(15), 16, 16, -72, tall.row(15), 0, 0, -72);
+  EXPECT_EQ(negative.bytes, packed.bytes);
   DestoryNLEPureCClarity(nullptr);
   EXPECT_EQ(clarity.process(dst, src), 1);
 }
