@@ -3,15 +3,12 @@
 
 #include <dlfcn.h>
 #include <gtest/gtest.h>
-#include <sys/wait.h>
-#include <unistd.h>
 #ifdef __linux__
 #include <malloc.h>
 #endif
 #include <hwy/targets.h>
 
 #include <opencv2/core/utility.hpp>
-#include <thread>
 
 #define LUMVANE_TEST_NOT_LINKED
 #include "tests/effects.h"
@@ -22,11 +19,11 @@ namespace {
 constexpr const char* kLibrary = LUMVANE_TEST_LIBRARY;
 
 #if !defined(__OPTIMIZE__)  // here HDR takes seconds to load
-constexpr int kRounds = 20, kExits = 10;
+constexpr int kRounds = 20;
 #elif defined(LUMVANE_SANITIZED)  // memory is not measured: sanitizers keep freed blocks for a while
-constexpr int kRounds = 30, kExits = 60;
+constexpr int kRounds = 30;
 #else
-constexpr int kRounds = 40, kExits = 60;
+constexpr int kRounds = 40;
 #endif
 
 test::Library functionsOf(void* library) {
@@ -47,32 +44,6 @@ void returnLargeBlocksAtOnce() {
 #ifdef __GLIBC__
   mallopt(M_MMAP_THRESHOLD, 1 << 20);
 #endif
-}
-
-// exit() waits for the loops on the pool, not for whole frames: other threads still render while OpenCV ends, so the data
-// that they read must remain valid. One failure is allowed, because OpenCV's own data is destroyed too.
-TEST(Exit, MayHappenDuringFrames) {
-  const test::LutFolder folder;
-  int failures = 0;
-  for (int round = 0; round < kExits; ++round) {
-    const pid_t child = fork();
-    if (child == 0) {
-      alarm(60);
-      const test::Library functions = functionsOf(dlopen(kLibrary, RTLD_NOW | RTLD_LOCAL));
-      functions.DestroyVideoAdjustColor(functions.CreateVideoAdjustColor(folder.path.c_str(), 0, 0, 0, 8, 8));
-      for (int i = 0; i < 3; ++i) {
-        std::thread([&] {
-          for (;;) test::renderAll(functions, folder.path, 140, 100);
-        }).detach();
-      }
-      std::this_thread::sleep_for(std::chrono::milliseconds(20 + round % 20));
-      std::exit(0);
-    }
-    int status = 0;
-    waitpid(child, &status, 0);
-    failures += status != 0;
-  }
-  EXPECT_LE(failures, 1);
 }
 
 TEST(Reload, LeavesNothing) {

@@ -3,10 +3,13 @@
 #include <gtest/gtest.h>
 
 #include <barrier>
+#include <latch>
 #include <opencv2/core/utility.hpp>
 #include <thread>
 
+#include "base/parallel.h"
 #include "hdr/hdr_shared.h"
+#include "lut/blend_table.h"
 #include "tests/effects.h"
 
 namespace {
@@ -51,5 +54,40 @@ TEST(Threads, RenderSideBySide) {
     for (int i = 0; i < kThreads; ++i) EXPECT_TRUE(results[i] == render(i)) << "thread " << i;
   }
 }
+
+#ifndef _WIN32
+bool expectData = false;
+// Runs at the very end of exit(), when the data that frames read must still exist.
+[[gnu::destructor(101)]] void checkData() {
+  if (expectData && !(Lumvane::hdrDataLoaded() && Lumvane::acquireTable())) _exit(1);
+}
+
+// Calls exit() while another thread renders and 200 ms before a loop ends.
+[[noreturn]] void exitDuringLoops() {
+  Lumvane::allocateHdrData();
+  Lumvane::acquireTable();
+  expectData = true;
+  std::thread([] {
+    test::Bytes pixels(4 * 140 * 100);
+    for (;;) test::kLinked.clarity(30, 90)(pixels.data(), 0, pixels.data(), 0, 140, 100);
+  }).detach();
+  std::latch running(1);
+  std::thread([&running] {
+    Lumvane::runParallel(2, [&running](const cv::Range& range) {
+      if (range.start > 0) return;
+      running.count_down();
+      std::this_thread::sleep_for(std::chrono::milliseconds(200));
+      std::fputs("the loop is done", stderr);
+    });
+  }).detach();
+  running.wait();
+  std::exit(0);
+}
+
+TEST(Exit, WaitsForLoopsAndKeepsTheData) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");  // in a new process
+  EXPECT_EXIT(exitDuringLoops(), testing::ExitedWithCode(0), "the loop is done");
+}
+#endif
 
 }  // namespace
