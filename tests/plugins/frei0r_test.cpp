@@ -87,8 +87,8 @@ test::Bytes expected(const std::string& name, const test::Bytes& src, int width,
   test::Bytes from = src, dst(src.size());
   if (isLut) copyAlpha(from, test::Bytes(src.size(), 255));
   const test::Render render = isLut                       ? test::kLinked.grading(cube.utf16(), 57)
-                              : name == "lumvane_clarity" ? test::kLinked.clarity(14, 70)
-                                                          : test::kLinked.whiteBalance(0.4f, 0.14f);
+                              : name == "lumvane_clarity" ? test::kLinked.clarity(14, 29)
+                                                          : test::kLinked.whiteBalance(-0.42f, 0.14f);
   render(dst.data(), 0, from.data(), 0, width, height);
   if (isLut) copyAlpha(dst, src);
   return dst;
@@ -102,8 +102,8 @@ class EveryPlugin : public testing::TestWithParam<std::string> {
   void setParameters(Instance& instance) {
     const bool isLut = GetParam() == "lumvane_lut";
     if (isLut) instance.set(0, pathOf(cube));
-    if (!isLut) instance.set(0, 0.7);
-    instance.set(1, 0.57);  // times 100 or 200, this is slightly below a whole number
+    if (!isLut) instance.set(0, 0.29);
+    instance.set(1, 0.57);  // both times 100, and this one times 200, are slightly below a whole number
   }
 };
 INSTANTIATE_TEST_SUITE_P(, EveryPlugin, testing::Values("lumvane_lut", "lumvane_clarity", "lumvane_whitebalance"),
@@ -196,6 +196,9 @@ TEST_F(LutPlugin, ReadsItsFileOnlyWhenThePathChanges) {
   instance.set(0, "other.cube");
   instance.set(2, path);
   EXPECT_EQ(instance.update(src, 40, 30), graded) << "filename takes precedence over path";
+  f0r_param_string text = nullptr;
+  plugin.f0r_get_param_value(instance.handle, &text, 2);
+  EXPECT_EQ(text, path);
   instance.set(2, "");
   instance.update(src, 40, 30);
   instance.set(0, path);
