@@ -17,23 +17,26 @@ for needed in y4mdec capssetter videoconvert avenc_ffv1 matroskamux; do
 done
 "$host" hdr-luts --size 17 luts
 raw='-f rawvideo -pix_fmt yuv420p'
+mastering='mastering-display-info=(string)13250:34500:7500:3000:34000:16000:15635:16450:10000000:1'
 
 # Both kinds of strides: rows of a stream are packed, those that GStreamer allocates are multiples of 4 bytes.
 while read -r transfer range format width height in out tags; do
   "$host" hdr-clip --transfer "$transfer" --frames 3 --width "$width" --height "$height" clip.y4m
   "$host" hdr --luts luts --transfer "$transfer" --range "$range" clip.y4m right.y4m
-  gst-launch-1.0 -q filesrc location=clip.y4m ! y4mdec ! capssetter "caps=video/x-raw,colorimetry=$in" ! videoconvert ! \
+  timeout 60 gst-launch-1.0 -q filesrc location=clip.y4m ! y4mdec ! \
+    capssetter "caps=video/x-raw,colorimetry=$in,$mastering,content-light-level=(string)1000:400" ! videoconvert ! \
     "video/x-raw,format=$format" ! lumvanehdr luts=luts ! "video/x-raw,format=$format,colorimetry=$out" ! \
     videoconvert ! avenc_ffv1 ! matroskamux ! filesink location=out.mkv
   # shellcheck disable=SC2086  # a list of words
   for clip in out.mkv right.y4m; do ffmpeg -nostdin -v error -y -i $clip $raw $clip.raw; done
   cmp out.mkv.raw right.y4m.raw
-  [ "$(ffprobe -v error -show_entries stream=color_range,color_space,color_transfer,color_primaries -of csv=p=0 \
-    out.mkv)" = "$tags" ]
+  # The metadata of the HDR mastering is gone.
+  [ "$(ffprobe -v error -of csv=p=0 out.mkv -show_entries \
+    stream=color_range,color_space,color_transfer,color_primaries:stream_side_data=side_data_type)" = "$tags" ]
 done <<CASES
 hlg limited I420 161 91 bt2100-hlg bt709 tv,bt709,bt709,bt709
-pq limited YV12 320 90 bt2100-pq bt709 tv,bt709,bt709,bt709
-pq full I420 320 91 1:6:14:7 1:3:5:1 pc,bt709,bt709,bt709
+pq limited YV12 324 90 bt2100-pq bt709 tv,bt709,bt709,bt709
+pq full I420 324 91 1:6:14:7 1:3:5:1 pc,bt709,bt709,bt709
 hlg full YV12 161 90 1:6:15:7 1:3:5:1 pc,bt709,bt709,bt709
 pq limited I420 64 64 0:6:14:7 bt709 tv,bt709,bt709,bt709
 CASES

@@ -56,7 +56,7 @@ run_gst() {  # run_gst PLUGIN FIRST SECOND
     lumvane_clarity) set -- clarity intensity "$2" saturation "$3" ;;
     lumvane_whitebalance) set -- white-balance temperature "$2" tint "$3" ;;
   esac
-  gst-launch-1.0 -q filesrc location=clip.raw ! rawvideoparse format=bgra width=$width height=$height ! \
+  timeout 60 gst-launch-1.0 -q filesrc location=clip.raw ! rawvideoparse format=bgra width=$width height=$height ! \
     "frei0r-filter-lumvane-$1" "$2=$3" "$4=$5" ! filesink location=out.raw
 }
 

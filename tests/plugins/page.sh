@@ -71,7 +71,7 @@ for line in *.sh; do
     for element in $(grep -o 'frei0r-[a-z0-9-]*\|lumvanehdr\|x264enc\|capssetter' "$line") decodebin mp4mux avdec_h264; do
       gst-inspect-1.0 "$element" >/dev/null 2>&1 || continue 2
     done
-    sed -i 's/^gst-launch-1.0/& -q/; s/autovideosink/fakesink/' "$line"
+    sed -i 's/^gst-launch-1.0/timeout 60 & -q/; s/autovideosink/fakesink/' "$line"
   fi
   checked=$((checked + 1))
   rm -f out.mp4
