@@ -323,18 +323,6 @@ TEST_P(RowKernels, AgreeOnEveryColour) {
   }
 }
 
-// All pairs of bytes at all 256 weights, which the noise above and frames in place do not cover.
-TEST_P(RowKernels, FadeEveryPairOfBytes) {
-  Bytes src(65536), graded(65536);
-  for (size_t i = 0; i < src.size(); ++i) src[i] = static_cast<uint8_t>(i >> 8), graded[i] = static_cast<uint8_t>(i);
-  for (int t = 0; t < 256; t += test::kStep) {
-    Bytes expected = graded, found = graded;
-    plainGradeKernels.fade(blends(), t, src.data(), expected.data(), src.size() / 4);
-    gradeKernels().fade(blends(), t, src.data(), found.data(), src.size() / 4);
-    ASSERT_TRUE(found == expected) << t;
-  }
-}
-
 // Every difference whose weight is not 1, up to 1.1 because resampling may overshoot; then smaller ones of both signs,
 // down to those whose square underflows.
 TEST_P(RowKernels, RaiseEveryDetail) {
