@@ -44,8 +44,7 @@ for path in sys.argv[2:]:
     check(file, [effect.get("tag"), effect.get("id"), effect.findtext("name"), files - texts],
           [service, service, title, set()])
     # The factor divides what the panel shows, but not the default.
-    found = {p.get("name"): [float(p.get("default")), *(float(p.get(end)) / float(p.get("factor"))
-                                                        for end in ("min", "max"))]
+    found = {p.get("name"): [float(p.get("default")), float(p.get("min")), float(p.get("max")) / float(p.get("factor"))]
              for p in effect.iterfind("parameter[@type='animated']")}
     check(file, found, {name: [default, 0, 1] for name, (default, *_) in numbers.items()})
 
