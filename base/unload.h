@@ -7,9 +7,14 @@ namespace Lumvane {
 /// True once the process has begun to exit. exit() waits for parallel loops, but not for whole frames, so the data they
 /// read is released only when the library is unloaded.
 inline std::atomic<bool> processExiting = false;
-inline const struct ProcessExit {
-  ~ProcessExit() { processExiting = true; }
-} processExit;
+
+/// Makes exit() set processExiting. To be called before the first data that is released on unloading is made: nothing
+/// is registered when the library is loaded.
+inline void watchForExit() {
+  static const struct Watcher {
+    ~Watcher() { processExiting = true; }
+  } watcher;
+}
 
 /// Marks a function that runs when the library is unloaded. On unloading it runs before the destructors of static
 /// objects, but at process exit after them, so that `processExiting` tells the two apart. On Windows the library is not
@@ -19,13 +24,5 @@ inline const struct ProcessExit {
 #else
 #define LUMVANE_WHEN_UNLOADED [[gnu::destructor]]
 #endif
-
-/// An object that is constructed at compile time and never destroyed.
-template <class T>
-union NeverDestroyed {
-  T object;
-  constexpr NeverDestroyed() : object() {}
-  constexpr ~NeverDestroyed() {}
-};
 
 }  // namespace Lumvane

@@ -13,7 +13,12 @@ struct Transfer {
   HdrCache cache;
   bool ordinary = false;
 };
-constinit NeverDestroyed<Transfer[2]> transfers;  // HLG and PQ
+constinit Transfer* transfers = nullptr;  // HLG and PQ, once asked for
+
+Transfer& transferOf(bool pq) {
+  static Transfer* const both = (watchForExit(), transfers = new Transfer[2]);
+  return both[pq];
+}
 
 // The rows are contiguous and followed by one more float, so that kernels can use the lattice through a LatticeView.
 HdrLattice allocateLattice() {
@@ -36,27 +41,30 @@ void dropLattice(HdrLattice& lattice) {
 }
 
 LUMVANE_WHEN_UNLOADED void releaseHdrData() {
-  if (!processExiting) dropHdrData();
+  if (processExiting || transfers == nullptr) return;
+  dropHdrData();
+  delete[] transfers;
 }
 
 }  // namespace
 
 HdrTransferData hdrTransferData(bool pq) {
-  Transfer& transfer = transfers.object[pq];
+  Transfer& transfer = transferOf(pq);
   return {transfer.lattice, transfer.latticeSize, transfer.cache, transfer.ordinary};
 }
 
-bool hdrDataLoaded() { return transfers.object[0].lattice != nullptr && transfers.object[1].lattice != nullptr; }
+bool hdrDataLoaded() { return transferOf(false).lattice != nullptr && transferOf(true).lattice != nullptr; }
 
 void allocateHdrData() {
-  for (Transfer& transfer : transfers.object) {
-    if (transfer.lattice == nullptr) transfer.lattice = allocateLattice();
+  for (const bool pq : {false, true}) {
+    if (transferOf(pq).lattice == nullptr) transferOf(pq).lattice = allocateLattice();
   }
-  for (Transfer& transfer : transfers.object) transfer.cache.resize(kCacheEntries);
+  for (const bool pq : {false, true}) transferOf(pq).cache.resize(kCacheEntries);
 }
 
 void dropHdrData() {
-  for (Transfer& transfer : transfers.object) {
+  for (const bool pq : {false, true}) {
+    Transfer& transfer = transferOf(pq);
     dropLattice(transfer.lattice);
     transfer.latticeSize = 0;
     transfer.ordinary = false;

@@ -94,18 +94,17 @@ std::shared_ptr<const Table> buildTable() {
   return table;
 }
 
-constinit NeverDestroyed<std::shared_ptr<const Table>> theTable;
+constinit const std::shared_ptr<const Table>* theTable = nullptr;
 
 LUMVANE_WHEN_UNLOADED void releaseTable() {
-  if (!processExiting) theTable.object.reset();
+  if (!processExiting) delete theTable;
 }
 
 }  // namespace
 
 std::shared_ptr<const Table> acquireTable() {
-  static const bool built = (theTable.object = buildTable(), true);
-  static_cast<void>(built);
-  return theTable.object;
+  static const auto* const table = (watchForExit(), theTable = new std::shared_ptr(buildTable()));
+  return *table;
 }
 
 }  // namespace Lumvane
