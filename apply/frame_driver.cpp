@@ -12,11 +12,17 @@ namespace {
 constexpr int64_t kMaxPixelsOnCallingThread = 10000;
 constexpr int32_t kBands = 8;
 
+bool rowsOverlap(const cv::Mat& frame) {
+  const auto step = static_cast<ptrdiff_t>(frame.step[0]);
+  return frame.rows > 1 && std::abs(step) < static_cast<ptrdiff_t>(frame.cols * frame.elemSize());
+}
+
 template <class Worker>
 void run(Worker& worker, cv::Mat& dst, const cv::Mat& src, const LatticeView& lattice, const GradeKernels& kernels) {
   worker.dst = &dst;
   worker.src = &src;
-  worker.bands = isSmall(dst) ? 1 : kBands;
+  // Where rows of the destination overlap, the last one to be written must not depend on the threads.
+  worker.bands = isSmall(dst) || rowsOverlap(dst) ? 1 : kBands;
   worker.latticeSize = lattice.latticeSize;
   worker.fraction = lattice.fraction;
   worker.cell = lattice.cell;
@@ -24,11 +30,6 @@ void run(Worker& worker, cv::Mat& dst, const cv::Mat& src, const LatticeView& la
   worker.kernels = &kernels;
   if (worker.bands == 1) return worker(cv::Range(0, 1));
   runParallel(worker.bands, worker);
-}
-
-bool rowsOverlap(const cv::Mat& frame) {
-  const auto step = static_cast<ptrdiff_t>(frame.step[0]);
-  return frame.rows > 1 && std::abs(step) < static_cast<ptrdiff_t>(frame.cols * frame.elemSize());
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <opencv2/core/utility.hpp>
 
 #include "lumvane.h"
 #include "tests/inputs.h"
@@ -97,6 +98,26 @@ TEST(LutEffect, GradesInPlaceAtFullStrength) {
   effect.process(dst, src, 100);
   effect.process(src, src, 30);
   EXPECT_EQ(src.bytes, dst.bytes);
+}
+
+// Rows that overlap, as with a stride shorter than a row, are written from top to bottom.
+TEST(LutEffect, DoesNotDependOnThreadsWhereRowsOverlap) {
+  const TemporaryFile file("random.cube", test::randomCube(9));
+  const Effect effect(file.utf16());
+  const int before = cv::getNumThreads();
+  Frame src(200, 200);
+  src.fillWithNoise(2);
+  for (const int stride : {400, -400}) {
+    for (const int strength : {40, 100}) {
+      Frame dst(200, 200, stride), expected = dst;
+      cv::setNumThreads(1);
+      effect.process(expected, src, strength);
+      cv::setNumThreads(3);
+      effect.process(dst, src, strength);
+      EXPECT_EQ(dst.bytes, expected.bytes) << "stride " << stride << ", strength " << strength;
+    }
+  }
+  cv::setNumThreads(before);
 }
 
 }  // namespace
