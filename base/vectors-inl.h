@@ -14,6 +14,10 @@
 #include <cstddef>
 #include <cstdint>
 
+#if defined(__FAST_MATH__) || __FINITE_MATH_ONLY__ || defined(__ASSOCIATIVE_MATH__) || defined(__RECIPROCAL_MATH__)
+#error "Kernels need each float operation as written: no -ffast-math, nor a part of it. See cmake/CompilerFlags.cmake."
+#endif
+
 // Without vectors, the plain forms of the kernels are used.
 #undef LUMVANE_HAVE_VECTORS
 #if HWY_TARGET != HWY_SCALAR && HWY_TARGET != HWY_EMU128

@@ -112,7 +112,9 @@ void reportFrames(const Report& report, const std::string& name, const std::vect
     render(inPlace.data(), 0, inPlace.data(), 0, width, height);
     reportBytes(report, where + ", in place", inPlace);
     for (const auto& [srcPadding, dstPadding] : paddings) {
-      const auto stride = [&](int padding) { return padding == 0 ? 0 : (padding < 0 ? -4 : 4) * width + padding; };
+      const auto stride = [width = width](int padding) {
+        return padding == 0 ? 0 : (padding < 0 ? -4 : 4) * width + padding;
+      };
       Frame src(width, height, stride(srcPadding)), dst(width, height, stride(dstPadding));
       src.fill(pixels);
       render(dst.data(), dst.stride, src.data(), src.stride, width, height);
