@@ -10,21 +10,22 @@
  *          negative strides mean depends on the effect:
  *                            0               negative
  *            LUT grading     packed rows     bottom-up frame: the pointer is that of the top row of the picture, which
- *                                            has the highest address
+ *                                            has the highest address. Strides shorter than a row are taken as they
+ *                                            are: rows that overlap are written from top to bottom
  *            clarity         packed rows     packed rows: a bottom-up frame has to be flipped first
  *            HDR             always the real distance, also for packed rows
  *            white balance   has no strides: rows are always packed
  * Threads  A handle serves one thread at a time, any thread. Different handles can be used concurrently. Large frames
  *          are divided among OpenCV's worker threads; a call returns when all its work is done. cv::setNumThreads sets
- *          their number at any time; on Linux a host in C gets its address with dlsym(RTLD_DEFAULT,
- *          "_ZN2cv13setNumThreadsEi"), or with the handle from dlopen. By default there is one per processor, on Linux
- *          limited by the main thread's CPU affinity (taskset, sched_setaffinity) at the first frame or HDR object. The
- *          environment variable OPENCV_FOR_THREADS_NUM sets their number on Windows, where OpenCV is inside the DLL;
- *          with Debian's OpenCV it has no effect. If threads cannot be started, all work is done on the calling
- *          threads: to see whether they can, the library starts threads of its own for a moment, at the first frame or
- *          HDR object. On Linux, exit() may be called while other threads are in a call: it waits up to one second for
- *          their worker threads, and the rest of those calls runs on the calling threads. Never unload the library
- *          during a call.
+ *          their number, between calls, while no call of any thread is in progress; on Linux a host in C gets its
+ *          address with dlsym(RTLD_DEFAULT, "_ZN2cv13setNumThreadsEi"), or with the handle from dlopen. By default
+ *          there is one per processor, on Linux limited by the main thread's CPU affinity (taskset, sched_setaffinity)
+ *          at the first frame or HDR object. The environment variable OPENCV_FOR_THREADS_NUM sets their number on
+ *          Windows, where OpenCV is inside the DLL; with Debian's OpenCV it has no effect. If threads cannot be
+ *          started, all work is done on the calling threads: on Linux the library finds out by starting threads of its
+ *          own, which end before the call does, at the first frame or HDR object. On Linux, exit() may be called while
+ *          other threads are in a call: it waits up to one second for their worker threads, and the rest of those calls
+ *          runs on the calling threads. Never unload the library during a call.
  * Bytes    The same input gives the same bytes on every processor and system, with any number of threads, in any locale
  *          and in any floating-point mode of the calling thread (rounding, flushed denormals, traps). The mode is
  *          restored before the call returns.
@@ -79,16 +80,17 @@ extern "C" {
  * Caution        1D LUTs and shaper curves are not supported. A .cube file with one before its 3D table loads with the
  *                curve's rows as the first rows of the table, and grades wrongly. The entries of the mesh line of a
  *                .3dl file are only counted; the mesh is always treated as evenly spaced.
- * Cost           Reads the whole table: 5 to 10 ms for 65 points per axis. 3.3 MB of memory per handle, whatever the
- *                size of the table.
+ * Cost           Reads the whole table: 5 to 10 ms for 65 points per axis. 1 MB of memory per handle for 33 points per
+ *                axis, 3.3 MB for 65.
  */
 LUMVANE_API void* Create3DLutColorAdjustEffect(const char16_t* lutPath, int32_t width, int32_t height);
 
 /* Grades one frame.
  *
  * The colour bytes of a pixel are looked up in the table as they are. To each result, on the scale of 0 to 255, 0.5 is
- * added, and the sum is rounded to nearest, ties to even, and clamped: 10.2 gives 11, 10 stays, 11 becomes 12. This
- * byte is multiplied by the pixel's alpha / 255, rounded to nearest, and blended with the source by the strength:
+ * added, and the sum is rounded to nearest, ties to even, and clamped: 10.2 gives 11, 10 stays, 11 becomes 12. NaN and
+ * results of 2^31 and more give 0. This byte is multiplied by the pixel's alpha / 255, rounded to nearest, and blended
+ * with the source by the strength:
  *   destination = (source * (255 - s) + graded * s) / 255, truncated, with s = strength * 255 / 100, truncated.
  * The alpha of the source reaches the destination unchanged.
  *
@@ -217,7 +219,8 @@ LUMVANE_API bool WhiteBalanceFun(const uint8_t* src, uint8_t* dst, float reserve
  *                the system has too many files open, for a negative width or height, and for frames of 2^29 pixels or
  *                more. If the first call throws, the next one tries to load the files again.
  * Cost           The first call reads both files: about 0.05 s for two of 65 points. The results and tables, 108 MB,
- *                stay until the library is unloaded. Each handle takes 8 bytes per pixel (17 MB at 1920 x 1080).
+ *                stay until the library is unloaded. Each handle reserves 8 bytes of address space per pixel; large
+ *                frames use only some rows of that (0.2 MB at 1920 x 1080), unless source and destination overlap.
  */
 LUMVANE_API void* CreateVideoAdjustColor(const char16_t* lutDirectory, int32_t reservedMode, int32_t limitedRange,
                                          int32_t usePq, int32_t width, int32_t height);

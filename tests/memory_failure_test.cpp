@@ -154,17 +154,19 @@ TEST_P(MemoryFailure, ReachesTheCaller) {
 }
 
 #ifdef LUMVANE_OWN_MALLOC  // sanitizers need file descriptors themselves
-TEST(HdrFirstCreate, IsTriedAgainAfterNoFileCouldBeOpened) {
+TEST(HdrFirstCreate, IsTriedAgainWithoutFilesOrPages) {
   frames();
-  Lumvane::dropHdrData();
-  rlimit limit;
-  getrlimit(RLIMIT_NOFILE, &limit);
-  const rlimit none = {0, limit.rlim_max};
-  setrlimit(RLIMIT_NOFILE, &none);
-  EXPECT_THROW(kHdr.create(frames()), std::bad_alloc);
-  setrlimit(RLIMIT_NOFILE, &limit);
-  kHdr.destroy(kHdr.create(frames()));
-  EXPECT_GT(Lumvane::hdrTransferData(true).latticeSize, 0);
+  for (const auto resource : {RLIMIT_NOFILE, RLIMIT_AS}) {
+    Lumvane::dropHdrData();
+    rlimit limit;
+    getrlimit(resource, &limit);
+    const rlimit none = {0, limit.rlim_max};
+    setrlimit(resource, &none);
+    EXPECT_THROW(kHdr.create(frames()), std::bad_alloc);
+    setrlimit(resource, &limit);
+    kHdr.destroy(kHdr.create(frames()));
+    EXPECT_GT(Lumvane::hdrTransferData(true).latticeSize, 0);
+  }
 }
 
 // Renders in a new process, where allocation `which` of the first call fails; 0: no thread can be created; negative:
