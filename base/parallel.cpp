@@ -2,13 +2,12 @@
 //
 // TBB, which is OpenCV's pool on Linux, ends the process when it cannot create a thread, and creates each one only when
 // there is work for it. So before the first loop the library finds out whether the process can have these threads, and
-// then makes the pool create them all:
+// then makes the pool create them:
 //
-// - canHaveThreads() creates as many of its own and allocates some memory beside them. Where that fails, no loop of the
-//   process ever uses the pool: a limit that has been reached once will be reached again. On Windows the pool is
-//   OpenCV's own, which gets by with the threads it has, and waiting for a new one could last as long as another DLL's
-//   DllMain: nothing is tried there.
-// - Rendezvous is a loop that keeps each thread until all have come. Threads that come later work from then on.
+// - canHaveThreads() creates as many of its own, beside some memory. Where that fails, no loop of the library ever uses
+//   the pool: a limit that has been reached once may be reached again. On Windows nothing is tried: there the pool is
+//   OpenCV's own, which gets by with the threads it has, and a new one waits as long as another DLL's DllMain runs.
+// - Rendezvous is a loop that keeps each thread until all have come, for 20 ms at most. Later ones work from then on.
 //
 // All this is done on the calling thread, however long it takes. A thread made for it would free OpenCV's data of that
 // thread as it ends, which ends the process if memory is short, and it could outlive the call and so the library.
@@ -16,16 +15,16 @@
 // A pool that throws while it starts is not used again either, because its next loop could wait forever.
 #include "base/parallel.h"
 
-#include <pthread.h>
-
 #include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <latch>
 #include <mutex>
-#include <new>
 #include <thread>
 #include <vector>
+#ifndef _WIN32
+#include <pthread.h>
+#endif
 
 #include "base/default_float_mode.h"
 #include "base/unload.h"
@@ -38,14 +37,14 @@ constexpr size_t kMemoryOfPool = size_t{1} << 20;  // bytes; several times what 
 
 std::atomic<int> activePoolUses = 0;
 
-// While one exists, exit() waits before it shuts OpenCV down. There is no pool for one that is made after that.
+// While one exists, exit() waits before it shuts OpenCV down. One made after that finds processExiting set.
 struct PoolInUse {
   PoolInUse() { ++activePoolUses; }
   ~PoolInUse() { --activePoolUses; }
 };
 
 // Constructed once the pool runs, so destroyed before anything that OpenCV created for it. A child process forked while
-// loops run inherits their count but not their threads: hence the limit. On Windows the threads have ended by then.
+// loops run inherits their count but not their threads: hence kExitTimeout. On Windows the threads have ended by then.
 struct PoolShutdown {
   ~PoolShutdown() {
     processExiting = true;
@@ -85,14 +84,12 @@ void* waitFor(void* latch) { return static_cast<std::latch*>(latch)->wait(), nul
 
 bool canHaveThreads(int count) {
   std::latch tried(1);
-  std::vector<pthread_t> threads(static_cast<size_t>(count));
-  size_t started = 0;
-  while (started < threads.size() && pthread_create(&threads[started], nullptr, waitFor, &tried) == 0) ++started;
-  void* const memory = operator new(kMemoryOfPool, std::nothrow);
-  operator delete(memory);
+  std::vector<pthread_t> threads(kMemoryOfPool / sizeof(pthread_t));  // far more than it holds: this is the memory
+  int started = 0;
+  while (started < count && pthread_create(&threads[started], nullptr, waitFor, &tried) == 0) ++started;
   tried.count_down();
-  for (size_t i = 0; i < started; ++i) pthread_join(threads[i], nullptr);
-  return memory != nullptr && started == threads.size();
+  for (int i = 0; i < started; ++i) pthread_join(threads[i], nullptr);
+  return started == count;
 }
 #endif
 
@@ -106,17 +103,19 @@ std::mutex startMutex;
 std::atomic<int> startedThreads = 0;
 std::atomic<bool> refused = false;
 
-void startPool() noexcept try {
+void startPool() noexcept {
   const std::lock_guard lock(startMutex);
-  const int count = threadsToStart();
-  if (refused || count <= startedThreads) return;
-  refused = !canHaveThreads(count - 1);
-  if (refused) return;
-  cv::parallel_for_(cv::Range(0, count), Rendezvous(count), count);
-  static const PoolShutdown end;
-  startedThreads = count;
-} catch (...) {
-  refused = true;
+  try {
+    const int count = threadsToStart();
+    if (refused || count <= startedThreads) return;
+    refused = !canHaveThreads(count - std::max<int>(startedThreads, 1));
+    if (refused) return;
+    cv::parallel_for_(cv::Range(0, count), Rendezvous(count), count);
+    static const PoolShutdown end;
+    startedThreads = count;
+  } catch (...) {
+    refused = true;
+  }
 }
 
 }  // namespace

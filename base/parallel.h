@@ -7,7 +7,7 @@ namespace Lumvane {
 
 /// Returns the number of threads that run loops, 1 or more: cv::getNumThreads(), which must not be called earlier. The
 /// host may change it between two calls. The first call starts OpenCV's pool; if the process cannot have its threads,
-/// all loops of the process run on the threads that call them, and the result is 1.
+/// all loops of the library run on the threads that call them, and the result is 1.
 int poolThreads() noexcept;
 
 /// Calls `body` for ranges that together cover 0 to count - 1, on OpenCV's threads, and returns when all are done.

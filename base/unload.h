@@ -8,8 +8,8 @@ namespace Lumvane {
 /// read is released only when the library is unloaded.
 inline std::atomic<bool> processExiting = false;
 
-/// Makes exit() set processExiting. To be called before the first data that is released on unloading is made: nothing
-/// is registered when the library is loaded.
+/// Makes exit() set processExiting. To be called whenever a handle is created, since loading the library registers
+/// nothing.
 inline void watchForExit() {
   static const struct Watcher {
     ~Watcher() { processExiting = true; }

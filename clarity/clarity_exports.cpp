@@ -2,6 +2,7 @@
 
 #include "base/default_float_mode.h"
 #include "base/keep_loaded.h"
+#include "base/unload.h"
 #include "clarity/nle_pure_c_clarity.h"
 #include "lumvane.h"
 
@@ -11,6 +12,7 @@ using Lumvane::NLEPureCClarity;
 
 void* CreateNLEPureCClarity(int32_t width, int32_t height, int32_t reserved, int32_t saturation, int32_t intensity) {
   Lumvane::keepLoaded();
+  Lumvane::watchForExit();
   std::unique_ptr<NLEAdjustColorEffect> effect = std::make_unique<NLEPureCClarity>(nullptr);
   return effect->Init(width, height, reserved, saturation, intensity) == 0 ? effect.release() : nullptr;
 }

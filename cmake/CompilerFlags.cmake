@@ -7,7 +7,7 @@ endif()
 # The bytes of a frame must not depend on the flags of a parent project, nor on the processor: no fast arithmetic, not
 # even in the start-up code that the linker would add for it, and no fused multiply-add.
 add_compile_options(-fno-fast-math -ffp-contract=off)
-add_link_options(-fno-fast-math -fno-unsafe-math-optimizations)
+add_link_options(-O2 -fno-fast-math -fno-unsafe-math-optimizations)  # -O2 takes back -Ofast
 # Without errno the rounding conversions compile to single instructions; the values are the same.
 add_compile_options(-fno-math-errno)
 # With interprocedural register allocation GCC omits vzeroupper before a jump to a kernel's scalar form. SSE code that

@@ -2,6 +2,7 @@
 
 #include "base/default_float_mode.h"
 #include "base/keep_loaded.h"
+#include "base/unload.h"
 #include "hdr/hdr_frame.h"
 #include "hdr/hdr_load.h"
 #include "lumvane.h"
@@ -12,6 +13,7 @@ void* CreateVideoAdjustColor(const char16_t* lutDirectory, int32_t reservedMode,
                              int32_t width, int32_t height) {
   const Lumvane::DefaultFloatMode floatMode;
   Lumvane::keepLoaded();
+  Lumvane::watchForExit();
   return Lumvane::createVideoAdjustColor(lutDirectory, reservedMode, limitedRange, usePq, width, height).release();
 }
 

@@ -16,7 +16,7 @@ struct Transfer {
 constinit Transfer* transfers = nullptr;  // HLG and PQ, once asked for
 
 Transfer& transferOf(bool pq) {
-  static Transfer* const both = (watchForExit(), transfers = new Transfer[2]);
+  static Transfer* const both = transfers = new Transfer[2];
   return both[pq];
 }
 

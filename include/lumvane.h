@@ -22,10 +22,10 @@
  *          there is one per processor, on Linux limited by the main thread's CPU affinity (taskset, sched_setaffinity)
  *          at the first frame or HDR object. The environment variable OPENCV_FOR_THREADS_NUM sets their number on
  *          Windows, where OpenCV is inside the DLL; with Debian's OpenCV it has no effect. If threads cannot be
- *          started, all work is done on the calling threads: on Linux the library finds out by starting threads of its
- *          own, which end before the call does, at the first frame or HDR object. On Linux, exit() may be called while
- *          other threads are in a call: it waits up to one second for their worker threads, and the rest of those calls
- *          runs on the calling threads. Never unload the library during a call.
+ *          started, all work is done on the calling threads: on Linux the first frame or HDR object finds this out by
+ *          starting threads of its own, which end before that call returns. On Linux, exit() may be called while other
+ *          threads are in a call: it waits up to one second for their worker threads, and the rest of those calls runs
+ *          on the calling threads. Never unload the library during a call.
  * Bytes    The same input gives the same bytes on every processor and system, with any number of threads, in any locale
  *          and in any floating-point mode of the calling thread (rounding, flushed denormals, traps). The mode is
  *          restored before the call returns.
@@ -81,7 +81,7 @@ extern "C" {
  *                curve's rows as the first rows of the table, and grades wrongly. The entries of the mesh line of a
  *                .3dl file are only counted; the mesh is always treated as evenly spaced.
  * Cost           Reads the whole table: 5 to 10 ms for 65 points per axis. 1 MB of memory per handle for 33 points per
- *                axis, 3.3 MB for 65.
+ *                axis, 3.3 MB for 65 and wherever the process has freed as much before.
  */
 LUMVANE_API void* Create3DLutColorAdjustEffect(const char16_t* lutPath, int32_t width, int32_t height);
 
@@ -220,7 +220,8 @@ LUMVANE_API bool WhiteBalanceFun(const uint8_t* src, uint8_t* dst, float reserve
  *                more. If the first call throws, the next one tries to load the files again.
  * Cost           The first call reads both files: about 0.05 s for two of 65 points. The results and tables, 108 MB,
  *                stay until the library is unloaded. Each handle reserves 8 bytes of address space per pixel; large
- *                frames use only some rows of that (0.2 MB at 1920 x 1080), unless source and destination overlap.
+ *                frames use only some rows of that (below 0.5 MB at 1920 x 1080), unless source and
+ *                destination overlap.
  */
 LUMVANE_API void* CreateVideoAdjustColor(const char16_t* lutDirectory, int32_t reservedMode, int32_t limitedRange,
                                          int32_t usePq, int32_t width, int32_t height);

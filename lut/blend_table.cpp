@@ -103,7 +103,7 @@ LUMVANE_WHEN_UNLOADED void releaseTable() {
 }  // namespace
 
 std::shared_ptr<const Table> acquireTable() {
-  static const auto* const table = (watchForExit(), theTable = new std::shared_ptr(buildTable()));
+  static const auto* const table = theTable = new std::shared_ptr(buildTable());
   return *table;
 }
 

@@ -33,7 +33,7 @@ class CubeLut {
   int32_t cell[256] = {};             ///< for a byte value: the lattice index at the lower end of its cell
   /// [red][green][blue] of the point, then red, green, blue of its colour on a scale of 0.0 to 255.0, unclamped. The
   /// strides are 65 points for any N, so that addresses are computed with constants. Zero at first, by operator new, so
-  /// that a small table takes up memory only for its own points.
+  /// that a small table takes up memory for its own points only, in a new block.
   float lattice[kLatticeStride][kLatticeStride][kLatticeStride][3];
   /// Output has one byte per pixel: component 0 of the looked-up colour. For internal use. Kernels load four floats for
   /// the three of a point; for the last point the fourth is this flag and the padding after it.

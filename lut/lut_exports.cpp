@@ -2,6 +2,7 @@
 
 #include "base/default_float_mode.h"
 #include "base/keep_loaded.h"
+#include "base/unload.h"
 #include "lumvane.h"
 #include "lut/color_lut3d_adjust_effect.h"
 
@@ -11,6 +12,7 @@ void* Create3DLutColorAdjustEffect(const char16_t* lutPath, int32_t width, int32
   if (lutPath == nullptr) return nullptr;
   const Lumvane::DefaultFloatMode floatMode;
   Lumvane::keepLoaded();
+  Lumvane::watchForExit();
   auto effect = std::make_unique<ColorLut3dAdjustEffect>(lutPath, width, height);
   return effect->init() ? effect.release() : nullptr;
 }

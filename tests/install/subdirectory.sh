@@ -10,11 +10,18 @@ project(Parent LANGUAGES C CXX)
 add_compile_options(-ffast-math)
 add_subdirectory($1 lumvane)
 END
-cmake -G Ninja -S "$folder" -B "$folder/build" -DCMAKE_CXX_FLAGS=-ffast-math -DCMAKE_EXPORT_COMPILE_COMMANDS=ON
+cmake -G Ninja -S "$folder" -B "$folder/build" -DCMAKE_CXX_FLAGS="-Ofast -ffast-math" -DCMAKE_EXPORT_COMPILE_COMMANDS=ON
 DESTDIR=$folder/stage cmake --install "$folder/build"
 [ ! -e "$folder/stage" ] || { find "$folder/stage"; exit 1; }
 commands=$(grep '"command"' "$folder/build/compile_commands.json")
 echo "$commands" | grep -q -- '-ffast-math'
 ! echo "$commands" | grep -v -- '-fno-fast-math -ffp-contract=off' | grep . || exit 1
 ! echo "$commands" | grep -- '-fno-fast-math.* -ffast-math' || exit 1
-grep -q 'LINK_FLAGS = .*-fno-fast-math' "$folder/build/build.ninja"
+# The linker adds no start-up code that changes the floating-point mode of the process.
+flags=$(sed -n 's/^ *LINK_FLAGS = //p' "$folder/build/build.ninja")
+# shellcheck disable=SC2086  # a list of words
+c++ -Ofast -ffast-math $flags -shared -fPIC -x c++ /dev/null -o "$folder/probe.so"
+! nm "$folder/probe.so" | grep set_fast_math || exit 1
+
+cmake -S "$folder" -B "$folder/build" -DLUMVANE_INSTALL=ON
+grep -q lumvane.h "$folder/build/lumvane/cmake_install.cmake"
