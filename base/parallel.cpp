@@ -33,7 +33,7 @@ namespace Lumvane {
 namespace {
 
 constexpr std::chrono::milliseconds kRendezvousTimeout(20), kExitTimeout(1000);
-constexpr size_t kMemoryOfPool = size_t{1} << 20;  // bytes; several times what the start has been seen to take
+constexpr size_t kMemoryOfPool = size_t{1} << 20;  // bytes; no start failed in trials with this much
 
 std::atomic<int> activePoolUses = 0;
 
