@@ -1,4 +1,4 @@
-// All effects, called as by a host: only through the functions of lumvane.h.
+// The effects on frames of the tests, with LUT files.
 #pragma once
 
 #include <filesystem>
@@ -7,51 +7,37 @@
 #include <memory>
 #include <string>
 
-#include "lumvane.h"
+#include "tests/effect_list.h"
 #include "tests/inputs.h"
 #include "tests/yv12.h"
 
 namespace test {
 
+#ifndef LUMVANE_TEST_NOT_LINKED
 /// Renders a BGRA frame; strides as the effect defines them. Both frames have the same size.
 using Render =
     std::function<void(uint8_t* dst, int dstStride, const uint8_t* src, int srcStride, int width, int height)>;
 
-/// The functions of lumvane.h, either linked or looked up by name.
-struct Library {
-#define LUMVANE_EXPORT(name) decltype(&::name) name = nullptr;
-#include "cmake/exports.inc"
-#undef LUMVANE_EXPORT
-
-  Render grading(const std::u16string& path, int strength) const {
-    const auto process = Lut3DColorAdjustEffectProcess;
-    const std::shared_ptr<void> effect(Create3DLutColorAdjustEffect(path.c_str(), 0, 0), Destory3DLutColorAdjustEffect);
-    return [=](uint8_t* dst, int dstStride, const uint8_t* src, int srcStride, int width, int height) {
-      process(effect.get(), dst, width, height, dstStride, src, 0, 0, srcStride, strength);
-    };
-  }
-  /// Creates a new effect for each frame, for `side` by `side` pixels, or for the size of the frame if `side` is 0.
-  Render clarity(int saturation, int intensity, int side = 0) const {
-    return [=, *this](uint8_t* dst, int dstStride, const uint8_t* src, int srcStride, int width, int height) {
-      void* const effect =
-          CreateNLEPureCClarity(side == 0 ? width : side, side == 0 ? height : side, 0, saturation, intensity);
-      NLEPureCClarityProcess(effect, dst, width, height, dstStride, src, 0, 0, srcStride);
-      DestoryNLEPureCClarity(effect);
-    };
-  }
-  Render whiteBalance(float temperature, float tint) const {
-    return [=, balance = WhiteBalanceFun](uint8_t* dst, int, const uint8_t* src, int, int width, int height) {
-      balance(src, dst, 0.0f, 0.0f, 0.0f, temperature, tint, width, height);
-    };
-  }
-};
-
-#ifndef LUMVANE_TEST_NOT_LINKED
-inline const Library kLinked = {
-#define LUMVANE_EXPORT(name) ::name,
-#include "cmake/exports.inc"
-#undef LUMVANE_EXPORT
-};
+inline Render grading(const std::u16string& path, int strength) {
+  const std::shared_ptr<void> effect(Create3DLutColorAdjustEffect(path.c_str(), 0, 0), Destory3DLutColorAdjustEffect);
+  return [=](uint8_t* dst, int dstStride, const uint8_t* src, int srcStride, int width, int height) {
+    Lut3DColorAdjustEffectProcess(effect.get(), dst, width, height, dstStride, src, 0, 0, srcStride, strength);
+  };
+}
+/// Creates a new effect for each frame, for `side` by `side` pixels, or for the size of the frame if `side` is 0.
+inline Render clarity(int saturation, int intensity, int side = 0) {
+  return [=](uint8_t* dst, int dstStride, const uint8_t* src, int srcStride, int width, int height) {
+    void* const effect =
+        CreateNLEPureCClarity(side == 0 ? width : side, side == 0 ? height : side, 0, saturation, intensity);
+    NLEPureCClarityProcess(effect, dst, width, height, dstStride, src, 0, 0, srcStride);
+    DestoryNLEPureCClarity(effect);
+  };
+}
+inline Render whiteBalance(float temperature, float tint) {
+  return [=](uint8_t* dst, int, const uint8_t* src, int, int width, int height) {
+    WhiteBalanceFun(src, dst, 0.0f, 0.0f, 0.0f, temperature, tint, width, height);
+  };
+}
 #endif
 
 /// LUT files in their own folder: look.cube, look.3dl, tiny.cube, and the two for HDR.
@@ -87,26 +73,22 @@ class LutFolder {
   const std::u16string path = hdr_.folder();
 };
 
-/// Loads every effect, renders a frame of noise and returns all outputs concatenated; without HDR if its functions are
-/// missing.
+/// Loads every effect, renders a frame of noise with each variant and returns all outputs concatenated.
 inline Bytes renderAll(const Library& lib, const std::u16string& folder, int width, int height) {
-  const Bytes src = noise(size_t{4} * width * height, 1);
+  const Bytes noisy = noise(size_t{4} * width * height, 1);
   Bytes result;
-  const auto append = [&](const Bytes& frame) { result.insert(result.end(), frame.begin(), frame.end()); };
-  for (const Render& render :
-       {lib.grading(folder + u"/look.cube", 40), lib.grading(folder + u"/look.3dl", 100),
-        lib.grading(folder + u"/tiny.cube", 100), lib.clarity(30, 90), lib.whiteBalance(0.21f, -0.13f)}) {
-    Bytes dst(src.size());
-    render(dst.data(), 0, src.data(), 0, width, height);
-    append(dst);
-  }
-  for (int flags = 0; flags < 4 && lib.CreateVideoAdjustColor != nullptr; ++flags) {
-    void* const hdr = lib.CreateVideoAdjustColor(folder.c_str(), 0, flags & 1, flags & 2, width, height);
-    Yv12Frame frame(width, height);
-    frame.fill(src);
-    frame.processTo(frame, hdr, 0, lib.VideoAdjustColorProcess);
-    append(frame.packed());
-    lib.DestroyVideoAdjustColor(hdr);
+  for (const Effect& effect : kEffects) {
+    for (int variant = 0; variant < effect.variants; ++variant) {
+      Yv12Frame planes(width, height), dstPlanes = planes;
+      planes.fill(noisy);
+      Bytes src = noisy, dst(src.size());
+      void* const object = effect.create(lib, folder, variant, width, height);
+      effect.render(lib, object, variant, effect.isYv12 ? dstPlanes.pixels() : Pixels{{dst.data()}, {}},
+                    effect.isYv12 ? planes.pixels() : Pixels{{src.data()}, {}}, width, height);
+      effect.destroy(lib, object);
+      if (effect.isYv12) dst = dstPlanes.packed();
+      result.insert(result.end(), dst.begin(), dst.end());
+    }
   }
   return result;
 }

@@ -56,11 +56,11 @@ INSTANTIATE_TEST_SUITE_P(On, GuardPages, test::everyTarget(), test::targetName);
 TEST_P(GuardPages, BoundFrames) {
   const test::TemporaryFile file("negative.cube", test::negativeCube());
   for (const int strength : {50, 100}) {
-    expectAccessWithinRows(kDownwards, test::kLinked.grading(file.utf16(), strength));
-    expectAccessWithinRows(kUpwards, test::kLinked.grading(file.utf16(), strength));
+    expectAccessWithinRows(kDownwards, test::grading(file.utf16(), strength));
+    expectAccessWithinRows(kUpwards, test::grading(file.utf16(), strength));
   }
-  expectAccessWithinRows(kDownwards, test::kLinked.clarity(40, 80));
-  expectAccessWithinRows({kDownwards[0], kDownwards[1]}, test::kLinked.whiteBalance(0.2f, -0.1f));
+  expectAccessWithinRows(kDownwards, test::clarity(40, 80));
+  expectAccessWithinRows({kDownwards[0], kDownwards[1]}, test::whiteBalance(0.2f, -0.1f));
 }
 
 using Planes = test::Yv12<GuardedPlane>;  // each plane between its own inaccessible pages

@@ -136,7 +136,7 @@ TEST(ThreadPool, MayStartInAnotherFloatMode) {
   std::fesetround(FE_UPWARD);
   cv::parallel_for_(cv::Range(0, 64), [](const cv::Range&) {});
   std::fesetround(FE_TONEAREST);
-  const test::Render grade = test::kLinked.grading(folder.path + u"/look.cube", 100);
+  const test::Render grade = test::grading(folder.path + u"/look.cube", 100);
   const test::Bytes src = test::noise(size_t{4} * 300 * 300, 1);
   test::Bytes whole(src.size()), byRow(src.size());
   grade(whole.data(), 0, src.data(), 0, 300, 300);

@@ -23,7 +23,6 @@ namespace {
 
 using test::Bytes;
 using test::Frame;
-using test::kLinked;
 using test::Plane;
 using test::Render;
 using test::Values;
@@ -130,21 +129,21 @@ void reportLut(const Report& report, const std::string& lut, const std::u16strin
   for (const int strength : {50, 100}) {
     if (!kAllColours || (strength == 50 && !inDetail)) continue;
     reportBytes(report, words(name, ", all colours, strength ", strength),
-                rendered(kSide, kSide, allColours(), kLinked.grading(path, strength)));
+                rendered(kSide, kSide, allColours(), test::grading(path, strength)));
   }
   for (const int strength : {1, 99, 100}) {
     if (!inDetail) break;
-    reportFrames(report, words(name, ", strength ", strength), kSizes, kLinked.grading(path, strength),
+    reportFrames(report, words(name, ", strength ", strength), kSizes, test::grading(path, strength),
                  {{12, 0}, {0, 5}, {-4, 7}, {-1, -64}});
   }
   Bytes all;
   for (int strength = -1; strength <= 102 && inDetail; ++strength) {
-    add(all, rendered(64, 33, picture(64, 33), kLinked.grading(path, strength)));
+    add(all, rendered(64, 33, picture(64, 33), test::grading(path, strength)));
   }
   if (inDetail) reportBytes(report, name + ", every strength", all);
   // Overlapping frames, the destination one row above the source; small, because parallel bands would race.
   Bytes both = picture(40, 31);
-  kLinked.grading(path, 30)(both.data(), 0, &both[160], 0, 40, 30);
+  test::grading(path, 30)(both.data(), 0, &both[160], 0, 40, 30);
   reportBytes(report, name + ", a row apart", both);
 }
 
@@ -193,11 +192,10 @@ void reportLuts(const Report& report) {
 
 void reportClarity(const Report& report) {
   for (const int saturation : {-100, 0, 37, 100}) {
-    reportFrames(report, words("clarity, saturation ", saturation), {{101, 100}}, kLinked.clarity(saturation, 0, 64),
-                 {});
+    reportFrames(report, words("clarity, saturation ", saturation), {{101, 100}}, test::clarity(saturation, 0, 64), {});
     if (!kAllColours) continue;
     reportBytes(report, words("clarity, saturation ", saturation, ", all colours"),
-                rendered(kSide, kSide, allColours(), kLinked.clarity(saturation, 0, 64)));
+                rendered(kSide, kSide, allColours(), test::clarity(saturation, 0, 64)));
   }
   // Sides around those that add a level, and widths around those of vectors and of the chunks of a row.
   std::vector<Size> sizes = {{640, 363}, {1920, 1080}, {1, 50},   {50, 1},   {2, 9},
@@ -207,11 +205,11 @@ void reportClarity(const Report& report) {
   }
   for (const auto& [side, saturation, intensity] : {std::tuple{0, 20, 70}, {65, -60, 100}, {7, 1000, 1000}}) {
     reportFrames(report, words("clarity of side ", side, ", saturation ", saturation, ", intensity ", intensity), sizes,
-                 kLinked.clarity(saturation, intensity, side), {{12, 5}});
+                 test::clarity(saturation, intensity, side), {{12, 5}});
   }
   Bytes all;
   for (int intensity = 0; intensity <= 100; ++intensity) {
-    add(all, rendered(70, 66, picture(70, 66), kLinked.clarity(intensity - 50, intensity)));
+    add(all, rendered(70, 66, picture(70, 66), test::clarity(intensity - 50, intensity)));
   }
   reportBytes(report, "clarity, every intensity", all);
 }
@@ -224,20 +222,20 @@ void reportWhiteBalance(const Report& report) {
   for (const float tint : {-2.0f, -0.31f, 0.0f, 0.17f, 1.0f, 3e9f, INFINITY, NAN}) {
     Bytes all;
     for (int i = -300; i < 300; ++i) {
-      add(all, rendered(256, 1, everyByte, kLinked.whiteBalance(static_cast<float>(i) / 128.0f + 0.001f, tint)));
+      add(all, rendered(256, 1, everyByte, test::whiteBalance(static_cast<float>(i) / 128.0f + 0.001f, tint)));
     }
     for (const float odd : {1e-40f, 1e30f, -1e30f, INFINITY, -INFINITY, NAN}) {
-      add(all, rendered(256, 1, everyByte, kLinked.whiteBalance(odd, tint)));
+      add(all, rendered(256, 1, everyByte, test::whiteBalance(odd, tint)));
     }
     reportBytes(report, words("white balance, every byte, tint ", tint), all);
   }
   // Frames from 16 MiB on are written past the caches, from a position that depends on the alignment.
   const Size large = {2053, 2050};
-  reportFrames(report, "white balance", {{101, 100}, large}, kLinked.whiteBalance(0.3f, -0.1f), {});
+  reportFrames(report, "white balance", {{101, 100}, large}, test::whiteBalance(0.3f, -0.1f), {});
   const Bytes& pixels = picture(large.width, large.height);
   for (const size_t start : {1, 4, 60}) {
     Bytes dst(pixels.size() + start);
-    kLinked.whiteBalance(0.3f, -0.1f)(&dst[start], 0, pixels.data(), 0, large.width, large.height);
+    test::whiteBalance(0.3f, -0.1f)(&dst[start], 0, pixels.data(), 0, large.width, large.height);
     reportBytes(report, words("white balance from byte ", start), dst);
   }
 }

@@ -52,7 +52,7 @@ TEST(Service, RendersAnHourOfFrames) {
   void* const clarity = CreateNLEPureCClarity(64, 36, 0, 20, 60);
   void* const hdr[] = {CreateVideoAdjustColor(folder.path.c_str(), 0, 1, 0, 64, 36),
                        CreateVideoAdjustColor(folder.path.c_str(), 0, 1, 1, 130, 100)};
-  const test::Render grade = test::kLinked.grading(folder.path + u"/look.cube", 60);
+  const test::Render grade = test::grading(folder.path + u"/look.cube", 60);
   expectFlatMemory(90000 / kShare, [&](int i) {
     const bool threaded = i % 50 == 0;
     test::Yv12Frame& frame = threaded ? large : small;

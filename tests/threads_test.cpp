@@ -69,7 +69,7 @@ bool expectData = false;
   expectData = true;
   std::thread([] {
     test::Bytes pixels(4 * 140 * 100);
-    for (;;) test::kLinked.clarity(30, 90)(pixels.data(), 0, pixels.data(), 0, 140, 100);
+    for (;;) test::clarity(30, 90)(pixels.data(), 0, pixels.data(), 0, 140, 100);
   }).detach();
   std::latch running(1);
   std::thread([&running] {

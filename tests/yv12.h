@@ -1,7 +1,7 @@
 // YV12 frames: Y, then V (Cr) and U (Cb) of half the size, rounded up.
 #pragma once
 
-#include "lumvane.h"
+#include "tests/effect_list.h"
 #include "tests/inputs.h"
 
 namespace test {
@@ -42,12 +42,14 @@ struct Yv12 {
     }
     return result;
   }
+  Pixels pixels() { return {{y.data(), v.data(), u.data()}, {y.step(), v.step(), u.step()}}; }
+#ifndef LUMVANE_TEST_NOT_LINKED
   /// Converts with an HDR object of this size into planes with the same strides. `reserved` must have no effect.
-  bool processTo(Yv12& dst, void* handle, int reserved = 0,
-                 decltype(&VideoAdjustColorProcess) process = &VideoAdjustColorProcess) {
-    return process(handle, y.data(), v.data(), u.data(), y.step(), v.step(), u.step(), reserved, -reserved,
-                   dst.y.data(), dst.v.data(), dst.u.data());
+  bool processTo(Yv12& dst, void* object, int reserved = 0) {
+    return VideoAdjustColorProcess(object, y.data(), v.data(), u.data(), y.step(), v.step(), u.step(), reserved,
+                                   -reserved, dst.y.data(), dst.v.data(), dst.u.data());
   }
+#endif
 };
 
 /// Planes in ordinary memory. With a positive padding the stride of U is larger than that of V.

@@ -86,9 +86,9 @@ test::Bytes expected(const std::string& name, const test::Bytes& src, int width,
   const bool isLut = name == "lumvane_lut";
   test::Bytes from = src, dst(src.size());
   if (isLut) copyAlpha(from, test::Bytes(src.size(), 255));
-  const test::Render render = isLut                       ? test::kLinked.grading(cube.utf16(), 57)
-                              : name == "lumvane_clarity" ? test::kLinked.clarity(14, 29)
-                                                          : test::kLinked.whiteBalance(-0.42f, 0.14f);
+  const test::Render render = isLut                       ? test::grading(cube.utf16(), 57)
+                              : name == "lumvane_clarity" ? test::clarity(14, 29)
+                                                          : test::whiteBalance(-0.42f, 0.14f);
   render(dst.data(), 0, from.data(), 0, width, height);
   if (isLut) copyAlpha(dst, src);
   return dst;
