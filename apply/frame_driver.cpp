@@ -2,7 +2,7 @@
 
 #include <cstdlib>
 
-#include "apply/parallel_cube_lut.h"
+#include "base/band_rows.h"
 #include "base/overlap.h"
 #include "base/parallel.h"
 
@@ -10,27 +10,60 @@ namespace Lumvane {
 namespace {
 
 constexpr int64_t kMaxPixelsOnCallingThread = 10000;
-constexpr int32_t kBands = 8;
 
 bool rowsOverlap(const cv::Mat& frame) {
   const auto step = static_cast<ptrdiff_t>(frame.step[0]);
   return frame.rows > 1 && std::abs(step) < static_cast<ptrdiff_t>(frame.cols * frame.elemSize());
 }
 
-template <class Worker>
-void run(Worker& worker, cv::Mat& dst, const cv::Mat& src, const LatticeView& lattice, const GradeKernels& kernels) {
-  worker.dst = &dst;
-  worker.src = &src;
-  // Where rows of the destination overlap, the last one to be written must not depend on the threads.
-  worker.bands = isSmall(dst) || rowsOverlap(dst) ? 1 : kBands;
-  worker.latticeSize = lattice.latticeSize;
-  worker.fraction = lattice.fraction;
-  worker.cell = lattice.cell;
-  worker.lattice = lattice.lattice;
-  worker.kernels = &kernels;
-  if (worker.bands == 1) return worker(cv::Range(0, 1));
-  runParallel(worker.bands, worker);
-}
+// Where rows of the destination overlap, the last one to be written must not depend on the threads.
+int32_t bandsOf(const cv::Mat& dst) { return isSmall(dst) || rowsOverlap(dst) ? 1 : kBands; }
+
+// Grades the bands of a BGRA frame whose numbers are in the range. Workers are used for one run and own nothing. dst may
+// be src only if sourceWeight is 0.
+struct parallelCubeLut : cv::ParallelLoopBody {
+  parallelCubeLut(cv::Mat& to, const cv::Mat& from, const LatticeView& view, const BlendTables& tables, int32_t weight)
+      : dst(&to), src(&from), bands(bandsOf(to)), lut(view), blends(tables), sourceWeight(weight) {}
+
+  cv::Mat* dst;
+  const cv::Mat* src;
+  int32_t bands;
+  LatticeView lut;
+  BlendTables blends;
+  int32_t sourceWeight;  // 0 to 255: of the source when the graded rows are blended with it
+
+  void operator()(const cv::Range& range) const override {
+    const GradeKernels kernels = gradeKernels();
+    const BandRows rows = bandRows(range, dst->rows, bands);
+    const auto pixels = static_cast<size_t>(dst->cols);
+    for (int y = rows.first; y < rows.end; ++y) {
+      if (sourceWeight == 0) {
+        kernels.grade(lut, blends, src->ptr(y), dst->ptr(y), pixels);
+      } else {
+        kernels.gradeAndFade(lut, blends, sourceWeight, src->ptr(y), dst->ptr(y), pixels);
+      }
+    }
+  }
+};
+
+// The same, from BGRA to one byte per pixel and without blending.
+struct parallelAlphaCubeLut : cv::ParallelLoopBody {
+  parallelAlphaCubeLut(cv::Mat& to, const cv::Mat& from, const LatticeView& view)
+      : dst(&to), src(&from), bands(bandsOf(to)), lut(view) {}
+
+  cv::Mat* dst;
+  const cv::Mat* src;
+  int32_t bands;
+  LatticeView lut;
+
+  void operator()(const cv::Range& range) const override {
+    const GradeKernels kernels = gradeKernels();
+    const BandRows rows = bandRows(range, dst->rows, bands);
+    for (int y = rows.first; y < rows.end; ++y) {
+      kernels.gradeToPlane(lut, src->ptr(y), dst->ptr(y), static_cast<size_t>(dst->cols));
+    }
+  }
+};
 
 }  // namespace
 
@@ -46,22 +79,20 @@ bool isSmall(const cv::Mat& frame) {
   return static_cast<int64_t>(frame.rows) * frame.cols <= kMaxPixelsOnCallingThread;
 }
 
-void gradeFrame(cv::Mat& dst, const cv::Mat& src, const LatticeView& lattice, const BlendTables& blends,
-                int32_t sourceWeight, const GradeKernels& kernels) {
+void gradeFrame(cv::Mat& dst, const cv::Mat& src, const LatticeView& lut, const BlendTables& blends,
+                int32_t sourceWeight) {
   const bool fadeAfterwards = sourceWeight > 0 && (Extent(dst).overlaps(Extent(src)) || rowsOverlap(dst));
-  parallelCubeLut worker;
-  worker.blends = blends;
-  worker.sourceWeight = fadeAfterwards ? 0 : sourceWeight;
-  run(worker, dst, src, lattice, kernels);
+  const parallelCubeLut worker(dst, src, lut, blends, fadeAfterwards ? 0 : sourceWeight);
+  runParallel(worker.bands, worker);
   if (!fadeAfterwards) return;
   for (int y = 0; y < dst.rows; ++y) {
-    kernels.fade(blends, sourceWeight, src.ptr(y), dst.ptr(y), static_cast<size_t>(src.cols));
+    gradeKernels().fade(blends, sourceWeight, src.ptr(y), dst.ptr(y), static_cast<size_t>(src.cols));
   }
 }
 
-void gradeFrameToPlane(cv::Mat& dst, const cv::Mat& src, const LatticeView& lattice, const GradeKernels& kernels) {
-  parallelAlphaCubeLut worker;
-  run(worker, dst, src, lattice, kernels);
+void gradeFrameToPlane(cv::Mat& dst, const cv::Mat& src, const LatticeView& lut) {
+  const parallelAlphaCubeLut worker(dst, src, lut);
+  runParallel(worker.bands, worker);
 }
 
 }  // namespace Lumvane

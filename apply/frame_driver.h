@@ -1,4 +1,4 @@
-// Applies the row kernels to whole frames, in bands and on several threads.
+// Applies the row kernels of LUT grading to whole frames, in bands and on several threads.
 #pragma once
 
 #include <opencv2/core.hpp>
@@ -17,12 +17,11 @@ bool isSmall(const cv::Mat& frame);
 
 /// Grades src into dst, which has the same size, and blends the result with src, whose weight is 0 to 255.
 ///
-/// The two may be the same pixels or overlap: the blend then uses src as the grading left it.
-void gradeFrame(cv::Mat& dst, const cv::Mat& src, const LatticeView& lattice, const BlendTables& blends,
-                int32_t sourceWeight, const GradeKernels& kernels = gradeKernels());
+/// The two may be the same pixels or overlap: the blend then reads src after grading has overwritten it.
+void gradeFrame(cv::Mat& dst, const cv::Mat& src, const LatticeView& lut, const BlendTables& blends,
+                int32_t sourceWeight);
 
 /// Grades BGRA pixels to one byte per pixel: component 0 of the looked-up colour.
-void gradeFrameToPlane(cv::Mat& dst, const cv::Mat& src, const LatticeView& lattice,
-                       const GradeKernels& kernels = gradeKernels());
+void gradeFrameToPlane(cv::Mat& dst, const cv::Mat& src, const LatticeView& lut);
 
 }  // namespace Lumvane

@@ -154,25 +154,15 @@ void fadeRow(const BlendTables& blends, int32_t sourceWeight, const uint8_t* src
   plain::fadeRow(blends, sourceWeight, src + 4 * i, dst + 4 * i, pixels - i);
 }
 
-const GradeKernels* kernels() {
-  static constexpr GradeKernels kKernels = {gradeRow, plain::gradeRowToPlane, fadeRow, gradeAndFadeRow};
-  return &kKernels;
-}
-
 #else
-const GradeKernels* kernels() { return &plainGradeKernels; }
+using namespace plain;
 #endif
+
+GradeKernels kernels() { return {gradeRow, plain::gradeRowToPlane, fadeRow, gradeAndFadeRow}; }
 
 }  // namespace
 }  // namespace HWY_NAMESPACE
 }  // namespace Lumvane
 HWY_AFTER_NAMESPACE();
 
-#if HWY_ONCE
-namespace Lumvane {
-
-HWY_EXPORT(kernels);
-const GradeKernels& gradeKernels() { return *HWY_DYNAMIC_DISPATCH(kernels)(); }
-
-}  // namespace Lumvane
-#endif
+LUMVANE_DISPATCH(GradeKernels, gradeKernels)

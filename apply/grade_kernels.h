@@ -46,6 +46,6 @@ struct GradeKernels {
 extern const GradeKernels plainGradeKernels;
 
 /// Returns the fastest kernels for this processor.
-const GradeKernels& gradeKernels();
+GradeKernels gradeKernels();
 
 }  // namespace Lumvane

@@ -247,25 +247,15 @@ void fillCache(const HdrLatticeView& lattice, uint8_t r, RGB8* entries) {
   }
 }
 
-const HdrKernels* kernels() {
-  static constexpr HdrKernels kKernels = {cacheRow, latticeRow, fillCache};
-  return &kKernels;
-}
-
 #else
-const HdrKernels* kernels() { return &plainHdrKernels; }
+using namespace plain;
 #endif
+
+HdrKernels kernels() { return {cacheRow, latticeRow, fillCache}; }
 
 }  // namespace
 }  // namespace HWY_NAMESPACE
 }  // namespace Lumvane
 HWY_AFTER_NAMESPACE();
 
-#if HWY_ONCE
-namespace Lumvane {
-
-HWY_EXPORT(kernels);
-const HdrKernels& hdrKernels() { return *HWY_DYNAMIC_DISPATCH(kernels)(); }
-
-}  // namespace Lumvane
-#endif
+LUMVANE_DISPATCH(HdrKernels, hdrKernels)

@@ -68,6 +68,6 @@ struct HdrKernels {
 extern const HdrKernels plainHdrKernels;
 
 /// Returns the fastest kernels for this processor.
-const HdrKernels& hdrKernels();
+HdrKernels hdrKernels();
 
 }  // namespace Lumvane

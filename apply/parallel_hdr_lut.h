@@ -11,12 +11,11 @@ namespace Lumvane {
 class parallelCacheCubeLut_ : public cv::ParallelLoopBody {
  public:
   int32_t planesPerBand;
-  int32_t latticeSize;
-  const float* fraction;
-  const int32_t* cell;
-  HdrLattice lattice;
+  HdrLatticeView lut;
   RGB8* cacheData;
 
+  parallelCacheCubeLut_(int32_t planes, const HdrLatticeView& view, HdrCache& cache)
+      : planesPerBand(planes), lut(view), cacheData(cache.data()) {}
   void operator()(const cv::Range& range) const override;
 };
 
@@ -27,12 +26,11 @@ class parallelCubeLut_ : public cv::ParallelLoopBody {
   cv::Mat* dst;
   const cv::Mat* src;
   int32_t bands;
-  int32_t latticeSize;
-  const float* fraction;
-  const int32_t* cell;
-  HdrLattice lattice;
+  HdrLatticeView lut;
   const HdrCache* cache;
 
+  parallelCubeLut_(cv::Mat& to, const cv::Mat& from, int32_t count, const HdrLatticeView& view, const HdrCache& entries)
+      : dst(&to), src(&from), bands(count), lut(view), cache(&entries) {}
   void operator()(const cv::Range& range) const override;
 };
 

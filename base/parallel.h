@@ -1,6 +1,7 @@
 // All use of OpenCV's threads goes through these functions.
 #pragma once
 
+#include <concepts>
 #include <opencv2/core/utility.hpp>
 
 namespace Lumvane {
@@ -17,7 +18,7 @@ void runParallel(int count, const cv::ParallelLoopBody& body, int pieces = 0);
 
 /// The same for any callable that takes a cv::Range.
 template <class Body>
-void runParallel(int count, const Body& body, int pieces = 0) {
+requires(!std::derived_from<Body, cv::ParallelLoopBody>) void runParallel(int count, const Body& body, int pieces = 0) {
   struct Loop : cv::ParallelLoopBody {
     explicit Loop(const Body& called) : body(called) {}
     void operator()(const cv::Range& range) const override { body(range); }

@@ -26,6 +26,19 @@
 #define LUMVANE_HAVE_VECTORS 0
 #endif
 
+// Ends a file of kernels. Each target has a function kernels() that returns them; `function` returns those of the best
+// target that the processor has.
+#undef LUMVANE_DISPATCH
+#if HWY_ONCE
+#define LUMVANE_DISPATCH(Kernels, function)                      \
+  namespace Lumvane {                                            \
+  HWY_EXPORT(kernels);                                           \
+  Kernels function() { return HWY_DYNAMIC_DISPATCH(kernels)(); } \
+  }
+#else
+#define LUMVANE_DISPATCH(Kernels, function)
+#endif
+
 #if LUMVANE_HAVE_VECTORS
 
 HWY_BEFORE_NAMESPACE();

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <optional>
 
+#include "base/band_rows.h"
 #include "base/overlap.h"
 #include "base/parallel.h"
 #include "clarity/nle_pure_c_clarity.h"
@@ -38,7 +39,7 @@ struct claritySynthesisPass {
   const ClarityKernels& kernels;
 
   void operator()(const cv::Range& range) const {
-    const StripeRows band(range, rows, stripes);
+    const BandRows band = stripeRows(range, rows, stripes);
     std::optional<PyramidUp> surroundings, rebuilt;
     if (amount > 0.0f && pyramid.gaussian.size() > 1) {
       const auto width = static_cast<size_t>(dst.cols);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <bit>
 
+#include "base/band_rows.h"
 #include "base/parallel.h"
 
 namespace Lumvane {
@@ -17,7 +18,7 @@ int stripesOf(cv::Size size, const ClarityPyramid::Scratch& scratch) {
   return int64_t{size.width} * size.height >= kMinSharedSamples ? static_cast<int>(scratch.size()) : 1;
 }
 
-void downRows(const RowOfPlane& input, cv::Size size, const StripeRows& rows, cv::Mat& output, float* scratch,
+void downRows(const RowOfPlane& input, cv::Size size, const BandRows& rows, cv::Mat& output, float* scratch,
               const PyramidKernels& kernels) {
   const auto sums = [&](int y) { return scratch + static_cast<ptrdiff_t>(y % kTaps) * output.cols; };
   float* const buffer = scratch + static_cast<ptrdiff_t>(kTaps) * output.cols;
@@ -47,7 +48,7 @@ struct clarityDetailPass {
   DetailRow* detailRow;
 
   void operator()(const cv::Range& range) const {
-    const StripeRows band(range, rows, stripes);
+    const BandRows band = stripeRows(range, rows, stripes);
     const auto width = static_cast<size_t>(fine.cols);
     float* const room = scratchRows(scratch[static_cast<size_t>(range.start)], 8 * width);
     PyramidUp surroundings(coarse, fine.size(), room, kernels), base(rebuilt, fine.size(), room + 3 * width, kernels);
@@ -61,10 +62,6 @@ struct clarityDetailPass {
 };
 
 }  // namespace
-
-StripeRows::StripeRows(const cv::Range& range, int rows, int stripes)
-    : first(static_cast<int>(int64_t{range.start} * rows / stripes)),
-      end(range.end >= stripes ? rows : static_cast<int>(int64_t{range.end} * rows / stripes)) {}
 
 float* scratchRows(std::vector<float>& memory, size_t samples) {
   if (memory.size() < samples) memory.resize(samples);
@@ -83,7 +80,7 @@ void pyramidDown(const RowOfPlane& input, cv::Size size, cv::Mat& output, int st
   runParallel(
       stripes,
       [&](const cv::Range& range) {
-        const StripeRows rows(range, output.rows, stripes);
+        const BandRows rows = stripeRows(range, output.rows, stripes);
         if (isCopy) {
           for (int y = rows.first; y < rows.end; ++y) {
             float* const row = output.ptr<float>(y);

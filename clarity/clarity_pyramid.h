@@ -31,14 +31,6 @@ struct ClarityPyramid {
   const cv::Mat& rebuiltLevel(size_t i) const { return i + 1 == gaussian.size() ? gaussian[i] : rebuilt[i]; }
 };
 
-/// The rows of a range of stripes: from first up to, but not including, end.
-struct StripeRows {
-  int first;
-  int end;
-
-  StripeRows(const cv::Range& range, int rows, int stripes);
-};
-
 /// Returns room for `samples` floats in `memory`, which grows as needed.
 float* scratchRows(std::vector<float>& memory, size_t samples);
 
@@ -75,7 +67,7 @@ class PyramidUp {
   const cv::Mat& input_;
   cv::Size size_;
   float* rows_;  // up to three rows of the input, as wide as the finer level
-  const PyramidKernels& kernels_;
+  PyramidKernels kernels_;
   int y_ = 0;
   int next_ = 0;  // the first row of the input that is not upsampled yet
 };

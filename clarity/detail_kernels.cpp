@@ -125,25 +125,15 @@ void blendRow(const float* value, float valueWeight, const float* enhanced, floa
   plain::blendRow(value + i, valueWeight, enhanced + i, enhancedWeight, out + i, samples - i);
 }
 
-const DetailKernels* kernels() {
-  static constexpr DetailKernels kKernels = {detailRow, blendRow};
-  return &kKernels;
-}
-
 #else
-const DetailKernels* kernels() { return &plainDetailKernels; }
+using namespace plain;
 #endif
+
+DetailKernels kernels() { return {detailRow, blendRow}; }
 
 }  // namespace
 }  // namespace HWY_NAMESPACE
 }  // namespace Lumvane
 HWY_AFTER_NAMESPACE();
 
-#if HWY_ONCE
-namespace Lumvane {
-
-HWY_EXPORT(kernels);
-const DetailKernels& detailKernels() { return *HWY_DYNAMIC_DISPATCH(kernels)(); }
-
-}  // namespace Lumvane
-#endif
+LUMVANE_DISPATCH(DetailKernels, detailKernels)

@@ -26,6 +26,6 @@ struct DetailKernels {
 extern const DetailKernels plainDetailKernels;
 
 /// Returns the fastest kernels for this processor.
-const DetailKernels& detailKernels();
+DetailKernels detailKernels();
 
 }  // namespace Lumvane

@@ -193,25 +193,15 @@ void synthesisRow(const float* hue, const float* saturation, const float* value,
   plain::synthesisRow(hue + i, saturation + i, value + i, src + 4 * i, dst + 4 * i, pixels - i);
 }
 
-const HsvKernels* kernels() {
-  static constexpr HsvKernels kKernels = {valueRow, analysisRow, synthesisRow};
-  return &kKernels;
-}
-
 #else
-const HsvKernels* kernels() { return &plainHsvKernels; }
+using namespace plain;
 #endif
+
+HsvKernels kernels() { return {valueRow, analysisRow, synthesisRow}; }
 
 }  // namespace
 }  // namespace HWY_NAMESPACE
 }  // namespace Lumvane
 HWY_AFTER_NAMESPACE();
 
-#if HWY_ONCE
-namespace Lumvane {
-
-HWY_EXPORT(kernels);
-const HsvKernels& hsvKernels() { return *HWY_DYNAMIC_DISPATCH(kernels)(); }
-
-}  // namespace Lumvane
-#endif
+LUMVANE_DISPATCH(HsvKernels, hsvKernels)

@@ -32,6 +32,6 @@ struct HsvKernels {
 extern const HsvKernels plainHsvKernels;
 
 /// Returns the fastest kernels for this processor.
-const HsvKernels& hsvKernels();
+HsvKernels hsvKernels();
 
 }  // namespace Lumvane

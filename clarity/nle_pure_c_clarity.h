@@ -11,9 +11,9 @@ namespace Lumvane {
 
 /// The kernels that process frames, by default the fastest for this processor.
 struct ClarityKernels {
-  const HsvKernels& hsv = hsvKernels();
-  const DetailKernels& details = detailKernels();
-  const PyramidKernels& pyramid = pyramidKernels();
+  HsvKernels hsv = hsvKernels();
+  DetailKernels details = detailKernels();
+  PyramidKernels pyramid = pyramidKernels();
 };
 
 /// The clarity effect: see CreateNLEPureCClarity. Its parameters "saturation" and "intensity" are integers, stored

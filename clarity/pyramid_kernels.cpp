@@ -154,25 +154,15 @@ void upAlongOdd(const float* above, const float* below, float* out, size_t sampl
   plain::upAlongOdd(above + x, below + x, out + x, samples - x);
 }
 
-const PyramidKernels* kernels() {
-  static constexpr PyramidKernels kKernels = {downAcross, downAlong, upAcross, upAlongEven, upAlongOdd};
-  return &kKernels;
-}
-
 #else
-const PyramidKernels* kernels() { return &plainPyramidKernels; }
+using namespace plain;
 #endif
+
+PyramidKernels kernels() { return {downAcross, downAlong, upAcross, upAlongEven, upAlongOdd}; }
 
 }  // namespace
 }  // namespace HWY_NAMESPACE
 }  // namespace Lumvane
 HWY_AFTER_NAMESPACE();
 
-#if HWY_ONCE
-namespace Lumvane {
-
-HWY_EXPORT(kernels);
-const PyramidKernels& pyramidKernels() { return *HWY_DYNAMIC_DISPATCH(kernels)(); }
-
-}  // namespace Lumvane
-#endif
+LUMVANE_DISPATCH(PyramidKernels, pyramidKernels)

@@ -43,6 +43,6 @@ struct PyramidKernels {
 extern const PyramidKernels plainPyramidKernels;
 
 /// Returns the fastest kernels for this processor.
-const PyramidKernels& pyramidKernels();
+PyramidKernels pyramidKernels();
 
 }  // namespace Lumvane

@@ -64,7 +64,7 @@ void loadLattices() {
   constexpr int32_t kPoints = 17;
   allocateHdrData();
   for (const bool pq : {false, true}) {
-    const HdrTransferData data = hdrTransferData(pq);
+    HdrTransferData& data = hdrTransferData(pq);
     uint32_t number = pq;
     for (int i = 0; i < kLatticeStride * kLatticeStride * kLatticeStride * 3; ++i) {
       number = number * 1664525 + 1013904223;
@@ -75,13 +75,7 @@ void loadLattices() {
     float fraction[256];
     int32_t cell[256];
     fillInterpolationTables(kPoints, fraction, cell);
-    parallelCacheCubeLut_ fill;
-    fill.planesPerBand = 256;
-    fill.latticeSize = kPoints;
-    fill.fraction = fraction;
-    fill.cell = cell;
-    fill.lattice = data.lattice;
-    fill.cacheData = data.cache.data();
+    const parallelCacheCubeLut_ fill(256, {kPoints, fraction, cell, data.lattice}, data.cache);
     fuzz::onTarget(kBest, [&] { fill(cv::Range(0, 1)); });
   }
 }

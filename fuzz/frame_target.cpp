@@ -67,10 +67,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   if (s > 0) {
     const auto table = acquireTable();
     const BlendTables blends = {table->multiply, table->mix};
-    const LatticeView view = {lut.latticeSize, lut.fraction, lut.cell, &lut.lattice[0][0][0][0]};
     Plane& from = inPlace ? expected : src;
     const auto count = static_cast<size_t>(width);
-    for (int32_t y = 0; y < height; ++y) plainGradeKernels.grade(view, blends, from.row(y), expected.row(y), count);
+    for (int32_t y = 0; y < height; ++y)
+      plainGradeKernels.grade(lut.view(), blends, from.row(y), expected.row(y), count);
     for (int32_t y = 0; y < height; ++y) plainGradeKernels.fade(blends, 255 - s, from.row(y), expected.row(y), count);
   }
   fuzz::onTarget(target, [&] {

@@ -19,9 +19,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const int32_t expectedSize = expected.size == 0 ? before : expected.size;
 
   allocateHdrData();
-  const HdrTransferData shared = hdrTransferData(transfer != 0);
+  HdrTransferData& shared = hdrTransferData(transfer != 0);
   constexpr int kRows = kLatticeStride * kLatticeStride, kFloats = kLatticeStride * 3;
-  const auto row = [shared](int i) { return shared.lattice[i / kLatticeStride][i % kLatticeStride]; };
+  const auto row = [&shared](int i) { return shared.lattice[i / kLatticeStride][i % kLatticeStride]; };
   shared.latticeSize = 0;
   for (int i = 0; i < kRows; ++i) std::fill_n(row(i), kFloats, 0.0f);
   VideoAdjustColor object;
@@ -50,14 +50,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   if (hash >> 13 & 7) return 0;
   const auto red = static_cast<uint8_t>(hash >> 24);
   const HdrLatticeView view = {object.latticeSize, object.fraction, object.cell, shared.lattice};
-  parallelCacheCubeLut_ worker;
-  worker.planesPerBand = 1;
-  worker.latticeSize = view.latticeSize;
-  worker.fraction = view.fraction;
-  worker.cell = view.cell;
-  worker.lattice = view.lattice;
-  worker.cacheData = shared.cache.data();
-  fuzz::onTarget(hash >> 16, [&] { worker(cv::Range(red, red + 1)); });
+  const parallelCacheCubeLut_ fill(1, view, shared.cache);
+  fuzz::onTarget(hash >> 16, [&] { fill(cv::Range(red, red + 1)); });
   for (uint32_t i = 0; i < 65536; i += 61) {
     const auto green = static_cast<uint8_t>(i >> 8), blue = static_cast<uint8_t>(i);
     const RGB8 expectedColour = hdrColour(view, red, green, blue);

@@ -4,10 +4,10 @@
 #include <chrono>
 #include <opencv2/core.hpp>
 
-#include "apply/band_rows.h"
 #include "apply/hdr_kernels.h"
 #include "apply/lattice.h"
 #include "apply/parallel_hdr_lut.h"
+#include "base/band_rows.h"
 #include "base/parallel.h"
 #include "hdr/hdr_shared.h"
 #include "hdr/yv12_conversions.h"
@@ -27,7 +27,7 @@ class HdrBands : public cv::ParallelLoopBody {
   HdrBands(const VideoAdjustColor& object, const HdrTransferData& shared, const Yv12Planes<const uint8_t>& src,
            const Yv12Planes<uint8_t>& dst, bool interpolates)
       : object_(object),
-        lattice_{shared.latticeSize, object.fraction, object.cell, shared.lattice[0][0]},
+        lut_{shared.latticeSize, object.fraction, object.cell, shared.lattice[0][0]},
         cache_(shared.cache.data()),
         interpolates_(interpolates),
         src_(src),
@@ -38,36 +38,29 @@ class HdrBands : public cv::ParallelLoopBody {
   /// Number of bands: two per thread, up to bandCount, with at least four pairs of rows each, or one band.
   int count() const { return count_; }
 
+  // Rows at the border of two ranges are computed twice, once for each.
   void operator()(const cv::Range& range) const override {
-    for (int band = range.start; band < range.end; ++band) {
-      const BandRows pairs((object_.height + 1) / 2, count_, band);
-      convert(2 * pairs.first, std::min(2 * (pairs.first + pairs.count), object_.height));
-    }
-  }
-
- private:
-  // Rows at the border of two bands are computed twice, once for each.
-  void convert(int firstRow, int endRow) const {
+    const BandRows pairs = bandRows(range, (object_.height + 1) / 2, count_);
+    const int firstRow = 2 * pairs.first, endRow = std::min(2 * pairs.end, object_.height);
     // The band's part of the frame buffers holds the few rows that are needed at a time.
-    const size_t rowBytes = size_t{4} * static_cast<size_t>(object_.width);
+    const auto width = static_cast<size_t>(object_.width), rowBytes = 4 * width;
     uint8_t* const converted = object_.rgbaIn.get() + rowBytes * static_cast<size_t>(firstRow);
     uint8_t* const mapped = object_.rgbaOut.get() + rowBytes * static_cast<size_t>(firstRow);
     const auto mappedRow = [&](int y) {
       return mapped + rowBytes * static_cast<size_t>(std::clamp(y, 0, object_.height - 1) % kRowsKept);
     };
     const auto writePair = [&](int y) {
-      rows_.rowPairFromRgb(fromRgb_, {mappedRow(y - 1), mappedRow(y), mappedRow(y + 1), mappedRow(y + 2)},
-                           destinationRows(dst_, y), object_.width);
+      fromRgbKernels_.rowPair(fromRgb_, {mappedRow(y - 1), mappedRow(y), mappedRow(y + 1), mappedRow(y + 2)},
+                              destinationRows(dst_, y), object_.width);
     };
 
-    const auto width = static_cast<size_t>(object_.width);
     const int lastRow = std::min(endRow, object_.height - 1);
     for (int y = std::max(firstRow - 1, 0); y <= lastRow; ++y) {
-      rows_.rowToRgb(toRgb_, sourceRow(src_, y), converted, object_.width);
+      toRgbKernels_.row(toRgb_, sourceRow(src_, y), converted, object_.width);
       if (interpolates_) {
-        map_.latticeRow(lattice_, converted, mappedRow(y), width);
+        mapKernels_.latticeRow(lut_, converted, mappedRow(y), width);
       } else {
-        map_.cacheRow(cache_, converted, mappedRow(y), width);
+        mapKernels_.cacheRow(cache_, converted, mappedRow(y), width);
       }
       if (y % 2 == 0 && y >= firstRow + 2) writePair(y - 2);
     }
@@ -75,8 +68,9 @@ class HdrBands : public cv::ParallelLoopBody {
     if (endRow == object_.height) writePair((endRow - 1) / 2 * 2);
   }
 
+ private:
   const VideoAdjustColor& object_;
-  LatticeView lattice_;
+  LatticeView lut_;
   const RGB8* cache_;
   bool interpolates_;
   Yv12Planes<const uint8_t> src_;
@@ -85,23 +79,20 @@ class HdrBands : public cv::ParallelLoopBody {
   FromRgb fromRgb_;
   int count_ =
       std::clamp((object_.height + 1) / 2 / kMinPairsPerBand, 1, std::min(2 * poolThreads(), object_.bandCount));
-  Yv12Kernels rows_ = yv12Kernels();
-  const HdrKernels& map_ = hdrKernels();
+  Yv12ToRgbKernels toRgbKernels_ = yv12ToRgbKernels();
+  HdrKernels mapKernels_ = hdrKernels();
+  Yv12FromRgbKernels fromRgbKernels_ = yv12FromRgbKernels();
 };
 
+HdrLatticeView viewOf(const VideoAdjustColor& object) {
+  return {object.workLatticeSize, object.fraction, object.cell, object.lattice};
+}
+
+// The pass over a large frame that has been converted as a whole.
 void mapLargeFrame(VideoAdjustColor& object, const HdrCache& cache) {
   const cv::Mat src(object.height, object.width, CV_8UC4, object.rgbaIn.get());
   cv::Mat dst(object.height, object.width, CV_8UC4, object.rgbaOut.get());
-  parallelCubeLut_ map;
-  map.dst = &dst;
-  map.src = &src;
-  map.bands = object.bandCount;
-  map.latticeSize = object.workLatticeSize;
-  map.fraction = object.fraction;
-  map.cell = object.cell;
-  map.lattice = object.lattice;
-  map.cache = &cache;
-  runParallel(map.bands, map);
+  runParallel(object.bandCount, parallelCubeLut_(dst, src, object.bandCount, viewOf(object), cache));
 }
 
 // Fills the object's tables, which may be empty or belong to another lattice size. False if there is no lattice.
@@ -123,7 +114,7 @@ bool adjustFrame(VideoAdjustColor& object, const uint8_t* srcPlane0, const uint8
                  uint8_t* dstPlane2) {
   const int64_t pixels = int64_t{object.width} * object.height;
   if (pixels == 0) return true;
-  const HdrTransferData shared = hdrTransferData(object.usePq != 0);
+  const HdrTransferData& shared = hdrTransferData(object.usePq != 0);
   object.lattice = shared.lattice;
   object.workLatticeSize = shared.latticeSize;
   const bool large = pixels >= kMinPixelsOnThreads;
@@ -157,8 +148,7 @@ bool adjustFrame(VideoAdjustColor& object, const uint8_t* srcPlane0, const uint8
 }
 
 void interpolatePixel(const VideoAdjustColor& object, const uint8_t* srcPixel, uint8_t* dstPixel) {
-  const HdrLatticeView view = {object.workLatticeSize, object.fraction, object.cell, object.lattice};
-  storeColour(hdrColour(view, srcPixel[2], srcPixel[1], srcPixel[0]), dstPixel);
+  storeColour(hdrColour(viewOf(object), srcPixel[2], srcPixel[1], srcPixel[0]), dstPixel);
 }
 
 }  // namespace Lumvane

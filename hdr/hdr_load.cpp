@@ -9,6 +9,7 @@
 
 #include "apply/lattice.h"
 #include "apply/parallel_hdr_lut.h"
+#include "base/band_rows.h"
 #include "base/parallel.h"
 #include "hdr/hdr_shared.h"
 #include "lut/lut_file.h"
@@ -16,8 +17,6 @@
 
 namespace Lumvane {
 namespace {
-
-constexpr int32_t kBands = 8;
 
 ZeroPages allocateFrame(int32_t width, int32_t height) {
   constexpr int64_t kMaxPixels = std::numeric_limits<int32_t>::max() / 4;
@@ -79,7 +78,7 @@ bool readHdrCube(VideoAdjustColor& object, std::istream& stream, int transfer) {
 }
 
 bool readHdrLattice(VideoAdjustColor& object, std::istream& stream, int transfer) {
-  const HdrTransferData shared = hdrTransferData(transfer != 0);
+  HdrTransferData& shared = hdrTransferData(transfer != 0);
   LineReader text(stream);
   const LutHeader header = readCubeHeader(text);
   // A file without a size uses the last one that the object read.
@@ -95,15 +94,9 @@ bool readHdrLattice(VideoAdjustColor& object, std::istream& stream, int transfer
 
 void fillHdrCache(VideoAdjustColor& object, int transfer) {
   if (object.latticeSize == 0) return;
-  const HdrTransferData shared = hdrTransferData(transfer != 0);
-  parallelCacheCubeLut_ worker;
-  worker.planesPerBand = 256 / kBands;
-  worker.latticeSize = object.latticeSize;
-  worker.fraction = object.fraction;
-  worker.cell = object.cell;
-  worker.lattice = shared.lattice;
-  worker.cacheData = shared.cache.data();
-  runParallel(kBands, worker);
+  HdrTransferData& shared = hdrTransferData(transfer != 0);
+  const HdrLatticeView lut = {object.latticeSize, object.fraction, object.cell, shared.lattice};
+  runParallel(kBands, parallelCacheCubeLut_(256 / kBands, lut, shared.cache));
   // After a refused file, the tables or the cache can belong to the size of an earlier file.
   const float* const values = shared.lattice[0][0];
   shared.ordinary = shared.latticeSize == object.latticeSize && object.cell[255] == object.latticeSize - 1 &&

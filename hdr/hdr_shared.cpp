@@ -1,75 +1,45 @@
 #include "hdr/hdr_shared.h"
 
-#include <memory>
-
 #include "base/unload.h"
 
 namespace Lumvane {
 namespace {
 
-struct Transfer {
-  HdrLattice lattice = nullptr;
-  int32_t latticeSize = 0;
-  HdrCache cache;
-  bool ordinary = false;
-};
-constinit Transfer* transfers = nullptr;  // HLG and PQ, once asked for
-
-Transfer& transferOf(bool pq) {
-  static Transfer* const both = transfers = new Transfer[2];
-  return both[pq];
-}
+constinit HdrTransferData* transfers = nullptr;  // HLG and PQ, once asked for
 
 // The rows are contiguous and followed by one more float, so that kernels can use the lattice through a LatticeView.
-HdrLattice allocateLattice() {
+void allocateLattice(HdrTransferData& data) {
   constexpr size_t kRowFloats = kLatticeStride * 3, kRows = kLatticeStride * kLatticeStride;
-  auto points = std::make_unique<float[]>(kRows * kRowFloats + 1);
-  auto rows = std::make_unique<float*[]>(kRows);
-  auto planes = std::make_unique<float**[]>(kLatticeStride);
-  for (size_t i = 0; i < kRows; ++i) rows[i] = &points[i * kRowFloats];
-  for (size_t i = 0; i < kLatticeStride; ++i) planes[i] = &rows[i * kLatticeStride];
-  points.release(), rows.release();
-  return planes.release();
-}
-
-void dropLattice(HdrLattice& lattice) {
-  if (lattice == nullptr) return;
-  delete[] lattice[0][0];
-  delete[] lattice[0];
-  delete[] lattice;
-  lattice = nullptr;
+  data.points.resize(kRows * kRowFloats + 1);
+  data.rows.resize(kRows);
+  data.planes.resize(kLatticeStride);
+  for (size_t i = 0; i < kRows; ++i) data.rows[i] = &data.points[i * kRowFloats];
+  for (size_t i = 0; i < kLatticeStride; ++i) data.planes[i] = &data.rows[i * kLatticeStride];
+  data.lattice = data.planes.data();
 }
 
 LUMVANE_WHEN_UNLOADED void releaseHdrData() {
-  if (processExiting || transfers == nullptr) return;
-  dropHdrData();
-  delete[] transfers;
+  if (!processExiting) delete[] transfers;
 }
 
 }  // namespace
 
-HdrTransferData hdrTransferData(bool pq) {
-  Transfer& transfer = transferOf(pq);
-  return {transfer.lattice, transfer.latticeSize, transfer.cache, transfer.ordinary};
+HdrTransferData& hdrTransferData(bool pq) {
+  static HdrTransferData* const both = transfers = new HdrTransferData[2];
+  return both[pq];
 }
 
-bool hdrDataLoaded() { return transferOf(false).lattice != nullptr && transferOf(true).lattice != nullptr; }
+bool hdrDataLoaded() { return hdrTransferData(false).lattice != nullptr && hdrTransferData(true).lattice != nullptr; }
 
 void allocateHdrData() {
   for (const bool pq : {false, true}) {
-    if (transferOf(pq).lattice == nullptr) transferOf(pq).lattice = allocateLattice();
+    if (hdrTransferData(pq).lattice == nullptr) allocateLattice(hdrTransferData(pq));
   }
-  for (const bool pq : {false, true}) transferOf(pq).cache.resize(kCacheEntries);
+  for (const bool pq : {false, true}) hdrTransferData(pq).cache.resize(kCacheEntries);
 }
 
 void dropHdrData() {
-  for (const bool pq : {false, true}) {
-    Transfer& transfer = transferOf(pq);
-    dropLattice(transfer.lattice);
-    transfer.latticeSize = 0;
-    transfer.ordinary = false;
-    HdrCache().swap(transfer.cache);
-  }
+  for (const bool pq : {false, true}) hdrTransferData(pq) = {};
 }
 
 }  // namespace Lumvane

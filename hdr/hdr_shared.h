@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <vector>
 
 #include "apply/hdr_cache.h"
 
@@ -10,14 +11,17 @@ namespace Lumvane {
 
 /// The data of one transfer function.
 struct HdrTransferData {
-  HdrLattice& lattice;   ///< null before the load
-  int32_t& latticeSize;  ///< points per axis according to the file's header; 0 without a file, above 65 if refused
-  HdrCache& cache;       ///< empty before the load, then one entry for each colour
-  bool& ordinary;        ///< kernels may use the lattice instead of the cache: see HdrLatticeRow
+  HdrLattice lattice = nullptr;  ///< null before the load
+  int32_t latticeSize = 0;    ///< points per axis according to the file's header; 0 without a file, above 65 if refused
+  HdrCache cache;             ///< empty before the load, then one entry for each colour
+  bool ordinary = false;      ///< kernels may use the lattice instead of the cache: see HdrLatticeRow
+  std::vector<float> points;  ///< the memory of `lattice`
+  std::vector<float*> rows;
+  std::vector<float**> planes;
 };
 
 /// Returns the data of PQ or of HLG.
-HdrTransferData hdrTransferData(bool pq);
+HdrTransferData& hdrTransferData(bool pq);
 
 /// True once both lattices exist: the only sign that the files have been loaded.
 bool hdrDataLoaded();

@@ -7,13 +7,14 @@
 #include <string>
 
 #include "apply/lattice.h"
+#include "base/band_rows.h"
 #include "base/zeroed_memory.h"
 
 namespace Lumvane {
 
 /// Chooses how large frames are mapped: through the cache or by interpolation in the lattice, with the same result. The
-/// cache is faster for pictures with few colours, the lattice if nearly every pixel would wait for memory. So of every
-/// 250 frames the first four time both ways, two frames each, and the others use the faster one.
+/// cache is faster for pictures with few colours, the lattice if nearly every pixel would wait for memory. The first
+/// four of every 250 frames are timed, two each way, and the others use the faster one.
 class MappingTimes {
  public:
   using Duration = std::chrono::steady_clock::duration;
@@ -49,7 +50,7 @@ struct VideoAdjustColor {
   int32_t width = 0;
   int32_t height = 0;
   bool loadOk = false;  ///< result of the last load
-  int32_t bandCount = 8;
+  int32_t bandCount = kBands;
   std::u16string hlgPath;
   std::u16string pqPath;
   int32_t reservedMode = 0;

@@ -21,19 +21,19 @@ using namespace Lumvane;
 
 void planesToRgb(const ToRgb& matrix, const Yv12Planes<const uint8_t>& planes, uint8_t* rgba, int rgbaStride) {
   if (planes.width <= 0) return;
-  RowToRgb* const rowToRgb = yv12Kernels().rowToRgb;
+  const Yv12ToRgbKernels kernels = yv12ToRgbKernels();
   for (int y = 0; y < planes.height; ++y) {
-    rowToRgb(matrix, sourceRow(planes, y), rowOf(rgba, rgbaStride, y), planes.width);
+    kernels.row(matrix, sourceRow(planes, y), rowOf(rgba, rgbaStride, y), planes.width);
   }
 }
 
 void rgbToPlanes(const FromRgb& matrix, const uint8_t* rgba, int rgbaStride, const Yv12Planes<uint8_t>& planes) {
   if (planes.width <= 0) return;
-  RowPairFromRgb* const rowPairFromRgb = yv12Kernels().rowPairFromRgb;
+  const Yv12FromRgbKernels kernels = yv12FromRgbKernels();
   const auto clampedRow = [&](int y) { return rowOf(rgba, rgbaStride, std::clamp(y, 0, planes.height - 1)); };
   for (int y = 0; y < planes.height; y += 2) {
-    rowPairFromRgb(matrix, {clampedRow(y - 1), clampedRow(y), clampedRow(y + 1), clampedRow(y + 2)},
-                   destinationRows(planes, y), planes.width);
+    kernels.rowPair(matrix, {clampedRow(y - 1), clampedRow(y), clampedRow(y + 1), clampedRow(y + 2)},
+                    destinationRows(planes, y), planes.width);
   }
 }
 

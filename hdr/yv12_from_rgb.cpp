@@ -43,7 +43,7 @@ void rowPairFromRgb(const FromRgb& m, const uint8_t* const (&bgra)[4], const Yv1
 }  // namespace
 }  // namespace plain
 
-RowPairFromRgb* const plainRowPairFromRgb = plain::rowPairFromRgb;
+const Yv12FromRgbKernels plainYv12FromRgbKernels = {plain::rowPairFromRgb};
 
 }  // namespace Lumvane
 
@@ -209,21 +209,14 @@ void rowPairFromRgb(const FromRgb& matrix, const uint8_t* const (&bgra)[4], cons
 }
 
 #else
-using plain::rowPairFromRgb;
+using namespace plain;
 #endif
 
-RowPairFromRgb* kernel() { return rowPairFromRgb; }
+Yv12FromRgbKernels kernels() { return {rowPairFromRgb}; }
 
 }  // namespace
 }  // namespace HWY_NAMESPACE
 }  // namespace Lumvane
 HWY_AFTER_NAMESPACE();
 
-#if HWY_ONCE
-namespace Lumvane {
-
-HWY_EXPORT(kernel);
-RowPairFromRgb* rowPairFromRgbKernel() { return HWY_DYNAMIC_DISPATCH(kernel)(); }
-
-}  // namespace Lumvane
-#endif
+LUMVANE_DISPATCH(Yv12FromRgbKernels, yv12FromRgbKernels)

@@ -25,20 +25,20 @@ using RowToRgb = void(const ToRgb& matrix, const Yv12Row& row, uint8_t* bgra, in
 /// Converts two rows of `width` pixels, 1 or more: bgra[1] and bgra[2], between the rows above and below them.
 using RowPairFromRgb = void(const FromRgb& matrix, const uint8_t* const (&bgra)[4], const Yv12RowPair& pair, int width);
 
+struct Yv12ToRgbKernels {
+  RowToRgb* row;
+};
+struct Yv12FromRgbKernels {
+  RowPairFromRgb* rowPair;
+};
+
 /// The plain forms, one pixel at a time: the reference for all others.
-extern RowToRgb* const plainRowToRgb;
-extern RowPairFromRgb* const plainRowPairFromRgb;
+extern const Yv12ToRgbKernels plainYv12ToRgbKernels;
+extern const Yv12FromRgbKernels plainYv12FromRgbKernels;
 
 /// Return the fastest kernels for this processor.
-RowToRgb* rowToRgbKernel();
-RowPairFromRgb* rowPairFromRgbKernel();
-
-struct Yv12Kernels {
-  RowToRgb* rowToRgb;
-  RowPairFromRgb* rowPairFromRgb;
-};
-inline Yv12Kernels yv12Kernels() { return {rowToRgbKernel(), rowPairFromRgbKernel()}; }
-inline Yv12Kernels plainYv12Kernels() { return {plainRowToRgb, plainRowPairFromRgb}; }
+Yv12ToRgbKernels yv12ToRgbKernels();
+Yv12FromRgbKernels yv12FromRgbKernels();
 
 namespace plain {
 

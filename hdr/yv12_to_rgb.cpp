@@ -36,7 +36,7 @@ void rowToRgb(const ToRgb& m, const Yv12Row& row, uint8_t* bgra, int width) { re
 }  // namespace
 }  // namespace plain
 
-RowToRgb* const plainRowToRgb = plain::rowToRgb;
+const Yv12ToRgbKernels plainYv12ToRgbKernels = {plain::rowToRgb};
 
 }  // namespace Lumvane
 
@@ -192,21 +192,14 @@ void rowToRgb(const ToRgb& matrix, const Yv12Row& row, uint8_t* bgra, int width)
 }
 
 #else
-using plain::rowToRgb;
+using namespace plain;
 #endif
 
-RowToRgb* kernel() { return rowToRgb; }
+Yv12ToRgbKernels kernels() { return {rowToRgb}; }
 
 }  // namespace
 }  // namespace HWY_NAMESPACE
 }  // namespace Lumvane
 HWY_AFTER_NAMESPACE();
 
-#if HWY_ONCE
-namespace Lumvane {
-
-HWY_EXPORT(kernel);
-RowToRgb* rowToRgbKernel() { return HWY_DYNAMIC_DISPATCH(kernel)(); }
-
-}  // namespace Lumvane
-#endif
+LUMVANE_DISPATCH(Yv12ToRgbKernels, yv12ToRgbKernels)

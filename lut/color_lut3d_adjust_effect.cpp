@@ -19,7 +19,7 @@ bool ColorLut3dAdjustEffect::process(uint8_t* dst, int32_t frameWidth, int32_t f
   if (dst == nullptr || src == nullptr) return false;
   const int32_t s = std::clamp(strengthPercent, 0, 100) * 255 / 100;
   if (s == 0 || frameWidth <= 0 || frameHeight <= 0) return true;
-  cubeLut->applyAndFade(dst, dstStride, src, frameWidth, frameHeight, srcStride, 255 - s);
+  cubeLut->apply(dst, dstStride, src, frameWidth, frameHeight, srcStride, 255 - s);
   return true;
 }
 

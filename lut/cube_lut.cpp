@@ -21,10 +21,10 @@ static_assert(sizeof(CubeLut) >= offsetof(CubeLut, lattice) + sizeof(CubeLut::la
 bool CubeLut::load(const std::u16string& path) {
   static constexpr struct {
     std::u16string_view extension;  // in upper case
-    LutHeader (*readHeader)(LineReader& text);
+    int32_t (CubeLut::*read)(std::istream& stream);
   } kFormats[] = {
-      {u".CUBE", readCubeHeader},
-      {u".3DL", read3dlHeader},
+      {u".CUBE", &CubeLut::readCube},
+      {u".3DL", &CubeLut::read3dl},
   };
   const std::u16string extension = lutExtension(path);
   if (extension.empty()) return false;
@@ -32,7 +32,7 @@ bool CubeLut::load(const std::u16string& path) {
   if (!file.isOpen()) return false;
   std::istream stream(&file);
   for (const auto& format : kFormats) {
-    if (extension == format.extension) return readTable(stream, format.readHeader) == statusOk;
+    if (extension == format.extension) return (this->*format.read)(stream) == statusOk;
   }
   return false;
 }
@@ -57,28 +57,21 @@ void CubeLut::fillInterpolationTables() {
 }
 
 int32_t CubeLut::apply(uint8_t* dst, int32_t dstStride, const uint8_t* src, int32_t width, int32_t height,
-                       int32_t srcStride) {
-  return applyAndFade(dst, dstStride, src, width, height, srcStride, 0);
-}
-
-int32_t CubeLut::applyAndFade(uint8_t* dst, int32_t dstStride, const uint8_t* src, int32_t width, int32_t height,
-                              int32_t srcStride, int32_t sourceWeight) {
+                       int32_t srcStride, int32_t sourceWeight) {
   status = statusOk;
   if (latticeSize < 1 || latticeSize > kLatticeStride) return statusSizeInvalid;
   if (width <= 0 || height <= 0) return status;
   cv::Mat dstMat = wrapFrame(dst, width, height, dstStride, alphaMode ? CV_8UC1 : CV_8UC4);
-  applyToMats(dstMat, wrapFrame(const_cast<uint8_t*>(src), width, height, srcStride), sourceWeight);
-  return status;
+  return applyToMats(dstMat, wrapFrame(const_cast<uint8_t*>(src), width, height, srcStride), sourceWeight);
 }
 
 int32_t CubeLut::applyToMats(cv::Mat& dst, const cv::Mat& src, int32_t sourceWeight) const {
-  const LatticeView view = {latticeSize, fraction, cell, &lattice[0][0][0][0]};
   if (alphaMode) {
-    if (isSmall(dst)) acquireTable();  // the first small frame of a process builds it, whatever the mode
-    gradeFrameToPlane(dst, src, view);
+    if (isSmall(dst)) acquireTable();  // small frames build the shared table even in alphaMode
+    gradeFrameToPlane(dst, src, view());
   } else {
     const auto table = acquireTable();
-    gradeFrame(dst, src, view, {table->multiply, table->mix}, sourceWeight);
+    gradeFrame(dst, src, view(), {table->multiply, table->mix}, sourceWeight);
   }
   return statusOk;
 }

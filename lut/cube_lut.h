@@ -58,14 +58,14 @@ class CubeLut {
   /// Fills `fraction` and `cell` for the current `latticeSize`, in single precision; does nothing if `status` is not 0.
   void fillInterpolationTables();
 
-  /// Applies the table to a frame: see Lut3DColorAdjustEffectProcess for pixels and strides. An empty frame is left
-  /// unchanged. In alphaMode dst has one byte per pixel, and a dstStride of 0 means rows of width bytes.
-  /// Returns 0, or 23 (statusSizeInvalid) with the frames unchanged if there is no usable table.
-  int32_t apply(uint8_t* dst, int32_t dstStride, const uint8_t* src, int32_t width, int32_t height, int32_t srcStride);
+  LatticeView view() const { return {latticeSize, fraction, cell, &lattice[0][0][0][0]}; }
 
-  /// The same, blended in the same pass with the source, whose weight is 0 to 255. Not for alphaMode.
-  int32_t applyAndFade(uint8_t* dst, int32_t dstStride, const uint8_t* src, int32_t width, int32_t height,
-                       int32_t srcStride, int32_t sourceWeight);
+  /// Applies the table to a frame: see Lut3DColorAdjustEffectProcess for pixels and strides. The result is blended in
+  /// the same pass with the source, whose weight is 0 to 255. An empty frame is left unchanged. In alphaMode dst has one
+  /// byte per pixel, a dstStride of 0 means rows of width bytes, and nothing is blended.
+  /// Returns 0, or 23 (statusSizeInvalid) with the frames unchanged if there is no usable table.
+  int32_t apply(uint8_t* dst, int32_t dstStride, const uint8_t* src, int32_t width, int32_t height, int32_t srcStride,
+                int32_t sourceWeight = 0);
 
  private:
   int32_t readTable(std::istream& stream, LutHeader (*readHeader)(LineReader& text));

@@ -14,7 +14,7 @@ struct LutHeader {
   bool redFastest = true;                      ///< the red index changes in every row, blue slowest; false: the reverse
   float fullScale = 1.0f;                      ///< numbers are first divided by it; a quotient of 1 is full scale
   float factor[3] = {255.0f, 255.0f, 255.0f};  ///< from the quotients of red, green and blue to the lattice's scale
-  bool hasLines = false;                       ///< .cube: there is a header line, except one with an invalid size
+  bool hasLines = false;  ///< .cube: at least one header line was accepted; one with an invalid size does not count
 };
 
 /// Reads a header and leaves `text` before the first row. Errors are stored in the status of `text`; nothing is read if

@@ -27,20 +27,17 @@ using test::Bytes;
 
 // All groups of kernels: the plain ones, or those of the current target.
 struct Tables {
-  const GradeKernels& grade;
-  const HdrKernels& hdr;
-  const HsvKernels& hsv;
-  const DetailKernels& details;
-  const PyramidKernels& pyramid;
-  Yv12Kernels yv12;
-  WhiteBalanceRow* whiteBalance;
+  GradeKernels grade = gradeKernels();
+  HdrKernels hdr = hdrKernels();
+  HsvKernels hsv = hsvKernels();
+  DetailKernels details = detailKernels();
+  PyramidKernels pyramid = pyramidKernels();
+  Yv12ToRgbKernels toRgb = yv12ToRgbKernels();
+  Yv12FromRgbKernels fromRgb = yv12FromRgbKernels();
+  WhiteBalanceKernels whiteBalance = whiteBalanceKernels();
 };
-const Tables kPlain = {plainGradeKernels,   plainHdrKernels,    plainHsvKernels,     plainDetailKernels,
-                       plainPyramidKernels, plainYv12Kernels(), plainWhiteBalanceRow};
-Tables ofTarget() {
-  return {gradeKernels(),   hdrKernels(),  hsvKernels(),        detailKernels(),
-          pyramidKernels(), yv12Kernels(), whiteBalanceKernel()};
-}
+const Tables kPlain = {plainGradeKernels,   plainHdrKernels,       plainHsvKernels,         plainDetailKernels,
+                       plainPyramidKernels, plainYv12ToRgbKernels, plainYv12FromRgbKernels, plainWhiteBalanceKernels};
 
 // The rows passed in one call.
 struct Rows {
@@ -84,7 +81,7 @@ const LatticeView& lattice() {
     table->readCube(text);
     return table;
   }();
-  static const LatticeView view = {lut->latticeSize, lut->fraction, lut->cell, &lut->lattice[0][0][0][0]};
+  static const LatticeView view = lut->view();
   return view;
 }
 
@@ -160,7 +157,7 @@ const Kernel kUpAlong = {"upAlong",
                          false};
 const Kernel kWhiteBalance = {
     "whiteBalance", {kBgra}, {kBgra}, {0.3f, 1.1f, 3.0f}, [](const Tables& of, const Rows& r, size_t n, float gain) {
-      of.whiteBalance({gain, 2 - gain, 1.2f * gain}, r.in[0], r.out[0], n);
+      of.whiteBalance.row({gain, 2 - gain, 1.2f * gain}, r.in[0], r.out[0], n);
     }};
 const Kernel kValue = {"value", {kBgra}, {kFloats}, {0}, [](const Tables& of, const Rows& r, size_t n, float) {
                          of.hsv.value(r.in[0], r.outFloats(0), n);
@@ -202,7 +199,7 @@ const Kernel kToRgb = {"toRgb",
                          const ToRgb matrix = toRgb(kBt2020, full != 0 ? kFull : kLimited);
                          const Yv12Row row = {r.in[0], r.in[1], r.in[2], r.in[3], r.in[4]};
                          const auto width = static_cast<int>(n);
-                         of.yv12.rowToRgb(matrix, row, r.out[0], width);
+                         of.toRgb.row(matrix, row, r.out[0], width);
                        },
                        false,
                        1};
@@ -215,7 +212,7 @@ const Kernel kFromRgb = {"fromRgb",
                            const Yv12RowPair pair = {r.out[0], r.out[1], r.out[2], r.out[3]};
                            const auto width = static_cast<int>(n);
                            const uint8_t* const in[4] = {r.in[0], r.in[1], r.in[2], r.in[3]};
-                           of.yv12.rowPairFromRgb(matrix, in, pair, width);
+                           of.fromRgb.rowPair(matrix, in, pair, width);
                          },
                          false,
                          1};
@@ -260,7 +257,7 @@ std::string differences(const Kernel& kernel, const std::vector<Bytes>& in, size
   for (const bool inPlace : {false, true}) {
     if (inPlace && !kernel.inPlace) break;
     const auto expected = results(kernel, kPlain, in, pixels, parameter, start, inPlace);
-    const auto found = results(kernel, ofTarget(), in, pixels, parameter, start, inPlace);
+    const auto found = results(kernel, Tables(), in, pixels, parameter, start, inPlace);
     for (size_t i = 0; i < expected.size(); ++i) {
       if (found[i] == expected[i]) continue;
       const auto at = std::mismatch(found[i].begin(), found[i].end(), expected[i].begin()).first - found[i].begin();

@@ -12,6 +12,6 @@ bool WhiteBalanceFun(const uint8_t* src, uint8_t* dst, float /*reserved1*/, floa
   const Lumvane::DefaultFloatMode floatMode;
   const Lumvane::WhiteBalanceGains gains = Lumvane::whiteBalanceGains(temperature, tint);
   // Rows are packed, so the frame is one long row.
-  Lumvane::whiteBalanceKernel()(gains, srcMat.ptr(), dstMat.ptr(), srcMat.total());
+  Lumvane::whiteBalanceKernels().row(gains, srcMat.ptr(), dstMat.ptr(), srcMat.total());
   return true;
 }

@@ -37,7 +37,7 @@ void whiteBalanceRow(const WhiteBalanceGains& gains, const uint8_t* src, uint8_t
 
 }  // namespace plain
 
-WhiteBalanceRow* const plainWhiteBalanceRow = plain::whiteBalanceRow;
+const WhiteBalanceKernels plainWhiteBalanceKernels = {plain::whiteBalanceRow};
 
 }  // namespace Lumvane
 
@@ -95,21 +95,14 @@ void whiteBalanceRow(const WhiteBalanceGains& gains, const uint8_t* src, uint8_t
 }
 
 #else
-using plain::whiteBalanceRow;
+using namespace plain;
 #endif
 
-WhiteBalanceRow* kernel() { return whiteBalanceRow; }
+WhiteBalanceKernels kernels() { return {whiteBalanceRow}; }
 
 }  // namespace
 }  // namespace HWY_NAMESPACE
 }  // namespace Lumvane
 HWY_AFTER_NAMESPACE();
 
-#if HWY_ONCE
-namespace Lumvane {
-
-HWY_EXPORT(kernel);
-WhiteBalanceRow* whiteBalanceKernel() { return HWY_DYNAMIC_DISPATCH(kernel)(); }
-
-}  // namespace Lumvane
-#endif
+LUMVANE_DISPATCH(WhiteBalanceKernels, whiteBalanceKernels)

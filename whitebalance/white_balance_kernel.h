@@ -17,10 +17,14 @@ WhiteBalanceGains whiteBalanceGains(float temperature, float tint);
 /// Products out of range are clamped, NaN gives 0. Byte 3 is copied. dst may be src.
 using WhiteBalanceRow = void(const WhiteBalanceGains& gains, const uint8_t* src, uint8_t* dst, size_t pixels);
 
+struct WhiteBalanceKernels {
+  WhiteBalanceRow* row;
+};
+
 /// The plain form, one byte at a time: the reference for all others.
-extern WhiteBalanceRow* const plainWhiteBalanceRow;
+extern const WhiteBalanceKernels plainWhiteBalanceKernels;
 
 /// Returns the fastest kernel for this processor.
-WhiteBalanceRow* whiteBalanceKernel();
+WhiteBalanceKernels whiteBalanceKernels();
 
 }  // namespace Lumvane
