@@ -60,10 +60,11 @@ namespace {
 
 #if LUMVANE_HAVE_VECTORS
 
-// Adds 0.5 so that rounding to nearest, ties to even, gives the same as roundToByte, which adds it in double precision.
-// The addend is 0.5 minus half a unit in the last place: for 0 and for 1 to 255 the float sum is then a tie only where
-// the exact sum is. Values between 0 and 1, which must give 1, are first multiplied by 2^30 and limited to 0.75. Those
-// up to 2^-54, which are lost when 0.5 is added in double precision, still give 0.
+// Gives, once rounded, the byte of roundToByte, which adds 0.5 in double precision:
+// - 0, and 1 to 255: the addend is 0.5 minus half a unit in the last place, so that the float sum is a tie only where the
+//   exact sum is.
+// - between 0 and 1, which must give 1: first multiplied by 2^30 and limited to 0.75. Values up to 2^-54, which are lost
+//   when 0.5 is added in double precision, still give 0.
 HWY_INLINE VF addHalf(VF v) {
   const VF raised = hn::Min(hn::Mul(v, hn::Set(F(), 1073741824.0f)), hn::Set(F(), 0.75f));
   return hn::Add(maxOrNan(raised, v), hn::Set(F(), 0.49999997f));

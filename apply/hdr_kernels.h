@@ -54,8 +54,8 @@ inline bool isOrdinary(float value) { return std::abs(value) <= kMaxOrdinary; } 
 /// last point may be read; its value does not matter.
 using HdrLatticeRow = void(const LatticeView& lattice, const uint8_t* src, uint8_t* dst, size_t pixels);
 
-/// Computes the 65536 cache entries of colours with the red value `r`, each by hdrColour. The tables of `lattice` may
-/// belong to another size, up to 65: a bad file loaded after a good one leaves them so.
+/// Computes the 65536 cache entries of colours with the red value `r`, each by hdrColour. `fraction` and `cell` may be
+/// for another size, up to 65: the state after a bad file follows a good one.
 using FillCache = void(const HdrLatticeView& lattice, uint8_t r, RGB8* entries);
 
 struct HdrKernels {

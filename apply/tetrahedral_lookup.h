@@ -5,7 +5,8 @@
 // fraction to a, on along the middle one to b, and along the smallest one to 111. The weights are the differences of
 // neighbouring fractions,
 //   1 - max, max - mid, mid - min, min,
-// and are never negative. Ties fail the strict comparisons below; the point that they decide then has weight 0.
+// and are never negative. Equal fractions fail the comparisons below; the point chosen then has weight 0, so the choice
+// does not matter.
 //
 // Kasson, Plouffe, Nin: "A Tetrahedral Interpolation Technique for Color Space Conversion", Proc. SPIE 1909, 1993.
 #pragma once

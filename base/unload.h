@@ -16,9 +16,9 @@ inline void watchForExit() {
   } watcher;
 }
 
-/// Marks a function that runs when the library is unloaded. On unloading it runs before the destructors of static
-/// objects, but at process exit after them, so that `processExiting` tells the two apart. On Windows the library is not
-/// unloaded once it has anything to release: see base/keep_loaded.h.
+/// Marks a function that runs when the library is unloaded. dlclose() runs it before static destructors, exit() after
+/// them; `processExiting` tells which. On Windows the library is not unloaded once it has anything to release: see
+/// base/keep_loaded.h.
 #ifdef _WIN32
 #define LUMVANE_WHEN_UNLOADED [[maybe_unused]]
 #else

@@ -79,6 +79,13 @@ HWY_INLINE VU shuffled(VU v, const uint8_t (&order)[16]) {
   return hn::BitCast(U(), hn::TableLookupBytesOr0(hn::BitCast(Bytes(), v), hn::LoadDup128(Bytes(), order)));
 }
 
+// Returns the sums of neighbouring products.
+HWY_INLINE VI pairSums(VShorts a, VShorts b) {
+  VI second = hn::Zero(I());
+  const VI first = hn::ReorderWidenMulAccumulate(I(), a, b, hn::Zero(I()), second);
+  return hn::RearrangeToOddPlusEven(first, second);
+}
+
 // The larger value, or NaN where `b` is NaN: on processors other than x86, hn::Max would return `a`.
 HWY_INLINE VF maxOrNan(VF a, VF b) {
 #if HWY_ARCH_X86

@@ -65,8 +65,8 @@ namespace {
 #if LUMVANE_HAVE_VECTORS
 
 // exp(r - step / 256) for r within 1 / 512 of 0, rounded to single precision. Before rounding, one table entry and the
-// Taylor series to the fourth order give it to a few units in the last place of double precision, which changes the
-// rounding of no exponential that occurs.
+// Taylor series to the fourth order give it to a few units in the last place of double precision. No exponential that
+// occurs lies that close to a rounding boundary.
 HWY_INLINE hn::Vec<HalfF> exponentialNear(hn::Vec<HalfI> step, hn::Vec<HalfF> offset) {
   const Doubles d;
   const auto c4 = hn::Set(d, 1.0 / 24);

@@ -11,8 +11,8 @@ class ExponentialTable {
   static constexpr int kStepsPerUnit = 256;
   static constexpr size_t kSize = 8192;  // down to exp(-32); a power of 2, so that masks keep indices in range
 
-  // Repeated multiplication with about 100 bits, so that rounding errors of the products never reach an entry. A C
-  // library's exponential cannot be called at compile time.
+  // Repeated multiplication, carried to about 100 bits, so the error stays below each entry's last bit. A C library's
+  // exponential cannot be called at compile time.
   constexpr ExponentialTable() {
     constexpr double kFactor = 0x1.fe00ffaabffbcp-1;        // exp(-1 / 256)
     constexpr double kFactorRest = -0x1.c72970f73da82p-56;  // the remainder of kFactor

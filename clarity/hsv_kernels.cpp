@@ -149,8 +149,8 @@ void analysisRow(const uint8_t* src, float saturationFactor, float* hue, float* 
 }
 
 // Puts the bytes of each lane (the value, the lowest colour, the middle colour, alpha) in the order that the sector of
-// the hue requires. There are two cycles, one for the even and one for the odd sectors, and the bytes 0, 1 and 2 of a
-// pixel come from three neighbours in one of them.
+// the hue requires. Bytes 0 to 2 are three consecutive entries of a cyclic sequence: one sequence for even sectors, one
+// for odd.
 HWY_INLINE VU arranged(VU colours, VI sectors) {
   alignas(16) static constexpr uint8_t kToLane[16] = {0, 0, 0, 128, 4, 4, 4, 128, 8, 8, 8, 128, 12, 12, 12, 128};
   alignas(16) static constexpr uint8_t kFirst[16] = {0, 5, 1, 6, 2, 7};

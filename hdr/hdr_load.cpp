@@ -77,6 +77,17 @@ bool readHdrCube(VideoAdjustColor& object, std::istream& stream, int transfer) {
   return object.loadOk;
 }
 
+// The first object of the process reads both files, HLG first, and keeps its size and tables in between. So a bad file
+// meets what the one before it has left:
+//
+//   file                                object's size  shared size  tables        rows        cache
+//   no size, or an error before it      as before      as before *  as before     zero        filled: all zero
+//   an error in the header after it     of this file   of this file as before     zero        filled: all zero
+//   a size above 65                     of this file   of this file as before     zero        zero
+//   ends or fails within the rows       of this file   of this file of this file  those read  filled from these
+//
+// (* or the object's size, once one other header line was accepted.) Tables of another size are harmless to the two
+// fills of zeros, but must not be combined with more: `ordinary` is false then, and FillCache takes any tables.
 bool readHdrLattice(VideoAdjustColor& object, std::istream& stream, int transfer) {
   HdrTransferData& shared = hdrTransferData(transfer != 0);
   LineReader text(stream);
@@ -97,7 +108,6 @@ void fillHdrCache(VideoAdjustColor& object, int transfer) {
   HdrTransferData& shared = hdrTransferData(transfer != 0);
   const HdrLatticeView lut = {object.latticeSize, object.fraction, object.cell, shared.lattice};
   runParallel(kBands, parallelCacheCubeLut_(256 / kBands, lut, shared.cache));
-  // After a refused file, the tables or the cache can belong to the size of an earlier file.
   const float* const values = shared.lattice[0][0];
   shared.ordinary = shared.latticeSize == object.latticeSize && object.cell[255] == object.latticeSize - 1 &&
                     std::all_of(values, values + kLatticeStride * kLatticeStride * kLatticeStride * 3, isOrdinary);

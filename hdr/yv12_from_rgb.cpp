@@ -60,47 +60,45 @@ namespace {
 
 #if LUMVANE_HAVE_VECTORS
 
-// Two coefficients that multiply the 16-bit halves of a lane. They exceed the 15 bits of a 16-bit factor, so they
-// are split into high and low bits whose products are shifted and added.
+// One instruction multiplies 16-bit numbers and adds neighbouring products: here the products of blue and red. But the
+// weights, from -30034 to 187485, need 19. So each is split at bit 9, and the sum of products is
+//   (sum of value * high bits) << 9, plus sum of value * low bits,
+// which is exact: values are bytes, or for chroma the differences of colours in 32nds, up to 8160; low bits are 0 to
+// 511, high bits -59 to 366; and the sums of plain::weighted fit 32 bits.
 constexpr int kSplit = 9;
-struct Coefficients {
-  VI low, high;
+struct Weights {
+  VShorts low, high;
+
+  Weights(int ofEven, int ofOdd)
+      : low(pair(ofEven & ((1 << kSplit) - 1), ofOdd & ((1 << kSplit) - 1))),
+        high(pair(ofEven >> kSplit, ofOdd >> kSplit)) {}
+  // The weights of `even` for even 32-bit lanes, of `odd` for odd ones.
+  Weights(const Weights& even, const Weights& odd)
+      : low(alternating(even.low, odd.low)), high(alternating(even.high, odd.high)) {}
+
+ private:
+  static VShorts pair(int even, int odd) {
+    return hn::BitCast(Shorts(), hn::Set(I(), (even & 0xFFFF) | odd * 0x10000));
+  }
+  static VShorts alternating(VShorts even, VShorts odd) {
+    return hn::BitCast(Shorts(), hn::OddEven(hn::BitCast(U(), odd), hn::BitCast(U(), even)));
+  }
 };
-HWY_INLINE Coefficients split(VI ofLower, VI ofUpper) {
-  const I d;
-  const auto pair = [&](VI lower, VI upper)
-                        HWY_ATTR { return hn::Or(hn::And(lower, hn::Set(d, 0xFFFF)), hn::ShiftLeft<16>(upper)); };
-  const VI lowBits = hn::Set(d, (1 << kSplit) - 1);
-  return {pair(hn::And(ofLower, lowBits), hn::And(ofUpper, lowBits)),
-          pair(hn::ShiftRight<kSplit>(ofLower), hn::ShiftRight<kSplit>(ofUpper))};
-}
-HWY_INLINE VI pairSums(VU values, VI coefficients) {
-  const I d;
-  const Shorts d16;
-  VI second = hn::Zero(d);
-  const VI first =
-      hn::ReorderWidenMulAccumulate(d, hn::BitCast(d16, values), hn::BitCast(d16, coefficients), hn::Zero(d), second);
-  return hn::RearrangeToOddPlusEven(first, second);
-}
 
 // Colours, or sums of them: 16 bits each.
 struct Colours {
-  VU blueRed;  // blue in the lower half of a lane, red in the upper one
-  VU green;    // in the lower half
+  VShorts blueRed;  // blue in even lanes, red in odd ones
+  VShorts green;    // in even lanes; odd ones are 0
 };
 
-HWY_INLINE VU add16(VU a, VU b) {
-  const Words d16;
-  return hn::BitCast(U(), hn::Add(hn::BitCast(d16, a), hn::BitCast(d16, b)));
-}
 HWY_INLINE Colours add(const Colours& a, const Colours& b) {
-  return {add16(a.blueRed, b.blueRed), add16(a.green, b.green)};
+  return {hn::Add(a.blueRed, b.blueRed), hn::Add(a.green, b.green)};
 }
 
 HWY_INLINE Colours load(const uint8_t* pixels) {
-  const U d;
-  const VU bgra = hn::BitCast(d, hn::LoadU(Bytes(), pixels));
-  return {hn::And(bgra, hn::Set(d, 0x00FF00FF)), hn::And(hn::ShiftRight<8>(bgra), hn::Set(d, 0xFF))};
+  const VU bgra = loadPixels(pixels);
+  return {hn::BitCast(Shorts(), hn::And(bgra, hn::Set(U(), 0x00FF00FF))),
+          hn::BitCast(Shorts(), hn::And(hn::ShiftRight<8>(bgra), hn::Set(U(), 0xFF)))};
 }
 
 // The vertical filter, 1 3 3 1.
@@ -115,8 +113,8 @@ HWY_INLINE Colours downFrom(const uint8_t* const (&bgra)[4], size_t x) {
 class LumaRow {
  public:
   explicit LumaRow(const FromRgb& m)
-      : blueRed_(split(hn::Set(I(), m.y[0]), hn::Set(I(), m.y[2]))),
-        green_(split(hn::Set(I(), m.y[1]), hn::Zero(I()))),
+      : blueRed_(m.y[0], m.y[2]),
+        green_(m.y[1], 0),
         offset_(hn::Set(I(), (m.black << kFractionBits) + (1 << (kFractionBits - 1)))) {}
 
   HWY_INLINE void store(const Colours& pixels, uint8_t* luma) const {
@@ -128,29 +126,26 @@ class LumaRow {
   }
 
  private:
-  Coefficients blueRed_, green_;
+  Weights blueRed_, green_;
   VI offset_;
 };
 
-// The coefficients of one chroma plane add up to 0, so those of blue and red alone, applied to the colours minus green,
-// suffice.
+// Each chroma row of the matrix sums to 0, so green drops out: blue's and red's weights are applied to blue - green and
+// red - green.
 class ChromaRows {
  public:
   explicit ChromaRows(const FromRgb& m)
-      : coefficients_(split(alternating(m.cr[0], m.cb[0]), alternating(m.cr[2], m.cb[2]))),
-        half_(hn::Set(I(), 1 << (kBits - 1))) {}
+      : blueRed_(Weights(m.cr[0], m.cr[2]), Weights(m.cb[0], m.cb[2])), half_(hn::Set(I(), 1 << (kBits - 1))) {}
 
   // Takes vertically filtered colours, and those of the pixels to their left. Every second pixel is a chroma column.
   HWY_INLINE void store(const Colours& pixels, const Colours& left, uint8_t* v, uint8_t* u) const {
-    const U d;
     const Colours twice = add(pixels, left);  // pixel and left neighbour; in odd lanes right neighbour and pixel
-    const VU blueRed = acrossPair(twice.blueRed), green = acrossPair(twice.green);
-    const VU bothGreen = hn::Or(green, hn::ShiftLeft<16>(green));
-    const Words d16;
-    const VU lessGreen = hn::DupEven(hn::BitCast(d, hn::Sub(hn::BitCast(d16, blueRed), hn::BitCast(d16, bothGreen))));
-    const VI sum = hn::Add(
-        hn::Add(hn::ShiftLeft<kSplit>(pairSums(lessGreen, coefficients_.high)), pairSums(lessGreen, coefficients_.low)),
-        half_);
+    const VShorts blueRed = acrossPair(twice.blueRed), green = acrossPair(twice.green);
+    const VShorts bothGreen = hn::Or(green, hn::BitCast(Shorts(), hn::ShiftLeft<16>(hn::BitCast(U(), green))));
+    const VU differences = hn::DupEven(hn::BitCast(U(), hn::Sub(blueRed, bothGreen)));
+    const VShorts lessGreen = hn::BitCast(Shorts(), differences);
+    const VI high = pairSums(lessGreen, blueRed_.high), low = pairSums(lessGreen, blueRed_.low);
+    const VI sum = hn::Add(hn::Add(hn::ShiftLeft<kSplit>(high), low), half_);
     // The neutral value is added after the shift: before it, full-range sums would exceed 32 bits.
     const VI chroma = hn::Add(hn::ShiftRight<kBits>(sum), hn::Set(I(), kNeutral));
     const hn::Rebind<uint8_t, I> bytes;
@@ -163,20 +158,20 @@ class ChromaRows {
 
  private:
   static constexpr int kBits = kFractionBits + kDownBits;
-  static VI alternating(int even, int odd) { return hn::OddEven(hn::Set(I(), odd), hn::Set(I(), even)); }
-  static HWY_INLINE VU acrossPair(VU v) {
-    return add16(v, hn::BitCast(U(), hn::ShiftRight<32>(hn::BitCast(hn::Repartition<uint64_t, U>(), v))));
+  static HWY_INLINE VShorts acrossPair(VShorts v) {
+    const hn::Repartition<uint64_t, U> pairs;
+    return hn::Add(v, hn::BitCast(Shorts(), hn::ShiftRight<32>(hn::BitCast(pairs, v))));
   }
 
-  Coefficients coefficients_;
+  Weights blueRed_;
   VI half_;
 };
 
 // Rotates the pixels by one to the right.
-HWY_INLINE VU rotated(VU v) {
-  const U d;
+HWY_INLINE VU rotated(VShorts v) {
   constexpr uint32_t last = kLanes - 1;
-  return hn::TableLookupLanes(v, hn::IndicesFromVec(d, hn::And(hn::Iota(d, last), hn::Set(d, last))));
+  const VU before = hn::And(hn::Iota(U(), last), hn::Set(U(), last));
+  return hn::TableLookupLanes(hn::BitCast(U(), v), hn::IndicesFromVec(U(), before));
 }
 
 void rowPairFromRgb(const FromRgb& matrix, const uint8_t* const (&bgra)[4], const Yv12RowPair& pair, int width) {
@@ -186,17 +181,20 @@ void rowPairFromRgb(const FromRgb& matrix, const uint8_t* const (&bgra)[4], cons
   const ChromaRows chroma(matrix);
   const auto firstLane = hn::FirstN(U(), 1);
 
-  Colours before = {};  // rotated
+  VU blueRedBefore = hn::Zero(U()), greenBefore = blueRedBefore;  // the previous vector, rotated
   for (size_t x = 0; x + kLanes <= pixels; x += kLanes) {
     const Colours upper = load(bgra[1] + 4 * x), lower = load(bgra[2] + 4 * x);
     luma.store(upper, pair.upperLuma + x);
     luma.store(lower, pair.lowerLuma + x);
     const Colours here = down(load(bgra[0] + 4 * x), upper, lower, load(bgra[3] + 4 * x));
-    if (x == 0) before = here;  // the first pixel is its own left neighbour
-    const Colours turned = {rotated(here.blueRed), rotated(here.green)};
-    const Colours left = {hn::IfThenElse(firstLane, before.blueRed, turned.blueRed),
-                          hn::IfThenElse(firstLane, before.green, turned.green)};
-    before = turned;
+    const auto leftOf = [&](VShorts colours, VU& before) HWY_ATTR {
+      if (x == 0) before = hn::BitCast(U(), colours);  // the first pixel is its own left neighbour
+      const VU turned = rotated(colours);
+      const VU left = hn::IfThenElse(firstLane, before, turned);
+      before = turned;
+      return hn::BitCast(Shorts(), left);
+    };
+    const Colours left = {leftOf(here.blueRed, blueRedBefore), leftOf(here.green, greenBefore)};
     chroma.store(here, left, pair.v + x / 2, pair.u + x / 2);
   }
   if (pixels % kLanes != 0) {  // the last vector overlaps the one before

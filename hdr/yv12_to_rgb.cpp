@@ -77,14 +77,6 @@ struct Coefficients {
   VI offset;  // subtracts black, adds half for rounding
 };
 
-// Returns the sums of neighbouring products.
-HWY_INLINE VI pairSums(VShorts a, VShorts b) {
-  const I d;
-  VI second = hn::Zero(d);
-  const VI first = hn::ReorderWidenMulAccumulate(d, a, b, hn::Zero(d), second);
-  return hn::RearrangeToOddPlusEven(first, second);
-}
-
 // Computes the unclamped colours of pixels. Each lane pair of y, cb and cr holds a value and the same value shifted.
 HWY_INLINE void matrixed(const Coefficients& m, VShorts y, VShorts cb, VShorts cr, VI& blue, VI& green, VI& red) {
   const VI grey = hn::Add(pairSums(y, m.grey), m.offset);

@@ -23,9 +23,9 @@
  *          at the first frame or HDR object. The environment variable OPENCV_FOR_THREADS_NUM sets their number on
  *          Windows, where OpenCV is inside the DLL; with Debian's OpenCV it has no effect. If threads cannot be
  *          started, all work is done on the calling threads: on Linux the first frame or HDR object finds this out by
- *          starting threads of its own, which end before that call returns. On Linux, exit() may be called while other
- *          threads are in a call: it waits up to one second for their worker threads, and the rest of those calls runs
- *          on the calling threads. Never unload the library during a call.
+ *          briefly starting threads of its own, which end before that call returns. On Linux, exit() may be called while
+ *          other threads are in a call: it waits up to one second for their worker threads, and the rest of those calls
+ *          runs on the calling threads. Never unload the library during a call.
  * Bytes    The same input gives the same bytes on every processor and system, with any number of threads, in any locale
  *          and in any floating-point mode of the calling thread (rounding, flushed denormals, traps). The mode is
  *          restored before the call returns.
@@ -77,6 +77,7 @@ extern "C" {
  *                points per axis.
  * Owner          The caller, who destroys the effect with Destory3DLutColorAdjustEffect. The path is copied and the
  *                file is closed before the call returns.
+ * Threads        Runs on the calling thread. Calls can run concurrently.
  * Caution        1D LUTs and shaper curves are not supported. A .cube file with one before its 3D table loads with the
  *                curve's rows as the first rows of the table, and grades wrongly. The entries of the mesh line of a
  *                .3dl file are only counted; the mesh is always treated as evenly spaced.
@@ -107,6 +108,9 @@ LUMVANE_API void* Create3DLutColorAdjustEffect(const char16_t* lutPath, int32_t 
  *            the graded frame alone.
  * Overlap    dst and src may be one buffer with one stride. A frame graded in place comes out at full strength for
  *            every strength above 0: the source is overwritten before the two are blended. No other overlap.
+ * Threads    One call at a time per handle, on any thread. Frames of more than 10000 pixels are divided among OpenCV's
+ *            threads, in up to 8 bands. If several threads grade their first frame, one builds the table below and the
+ *            others wait for it.
  * Cost       Allocates nothing per frame. The first frame of the process builds a table that all handles share:
  *            18.7 MB, kept until the library is unloaded.
  */
@@ -116,7 +120,8 @@ LUMVANE_API void Lut3DColorAdjustEffectProcess(void* handle, uint8_t* dst, int32
 
 /* Destroys a grading effect and frees its memory.
  *
- * handle  From Create3DLutColorAdjustEffect, not in use by another call. Null: the call does nothing.
+ * handle   From Create3DLutColorAdjustEffect, not in use by another call. Null: the call does nothing.
+ * Threads  Any thread. Calls with different handles can run concurrently.
  */
 LUMVANE_API void Destory3DLutColorAdjustEffect(void* handle);
 
@@ -133,6 +138,7 @@ LUMVANE_API void Destory3DLutColorAdjustEffect(void* handle);
  * intensity      Percent, 0 to 100, clamped: how much of the raised contrast is blended in. 0 leaves it unchanged.
  * Returns        A handle for the two functions below. No value of the arguments makes this fail.
  * Owner          The caller, who destroys the effect with DestoryNLEPureCClarity.
+ * Threads        Runs on the calling thread. Calls can run concurrently.
  * Cost           Negligible; memory for frames is allocated with the first one.
  */
 LUMVANE_API void* CreateNLEPureCClarity(int32_t width, int32_t height, int32_t reserved, int32_t saturation,
@@ -154,6 +160,8 @@ LUMVANE_API void* CreateNLEPureCClarity(int32_t width, int32_t height, int32_t r
  *            held before the call. If they overlap and are not the same pixels at the same places, the call copies src.
  * Returns    1 when the frame was rendered. 0, with the destination unchanged: a null handle or buffer, a width or
  *            height of 0 or less, a stride above 0 and below width * 4.
+ * Threads    One call at a time per handle, on any thread. Frames of any size are divided among OpenCV's threads, in up
+ *            to 16 stripes.
  * Cost       After its first frame a handle keeps a pyramid of floats, about 3 bytes per pixel (6 MB at 1920 x 1080),
  *            which is reallocated for a frame of another size. The copy of overlapping frames takes 4 bytes per pixel
  *            during the call.
@@ -163,7 +171,8 @@ LUMVANE_API int32_t NLEPureCClarityProcess(void* handle, uint8_t* dst, int32_t w
 
 /* Destroys a clarity effect and frees its memory.
  *
- * handle  From CreateNLEPureCClarity, not in use by another call. Null: the call does nothing.
+ * handle   From CreateNLEPureCClarity, not in use by another call. Null: the call does nothing.
+ * Threads  Any thread. Calls with different handles can run concurrently.
  */
 LUMVANE_API void DestoryNLEPureCClarity(void* handle);
 
@@ -185,7 +194,7 @@ LUMVANE_API void DestoryNLEPureCClarity(void* handle);
  * width        Pixels per row. 0 or less: nothing is read or written.
  * height       Rows. 0 or less: nothing is read or written.
  * Returns      true in every case.
- * Threads      Runs on the calling thread and keeps no state: calls on different frames can run concurrently.
+ * Threads      Runs on the calling thread. Calls on different frames can run concurrently.
  * Cost         Allocates nothing.
  */
 LUMVANE_API bool WhiteBalanceFun(const uint8_t* src, uint8_t* dst, float reserved1, float reserved2, float reserved3,
@@ -214,7 +223,8 @@ LUMVANE_API bool WhiteBalanceFun(const uint8_t* src, uint8_t* dst, float reserve
  *                So clamp and resample a cube before use: "lumvane-host hdr-luts --hlg X.cube --pq Y.cube FOLDER" does
  *                both.
  * Owner          The caller, who destroys the object with DestroyVideoAdjustColor.
- * Threads        Calls can run concurrently; the first ones wait until the files are loaded.
+ * Threads        Calls can run concurrently. The first one uses OpenCV's threads, and others wait until it has loaded
+ *                the files.
  * Failures       Throws std::bad_alloc when memory runs out, when a LUT file cannot be opened because the process or
  *                the system has too many files open, for a negative width or height, and for frames of 2^29 pixels or
  *                more. If the first call throws, the next one tries to load the files again.
@@ -237,6 +247,8 @@ LUMVANE_API void* CreateVideoAdjustColor(const char16_t* lutDirectory, int32_t r
  * dstPlane0, 1, 2  Destination planes of the same shape and order, written.
  * Overlap          A destination plane may be the source plane of the same number. No other overlap.
  * Returns          true in every case.
+ * Threads          One call at a time per handle, on any thread. Frames of 10000 pixels or more are divided among
+ *                  OpenCV's threads, in up to 8 bands; with overlapping planes, only the part between the conversions.
  * Cost             Allocates nothing.
  */
 LUMVANE_API bool VideoAdjustColorProcess(void* handle, const uint8_t* srcPlane0, const uint8_t* srcPlane1,
@@ -246,7 +258,8 @@ LUMVANE_API bool VideoAdjustColorProcess(void* handle, const uint8_t* srcPlane0,
 
 /* Destroys an HDR converter and frees its memory; shared data stays.
  *
- * handle  From CreateVideoAdjustColor, not in use by another call. Null: the call does nothing.
+ * handle   From CreateVideoAdjustColor, not in use by another call. Null: the call does nothing.
+ * Threads  Any thread. Calls with different handles can run concurrently.
  */
 LUMVANE_API void DestroyVideoAdjustColor(void* handle);
 

@@ -32,7 +32,7 @@ LutHeader read3dlHeader(LineReader& text) {
     if (!text.readLine(line)) return header;
   } while (!isMeshLine(line));
   std::vector<std::string_view> mesh;
-  // Counted before splitting: a field takes many times the memory of its blank, and there may be thousands.
+  // Counted before splitting: each field costs far more memory than the blank before it, and there may be thousands.
   if (std::count(line.begin(), line.end(), ' ') >= kLatticeStride) {
     text.status = statusSizeInvalid;
   } else if (CubeLut::splitFields(line, mesh); mesh.size() < kMinPoints) {
