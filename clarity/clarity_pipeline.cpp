@@ -14,17 +14,6 @@ constexpr float kPercent = 0.01f;
 constexpr float kSaturationSpan = 0.15f;
 constexpr int kChunk = 512;  // pixels of a row that go through all kernels before the next chunk
 
-// Converts a row of BGRA pixels to the values from which the pyramid is built.
-struct clarityAnalysisPass {
-  const cv::Mat& src;
-  ValueRow* valueRow;
-
-  const float* operator()(int y, float* buffer) const {
-    valueRow(src.ptr(y), buffer, static_cast<size_t>(src.cols));
-    return buffer;
-  }
-};
-
 // Converts BGRA rows to hue, saturation and value, and back with the alpha of src. In between it blends the value with
 // the rebuilt finest level of the pyramid, whose details are raised; an amount of 0 leaves the value unchanged. For
 // runParallel over stripe numbers.
@@ -86,8 +75,7 @@ int clarityPipeline(NLEPureCClarity& effect, const cv::Mat& frame, cv::Mat& dst,
   const int stripes = std::min(static_cast<int>(scratch.size()), kMaxStripes);
   const float amount = std::clamp(static_cast<float>(intensity), 0.0f, 100.0f) * kPercent;
   if (amount > 0.0f) {
-    buildClarityPyramid(clarityAnalysisPass{src, kernels.hsv.value}, src.size(), effect.levels, stripes, effect.pyramid,
-                        kernels.pyramid);
+    buildClarityPyramid({src, kernels.hsv.value}, effect.levels, stripes, effect.pyramid, kernels.pyramid);
     collapseClarityPyramid(effect.pyramid, kernels.pyramid, kernels.details.detail);
   }
   runParallel(stripes,

@@ -18,14 +18,15 @@ int stripesOf(cv::Size size, const ClarityPyramid::Scratch& scratch) {
   return int64_t{size.width} * size.height >= kMinSharedSamples ? static_cast<int>(scratch.size()) : 1;
 }
 
-void downRows(const RowOfPlane& input, cv::Size size, const BandRows& rows, cv::Mat& output, float* scratch,
+void downRows(const clarityAnalysisPass& input, const BandRows& rows, cv::Mat& output, float* scratch,
               const PyramidKernels& kernels) {
+  const cv::Size size = input.src.size();
   const auto sums = [&](int y) { return scratch + static_cast<ptrdiff_t>(y % kTaps) * output.cols; };
   float* const buffer = scratch + static_cast<ptrdiff_t>(kTaps) * output.cols;
   int next = std::max(2 * rows.first - 2, 0);
   for (int y = rows.first; y < rows.end; ++y) {
     for (; next <= std::min(2 * y + 2, size.height - 1); ++next) {
-      kernels.downAcross(input(next, buffer), size.width, sums(next));
+      kernels.downAcross(input.row(next, buffer), size.width, sums(next));
     }
     const float* taps[kTaps];
     for (int i = 0; i < kTaps; ++i) taps[i] = sums(reflected(2 * y + i - 2, size.height));
@@ -73,24 +74,25 @@ int clarityLevelCount(int width, int height) {
   return std::min(static_cast<int>(std::bit_width(shorterSide - 1)) + 1, kMaxLevels);  // ceil(log2(side)) + 1
 }
 
-void pyramidDown(const RowOfPlane& input, cv::Size size, cv::Mat& output, int stripes, ClarityPyramid::Scratch& scratch,
+void pyramidDown(const clarityAnalysisPass& input, cv::Mat& output, int stripes, ClarityPyramid::Scratch& scratch,
                  const PyramidKernels& kernels) {
-  const bool isCopy = size.width < 2 || size.height < 2;
-  output.create(isCopy ? size : cv::Size((size.width + 1) / 2, (size.height + 1) / 2), CV_32FC1);
+  const cv::Size size = input.src.size();
+  if (size.width < 2 || size.height < 2) {
+    output.create(size, CV_32FC1);
+    for (int y = 0; y < size.height; ++y) {
+      auto* const row = output.ptr<float>(y);
+      const float* const from = input.row(y, row);
+      if (from != row) std::copy_n(from, size.width, row);
+    }
+    return;
+  }
+  output.create((size.height + 1) / 2, (size.width + 1) / 2, CV_32FC1);
+  const size_t samples = kTaps * static_cast<size_t>(output.cols) + static_cast<size_t>(size.width);
   runParallel(
       stripes,
       [&](const cv::Range& range) {
-        const BandRows rows = stripeRows(range, output.rows, stripes);
-        if (isCopy) {
-          for (int y = rows.first; y < rows.end; ++y) {
-            float* const row = output.ptr<float>(y);
-            const float* const from = input(y, row);
-            if (from != row) std::copy_n(from, size.width, row);
-          }
-          return;
-        }
-        const size_t samples = kTaps * static_cast<size_t>(output.cols) + static_cast<size_t>(size.width);
-        downRows(input, size, rows, output, scratchRows(scratch[static_cast<size_t>(range.start)], samples), kernels);
+        float* const room = scratchRows(scratch[static_cast<size_t>(range.start)], samples);
+        downRows(input, stripeRows(range, output.rows, stripes), output, room, kernels);
       },
       stripes);
 }
@@ -118,16 +120,15 @@ const float* PyramidUp::samples(int x, size_t count, float* buffer) const {
   return buffer;
 }
 
-void buildClarityPyramid(const RowOfPlane& value, cv::Size size, int levels, int stripes, ClarityPyramid& pyramid,
+void buildClarityPyramid(const clarityAnalysisPass& value, int levels, int stripes, ClarityPyramid& pyramid,
                          const PyramidKernels& kernels) {
   const auto n = static_cast<size_t>(std::max(levels, 1));
   for (auto* planes : {&pyramid.gaussian, &pyramid.rebuilt}) planes->resize(n);
   auto& gaussian = pyramid.gaussian;
-  if (n > 1) pyramidDown(value, size, gaussian[1], stripes, pyramid.scratch, kernels);
+  if (n > 1) pyramidDown(value, gaussian[1], stripes, pyramid.scratch, kernels);
   for (size_t i = 2; i < n; ++i) {
     const cv::Mat& fine = gaussian[i - 1];
-    const auto row = [&fine](int y, float*) { return fine.ptr<float>(y); };
-    pyramidDown(row, fine.size(), gaussian[i], stripesOf(fine.size(), pyramid.scratch), pyramid.scratch, kernels);
+    pyramidDown({fine}, gaussian[i], stripesOf(fine.size(), pyramid.scratch), pyramid.scratch, kernels);
   }
 }
 

@@ -5,11 +5,11 @@
 // levels upsampled to the size of the next finer one.
 #pragma once
 
-#include <functional>
 #include <opencv2/core.hpp>
 #include <vector>
 
 #include "clarity/detail_kernels.h"
+#include "clarity/hsv_kernels.h"
 #include "clarity/pyramid_kernels.h"
 
 namespace Lumvane {
@@ -38,12 +38,22 @@ float* scratchRows(std::vector<float>& memory, size_t samples);
 /// be halved, rounding up; 1 to 8.
 int clarityLevelCount(int width, int height);
 
-/// Returns row y of a plane: a pointer into the plane, or `buffer`, which has room for a row, after filling it.
-using RowOfPlane = std::function<const float*(int y, float* buffer)>;
+/// The rows of a level: of a plane of floats, or of the values of BGRA pixels, converted where they are used.
+struct clarityAnalysisPass {
+  const cv::Mat& src;
+  ValueRow* valueRow = nullptr;  ///< for BGRA pixels
 
-/// Halves a plane of the size `size`, to (side + 1) / 2; copies it if a side is below 2. Works in `stripes` parts on
-/// OpenCV's threads, each with its own scratch memory.
-void pyramidDown(const RowOfPlane& input, cv::Size size, cv::Mat& output, int stripes, ClarityPyramid::Scratch& scratch,
+  /// Returns row y: a pointer into the plane, or `buffer`, which has room for a row, after filling it.
+  const float* row(int y, float* buffer) const {
+    if (valueRow == nullptr) return src.ptr<float>(y);
+    valueRow(src.ptr(y), buffer, static_cast<size_t>(src.cols));
+    return buffer;
+  }
+};
+
+/// Halves a plane, to (side + 1) / 2; copies it if a side is below 2. Works in `stripes` parts on OpenCV's threads, each
+/// with its own scratch memory.
+void pyramidDown(const clarityAnalysisPass& input, cv::Mat& output, int stripes, ClarityPyramid::Scratch& scratch,
                  const PyramidKernels& kernels);
 
 /// Upsamples the rows of a plane to `size`, the size of the next finer level. A plane that already has this size is
@@ -72,9 +82,9 @@ class PyramidUp {
   int next_ = 0;  // the first row of the input that is not upsampled yet
 };
 
-/// Builds a pyramid of `levels` levels, at least one, from a plane of the size `size`; each has half the size of the
-/// previous one. Level 0 is processed in `stripes` parts, at most as many as pyramid.scratch has elements.
-void buildClarityPyramid(const RowOfPlane& value, cv::Size size, int levels, int stripes, ClarityPyramid& pyramid,
+/// Builds a pyramid of `levels` levels, at least one; each has half the size of the previous one. Level 0 is processed
+/// in `stripes` parts, at most as many as pyramid.scratch has elements.
+void buildClarityPyramid(const clarityAnalysisPass& value, int levels, int stripes, ClarityPyramid& pyramid,
                          const PyramidKernels& kernels);
 
 /// Rebuilds the levels, coarsest first, with raised details, except for level 0, which is left to the last pass over
